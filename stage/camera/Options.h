@@ -1,0 +1,48 @@
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "stage/camera/RawPicture.h"
+
+namespace vistrel::stage {
+
+/// One thing that the camera can deliver: a layout (none is MJPEG), a size, and frames a second.
+struct Offer {
+  std::optional<PixelFormat> raw;
+  std::string formatName;
+  int width = 0;
+  int height = 0;
+  std::vector<int> rates;
+};
+
+enum class Picture { Plain, Rich };
+enum class Manner { Willing, Refusing, Silent };
+
+struct Options {
+  std::string name = "Test Camera";
+  std::string nodeName = "testcam";
+  std::vector<Offer> offers;
+  std::vector<std::pair<std::string, std::string>> properties;
+  int quality = 80;
+  int blackFrames = 0;
+  Picture picture = Picture::Plain;
+  Manner manner = Manner::Willing;
+  bool isObeying = false;
+
+  static constexpr const char* kUsage =
+      "usage: vistrel-testcam [--name TEXT] [--node NAME] [--offer FORMAT:WIDTHxHEIGHT@RATE[/RATE...]]...\n"
+      "                       [--property KEY=VALUE]... [--quality N] [--black FRAMES] [--rich] [--refuse]\n"
+      "                       [--silent] [--obey]\n"
+      "FORMAT: mjpeg yuy2 uyvy nv12 i420 yv12 rgb bgr rgbx bgrx.  --rich: detail, 1 to 2 MB at 4K MJPEG.\n"
+      "--obey: commands on standard input, one a line, whose end is the end of the camera:\n"
+      "  stall  resume  slow MS  rename TEXT  error TEXT  refuse  accept  garbage  black FRAMES  die  quit\n";
+
+  /// None when the arguments make no sense.
+  static std::optional<Options> parse(std::span<char*> arguments);
+};
+
+}  // namespace vistrel::stage

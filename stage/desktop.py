@@ -1,0 +1,209 @@
+"""A private desktop: X server, session bus, window manager, tray host, PipeWire and cameras.
+
+Everything lives in one throw-away folder and under one mark, so that several desktops can run side by side and
+nothing of one is left behind, however its owner ends.
+"""
+
+import json
+import os
+import pathlib
+import shutil
+import subprocess
+import sys
+import tempfile
+import uuid
+
+import gi
+
+gi.require_version("Gio", "2.0")
+from gi.repository import Gio, GLib  # noqa: E402
+
+from stage.camera import Camera  # noqa: E402
+from stage.processes import MARK, Process, adopt_orphans, end_marked, wait_until  # noqa: E402
+from stage.screen import Screen  # noqa: E402
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+CONFIGURATION = ROOT / "stage" / "config"
+WATCHER = "org.kde.StatusNotifierWatcher"
+TRAY = "_NET_SYSTEM_TRAY_S0"
+PANEL_POSITIONS = {"top": "p=6;x=0;y=0", "bottom": "p=10;x=0;y=0"}
+
+
+class Bus:
+    """A connection to the session bus of a private desktop."""
+
+    def __init__(self, address):
+        flags = Gio.DBusConnectionFlags
+        self._connection = Gio.DBusConnection.new_for_address_sync(
+            address, flags.AUTHENTICATION_CLIENT | flags.MESSAGE_BUS_CONNECTION, None, None)
+        self._connection.set_exit_on_close(False)
+
+    def call(self, name, path, interface, method, signature="()", *arguments):
+        return self._connection.call_sync(
+            name, path, interface, method, GLib.Variant(signature, arguments), None, 0, 5000, None).unpack()
+
+    def property(self, name, path, interface, key):
+        return self.call(name, path, "org.freedesktop.DBus.Properties", "Get", "(ss)", interface, key)[0]
+
+    def has_owner(self, name):
+        bus = "org.freedesktop.DBus"
+        return self.call(bus, "/org/freedesktop/DBus", bus, "NameHasOwner", "(s)", name)[0]
+
+    def close(self):
+        self._connection.close_sync(None)
+
+
+class Desktop:
+    """`host` is "xfce4-panel", "trayer" or None, `manager` "openbox", "xfwm4" or None; `monitors` are pairs of a
+    name and a geometry as `xrandr --setmonitor` takes it, the first one primary."""
+
+    def __init__(self, size="1280x800", manager="openbox", host="xfce4-panel", edge="top", monitors=(),
+                 pipewire=True, accessible=False, programs=None):
+        adopt_orphans()
+        self.programs = pathlib.Path(programs or os.environ.get("VISTREL_BUILD", ROOT / "build" / "release"))
+        self.mark = uuid.uuid4().hex
+        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="vistrel-"))
+        self._guard = subprocess.Popen(
+            [sys.executable, ROOT / "stage" / "processes.py", self.mark, self.folder], stdin=subprocess.PIPE,
+            start_new_session=True)
+        self._edge = edge
+        self._host_name = host
+        self._cameras = []
+        self._pipewire = []
+        self.host = None
+        self.screen = None
+        self.bus = None
+        try:
+            self._make_environment(accessible)
+            if pipewire:
+                self.start_pipewire(wait=False)
+            self._start_display(size, monitors)
+            self._start_bus()
+            self._start_manager(manager)
+            if host:
+                self.start_host()
+            if pipewire:
+                self.wait_pipewire()
+        except BaseException:
+            self.close()
+            raise
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.close()
+
+    def _make_environment(self, accessible):
+        places = {"HOME": "home", "XDG_CONFIG_HOME": "config", "XDG_DATA_HOME": "data", "XDG_CACHE_HOME": "cache",
+                  "XDG_STATE_HOME": "state", "XDG_RUNTIME_DIR": "run"}
+        for folder in places.values():
+            (self.folder / folder).mkdir(mode=0o700)
+        self.environment = {key: str(self.folder / folder) for key, folder in places.items()}
+        self.environment |= {"PATH": os.environ["PATH"], "LANG": "C.UTF-8", MARK: self.mark,
+                             "DBUS_SESSION_BUS_ADDRESS": f"unix:path={self.folder}/run/bus",
+                             "XDG_CURRENT_DESKTOP": "XFCE"}
+        self.environment |= {key: value for key, value in os.environ.items() if key.endswith("SAN_OPTIONS")}
+        self.environment |= {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1"} if accessible else {"NO_AT_BRIDGE": "1"}
+
+    def start(self, arguments, environment=None, **options):
+        """Starts a program on this desktop."""
+        return Process(arguments, self.environment | (environment or {}), **options)
+
+    def run(self, *arguments):
+        """Runs a program on this desktop to its end and gives back what it printed."""
+        return subprocess.run([str(argument) for argument in arguments], env=self.environment, check=True,
+                              capture_output=True, text=True, timeout=30).stdout
+
+    def _start_display(self, size, monitors):
+        read, write = os.pipe()
+        arguments = ["Xvfb", "-displayfd", str(write), "-screen", "0", f"{size}x24", "-nolisten", "tcp", "-noreset"]
+        with open(self.folder / "xvfb.log", "wb") as log:
+            self._xvfb = subprocess.Popen(arguments, env=self.environment, pass_fds=[write], stdin=subprocess.DEVNULL,
+                                          stdout=log, stderr=log, start_new_session=True)
+        os.close(write)
+        with os.fdopen(read) as numbers:
+            self.environment["DISPLAY"] = ":" + numbers.readline().strip()
+        self.screen = Screen(self.programs / "stage" / "vistrel-screen", self.environment)
+        for index, (name, geometry) in enumerate(monitors):
+            self.run("xrandr", "--setmonitor", name, geometry, "none" if index else "screen")
+
+    def _start_bus(self):
+        address = self.environment["DBUS_SESSION_BUS_ADDRESS"]
+        daemon = self.start(["dbus-daemon", "--session", "--nofork", "--nopidfile", f"--address={address}",
+                             "--print-address=1"])
+        daemon.wait_line("unix:")
+        self.bus = Bus(address)
+
+    def _start_manager(self, manager):
+        if manager is None:
+            return
+        commands = {"openbox": ["openbox", "--config-file", CONFIGURATION / "openbox.xml"],
+                    "xfwm4": ["xfwm4", "--compositor=off"]}
+        self.start(commands[manager])
+        wait_until(lambda: self.screen.property("_NET_SUPPORTING_WM_CHECK"), f"{manager} on the display")
+
+    def start_host(self, name=None):
+        """Starts the tray host and waits until it takes icons."""
+        self._host_name = name or self._host_name
+        if self._host_name == "trayer":
+            self.host = self.start(["trayer", "--edge", self._edge, "--align", "right", "--widthtype", "request",
+                                    "--height", "28", "--SetPartialStrut", "true"])
+            wait_until(lambda: self.screen.owns_selection(TRAY), "trayer")
+            return
+        folder = self.folder / "config" / "xfce4" / "xfconf" / "xfce-perchannel-xml"
+        folder.mkdir(parents=True, exist_ok=True)
+        panel = (CONFIGURATION / "xfce4-panel.xml").read_text()
+        (folder / "xfce4-panel.xml").write_text(panel.replace("@POSITION@", PANEL_POSITIONS[self._edge]))
+        self.host = self.start(["xfce4-panel", "--disable-wm-check"])
+        wait_until(lambda: self.bus.has_owner(WATCHER) and self.screen.owns_selection(TRAY), "xfce4-panel")
+
+    def stop_host(self):
+        self.host.end()
+        wait_until(lambda: not self.screen.owns_selection(TRAY), "the end of the tray host")
+
+    def start_pipewire(self, wait=True):
+        self._pipewire = [self.start(["pipewire"])]
+        wait_until((self.folder / "run" / "pipewire-0").exists, "PipeWire's socket")
+        if wait:
+            self.wait_pipewire()
+
+    def wait_pipewire(self):
+        self._pipewire.append(self.start(["wireplumber"]))
+        wait_until(lambda: any(node["info"]["props"].get("application.name") == "WirePlumber"
+                               for node in self.graph("Client")), "WirePlumber")
+
+    def stop_pipewire(self):
+        for process in reversed(self._pipewire):
+            process.end()
+        self._pipewire = []
+
+    def graph(self, kind):
+        """The objects of that kind on the PipeWire graph: "Node", "Link", "Client"."""
+        objects = json.loads(self.run("pw-dump"))
+        return [entry for entry in objects if entry["type"] == f"PipeWire:Interface:{kind}"]
+
+    def readers(self, camera):
+        """How many streams take pictures from the camera."""
+        nodes = [entry["id"] for entry in self.graph("Node") if entry["info"]["props"].get("node.name") == camera.node]
+        return sum(entry["info"]["output-node-id"] in nodes for entry in self.graph("Link"))
+
+    def camera(self, **options):
+        program = self.programs / "stage" / "vistrel-testcam"
+        camera = Camera(program, self.environment, **options)
+        self._cameras.append(camera)
+        return camera
+
+    def unplug_all(self):
+        for camera in self._cameras:
+            camera.close()
+        self._cameras = []
+
+    def close(self):
+        if self.bus:
+            self.bus.close()
+        end_marked(self.mark)
+        if self._guard.poll() is None:
+            self._guard.stdin.close()
+            self._guard.wait(10)
+        shutil.rmtree(self.folder, ignore_errors=True)

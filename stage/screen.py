@@ -1,0 +1,71 @@
+"""The screen of a private desktop: real input, and what is to be seen."""
+
+import json
+
+from stage.processes import NeverCame, Process, wait_until
+
+
+class Screen:
+    """Speaks with the `vistrel-screen` program."""
+
+    def __init__(self, program, environment):
+        self._process = Process([program], environment)
+        self._read = 0
+
+    def ask(self, *words):
+        self._process.write(" ".join(str(word) for word in words))
+        index = self._process.wait_line("{", since=self._read, patience=60)
+        self._read = index + 1
+        answer = json.loads(self._process.lines[index])
+        if "error" in answer:
+            raise AssertionError(answer["error"])
+        return answer
+
+    def click(self, place, button=1, held=()):
+        self.ask("click", button, *place, *held)
+
+    def move(self, place):
+        self.ask("move", *place)
+
+    def drag(self, start, end):
+        self.ask("drag", *start, *end)
+
+    def key(self, name):
+        self.ask("key", name)
+
+    def windows(self, **facts):
+        """The visible windows of which all the facts hold: `pid=1, name="About"`."""
+        found = self.ask("windows")["windows"]
+        return [window for window in found if all(window[key] == value for key, value in facts.items())]
+
+    def focus(self):
+        return self.ask("focus")["window"]
+
+    def property(self, name):
+        return self.ask("property", name)["value"]
+
+    def owns_selection(self, name):
+        return self.ask("selection", name)["owner"] != 0
+
+    def colour(self, place):
+        return tuple(self.ask("pixel", *place)["colour"])
+
+    def picture(self, frames=3, milliseconds=10000):
+        """The test picture, wherever it is, once `frames` different ones were seen; None when it never came."""
+        picture = self.ask("watch", frames, milliseconds)["picture"]
+        return picture if picture and picture["frames"] >= frames else None
+
+    def live_picture(self, frames=3):
+        picture = self.picture(frames)
+        if picture is None:
+            raise NeverCame("a live picture on the screen")
+        return picture
+
+    def wait_no_picture(self):
+        wait_until(lambda: self.ask("watch", 1, 0)["picture"] is None, "the end of the picture")
+
+    def save(self, path):
+        self.ask("shot", path)
+
+    def close(self):
+        self._process.end()

@@ -1,0 +1,61 @@
+#include "stage/screen/Input.h"
+
+#include <ranges>
+#include <string_view>
+
+#include <X11/extensions/XTest.h>
+
+namespace vistrel::stage {
+namespace {
+
+constexpr unsigned kEvdevOffset = 8;
+constexpr int kDragSteps = 16;
+constexpr std::string_view kEvdevPrefix = "evdev:";
+
+}  // namespace
+
+void Input::move(int x, int y) const {
+  XTestFakeMotionEvent(screen_.display(), -1, x, y, CurrentTime);
+  XSync(screen_.display(), False);
+}
+
+void Input::button(unsigned button, Motion motion) const {
+  XTestFakeButtonEvent(screen_.display(), button, motion == Motion::Down ? True : False, CurrentTime);
+  XSync(screen_.display(), False);
+}
+
+std::optional<unsigned> Input::keyCode(const std::string& name) const {
+  if (name.starts_with(kEvdevPrefix)) return std::stoul(name.substr(kEvdevPrefix.size())) + kEvdevOffset;
+  const KeyCode code = XKeysymToKeycode(screen_.display(), XStringToKeysym(name.c_str()));
+  if (code == 0) return std::nullopt;
+  return code;
+}
+
+void Input::key(unsigned keyCode, Motion motion) const {
+  XTestFakeKeyEvent(screen_.display(), keyCode, motion == Motion::Down ? True : False, CurrentTime);
+  XSync(screen_.display(), False);
+}
+
+bool Input::click(unsigned number, const std::vector<std::string>& heldKeys) const {
+  std::vector<unsigned> codes;
+  for (const std::string& name : heldKeys) {
+    const auto code = keyCode(name);
+    if (!code) return false;
+    codes.push_back(*code);
+  }
+  for (const unsigned code : codes) key(code, Motion::Down);
+  button(number, Motion::Down);
+  button(number, Motion::Up);
+  for (const unsigned code : codes | std::views::reverse) key(code, Motion::Up);
+  return true;
+}
+
+void Input::drag(int fromX, int fromY, int toX, int toY) const {
+  move(fromX, fromY);
+  button(1, Motion::Down);
+  for (int step = 1; step <= kDragSteps; ++step)
+    move(fromX + (toX - fromX) * step / kDragSteps, fromY + (toY - fromY) * step / kDragSteps);
+  button(1, Motion::Up);
+}
+
+}  // namespace vistrel::stage

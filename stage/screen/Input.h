@@ -1,0 +1,31 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "stage/screen/Screen.h"
+
+namespace vistrel::stage {
+
+enum class Motion { Down, Up };
+
+/// Real input, through XTEST: what a person's mouse and keyboard would send.
+class Input {
+ public:
+  explicit Input(const Screen& screen) : screen_(screen) {}
+
+  void move(int x, int y) const;
+  void button(unsigned button, Motion motion) const;
+  /// A key by its keysym name ("Control_L", "m") or by its evdev code ("evdev:50"). None: no such key here.
+  [[nodiscard]] std::optional<unsigned> keyCode(const std::string& name) const;
+  void key(unsigned keyCode, Motion motion) const;
+  /// Presses and releases a button while the named keys are held.
+  bool click(unsigned button, const std::vector<std::string>& heldKeys) const;
+  void drag(int fromX, int fromY, int toX, int toY) const;
+
+ private:
+  const Screen& screen_;
+};
+
+}  // namespace vistrel::stage

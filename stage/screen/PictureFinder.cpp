@@ -1,0 +1,105 @@
+#include "stage/screen/PictureFinder.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+
+namespace vistrel::stage {
+namespace {
+
+enum class Hue { Other, Red, Green, Blue };
+
+constexpr int kSaturation = 50;
+constexpr int kWidestGap = 128;  // the white bar, up to a picture of 4K
+constexpr int kNarrowest = 100;  // below that, cells of the clock are two pixels wide
+constexpr int kRowStep = 8;
+
+Hue hueAt(const Image& image, int x, int y) {
+  const int red = image.red(x, y);
+  const int green = image.green(x, y);
+  const int blue = image.blue(x, y);
+  if (red > std::max(green, blue) + kSaturation) return Hue::Red;
+  if (green > std::max(red, blue) + kSaturation) return Hue::Green;
+  if (blue > std::max(red, green) + kSaturation) return Hue::Blue;
+  return Hue::Other;
+}
+
+struct Run {
+  int start = 0, end = 0;
+  bool hasRed = false, hasBlue = false;
+  [[nodiscard]] int length() const { return end - start; }
+};
+
+/// The longest stretch of row `y` in the colours of the picture's body, across the bar, with both halves in
+/// it.
+Run bodyInRow(const Image& image, int y) {
+  Run best;
+  Run run;
+  for (int x = 0; x < image.width; ++x) {
+    const Hue hue = hueAt(image, x, y);
+    if (hue == Hue::Other) continue;
+    if (x - run.end > kWidestGap || run.length() == 0) run = {x, x, false, false};
+    run.end = x + 1;
+    run.hasRed = run.hasRed || hue == Hue::Red;
+    run.hasBlue = run.hasBlue || hue == Hue::Blue;
+    if (run.hasRed && run.hasBlue && run.length() > best.length()) best = run;
+  }
+  return best;
+}
+
+/// How far the body goes from row `y` in one direction, by the column that gets farthest (the bar and what
+/// lies over the picture stop some of them).
+int edgeFrom(const Image& image, const Run& run, int y, int step) {
+  int farthest = y;
+  for (const int eighth : {1, 3, 5, 7}) {
+    const int x = run.start + run.length() * eighth / 8;
+    int at = y;
+    while (at + step >= 0 && at + step < image.height && hueAt(image, x, at + step) != Hue::Other) at += step;
+    if (std::abs(at - y) > std::abs(farthest - y)) farthest = at;
+  }
+  return farthest;
+}
+
+/// The picture whose body is given: the clock takes the lower sixth. The edges are a pixel soft.
+std::optional<Rectangle> wholePicture(const Image& image, const Run& run, int top, int bottom) {
+  const int height = (bottom - top) * clock::kRowsPerPicture / (clock::kRowsPerPicture - clock::kRows);
+  for (const int taller : {0, 1, -1, 2, -2, 3, -3, 4, -4}) {
+    for (const int inset : {0, 1, -1}) {
+      const Rectangle place{run.start + inset, top, run.length() - 2 * inset, height + taller};
+      if (readClock(image, place)) return place;
+    }
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+std::optional<clock::Reading> readClock(const Image& image, Rectangle place) {
+  if (place.x < 0 || place.y < 0 || place.x + place.width > image.width ||
+      place.y + place.height > image.height)
+    return std::nullopt;
+  if (place.width < kNarrowest) return std::nullopt;
+  return clock::read(place.width, place.height,
+                     [&](int x, int y) { return image.isLight(place.x + x, place.y + y); });
+}
+
+std::optional<Rectangle> findPicture(const Image& image) {
+  for (int y = kRowStep; y < image.height; y += kRowStep) {
+    const Run run = bodyInRow(image, y);
+    if (run.length() < kNarrowest) continue;
+    const int top = edgeFrom(image, run, y, -1);
+    const int bottom = edgeFrom(image, run, y, 1) + 1;
+    // Half-way down no corner is rounded and no green block covers the bar's edge.
+    const Run middle = bodyInRow(image, (top + bottom) / 2);
+    if (const auto place = wholePicture(image, middle, top, bottom)) return place;
+  }
+  return std::nullopt;
+}
+
+bool isUpright(const Image& image, Rectangle place, bool isMirrored) {
+  const int inset = place.width / 16;
+  const int x = isMirrored ? place.x + place.width - 1 - inset : place.x + inset;
+  return hueAt(image, x, place.y + place.height / 6) == Hue::Green;
+}
+
+}  // namespace vistrel::stage

@@ -1,0 +1,61 @@
+#include "stage/screen/Screen.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+
+#include <X11/Xutil.h>
+
+namespace vistrel::stage {
+namespace {
+
+/// Windows come and go between two requests; an answer that a window is gone is no error here.
+int ignoreError(Display* /*display*/, XErrorEvent* /*event*/) { return 0; }
+
+}  // namespace
+
+Screen::Screen() : display_(XOpenDisplay(nullptr)) {
+  if (display_ == nullptr) {
+    std::fputs("vistrel-screen: no display\n", stderr);
+    std::exit(1);
+  }
+  XSetErrorHandler(ignoreError);
+}
+
+Screen::~Screen() { XCloseDisplay(display_); }
+
+Rectangle Screen::whole() const {
+  Window unused = 0;
+  int x = 0;
+  int y = 0;
+  unsigned width = 0;
+  unsigned height = 0;
+  unsigned border = 0;
+  unsigned depth = 0;
+  XGetGeometry(display_, root(), &unused, &x, &y, &width, &height, &border, &depth);
+  return {0, 0, static_cast<int>(width), static_cast<int>(height)};
+}
+
+Atom Screen::atom(const std::string& name) const { return XInternAtom(display_, name.c_str(), False); }
+
+Image Screen::capture(Rectangle part) const {
+  const Rectangle all = whole();
+  const int left = std::clamp(part.x, 0, all.width);
+  const int top = std::clamp(part.y, 0, all.height);
+  Image image;
+  image.width = std::clamp(part.x + part.width, left, all.width) - left;
+  image.height = std::clamp(part.y + part.height, top, all.height) - top;
+  if (image.width == 0 || image.height == 0) return {};
+  XImage* const raw = XGetImage(display_, root(), left, top, image.width, image.height, AllPlanes, ZPixmap);
+  if (raw == nullptr) return {};
+  image.pixels.reserve(std::size_t(image.width) * image.height);
+  for (int y = 0; y < image.height; ++y) {
+    const auto* const row =
+        reinterpret_cast<const std::uint32_t*>(raw->data + std::ptrdiff_t(y) * raw->bytes_per_line);
+    for (int x = 0; x < image.width; ++x) image.pixels.push_back(row[x] & 0xffffffU);
+  }
+  XDestroyImage(raw);
+  return image;
+}
+
+}  // namespace vistrel::stage
