@@ -1,0 +1,26 @@
+#include "appkit/CALayer.h"
+
+#include "appkit/NSView.h"
+
+namespace vistrel {
+
+void CALayer::setBackgroundColor(const CGColor& color) {
+  backgroundColor_ = color;
+  didChange();
+}
+
+void CALayer::setCornerRadius(double radius) {
+  cornerRadius_ = radius;
+  didChange();
+}
+
+void CALayer::setHidden(bool isHidden) {
+  isHidden_ = isHidden;
+  didChange();
+}
+
+void CALayer::didChange() {
+  if (owner_) owner_->didChange();
+}
+
+}  // namespace vistrel

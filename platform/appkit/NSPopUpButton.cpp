@@ -1,0 +1,40 @@
+#include "appkit/NSPopUpButton.h"
+
+#include <utility>
+
+#include "appkit/NSWindow.h"
+
+namespace vistrel {
+
+namespace {
+constexpr std::uint16_t kSpaceKeyCode = 49;
+constexpr std::uint16_t kDownArrowKeyCode = 125;
+}  // namespace
+
+NSPopUpButton::NSPopUpButton() : NSButton(std::make_unique<NSPopUpButtonCell>()) {}
+
+void NSPopUpButton::setMenu(std::shared_ptr<NSMenu> menu) {
+  menu_ = std::move(menu);
+  didChange();
+}
+
+void NSPopUpButton::keyDown(const NSEvent& event) {
+  const bool wasHidden = isHidden();
+  if (wasHidden) NSButton::keyDown(event);
+  if (event.keyCode() == kSpaceKeyCode || event.keyCode() == kDownArrowKeyCode) {
+    performClick(this);
+  } else if (!wasHidden) {
+    NSButton::keyDown(event);
+  }
+}
+
+void NSPopUpButton::performClick(NSObject* /*sender*/) {
+  if (isEnabled() && menu_ && window()) window()->popUpMenu(*this);
+}
+
+void NSPopUpButton::itemChosen(const std::shared_ptr<NSMenuItem>& item) {
+  const auto kept = shared_from_this();
+  NSMenu::performActionForItem(item, this);
+}
+
+}  // namespace vistrel

@@ -1,0 +1,124 @@
+#include "appkit/NSPopover.h"
+
+#include <utility>
+
+#include "appkit/NSApplication.h"
+#include "appkit/NSControl.h"
+#include "appkit/NSStatusBar.h"
+#include "appkit/NSViewController.h"
+#include "appkit/PopoverWindow.h"
+#include "appkit/ScreenGeometry.h"
+#include "host/Host.h"
+
+namespace vistrel {
+
+namespace {
+
+std::optional<Rect> anchorOnDesktop(const Rect& rect, const NSView& view) {
+  const NSWindow* window = view.window();
+  if (!window) return std::nullopt;
+  return window->convertRectToScreen(view.convertRectToWindow(rect));
+}
+
+}  // namespace
+
+NSPopover::~NSPopover() {
+  stopWatching();
+  if (isShown_) window_->close();
+  // The controller may outlive the popover's window, and must not find a view in it.
+  if (window_) window_->setContentView(nullptr);
+}
+
+void NSPopover::setAppearance(const NSAppearance& appearance) {
+  appearance_ = appearance;
+  if (window_) window_->setAppearance(appearance);
+}
+
+void NSPopover::setContentViewController(std::shared_ptr<NSViewController> controller) {
+  const auto previous = std::exchange(controller_, std::move(controller));
+  if (!isShown_) return;
+  window_->setContentView(nullptr);
+  if (previous) previous->viewDidDisappear();
+  appear();
+}
+
+void NSPopover::appear() {
+  const auto view = controller_->view().shared_from_this();
+  if (window_->contentView() != view) window_->setContentView(view);
+  controller_->viewWillAppear();
+}
+
+// Kept between showings, so that opening waits for nothing but the camera.
+void NSPopover::makeWindow() {
+  if (!window_) window_ = std::make_shared<PopoverWindow>(*this, Rect{});
+  window_->setStyleMask(static_cast<unsigned>(NSWindowStyleMask::Borderless));
+  window_->setKind(NSWindowKind::Popover);
+  window_->setTitle("Vistrel");
+  window_->setAppearance(appearance_);
+}
+
+void NSPopover::showRelativeToRect(const Rect& rect, NSView& view, NSRectEdge /*preferredEdge*/) {
+  if (isShown_ || !controller_) return;
+  auto& session = host::current().session();
+  const auto place = placePopover(contentSize_, anchorOnDesktop(rect, view), session.pointerLocation(),
+                                  session.screens());
+  anchor_ = view.weak_from_this();
+  makeWindow();
+  window_->setTip(place.tip);
+  window_->setFrame(place.frame);
+  isShown_ = true;
+  appear();
+  window_->makeKeyAndOrderFront(this);
+  watchPresses();
+}
+
+void NSPopover::performClose(NSObject* /*sender*/) {
+  if (!isShown_) return;
+  stopWatching();
+  isShown_ = false;
+  isDetached_ = false;
+  const auto kept = window_;
+  kept->close();
+  endHighlight();
+  if (controller_) controller_->viewDidDisappear();
+}
+
+void NSPopover::endHighlight() {
+  if (auto* button = dynamic_cast<NSButton*>(anchor_.lock().get())) button->setHighlighted(false);
+}
+
+void NSPopover::watchPresses() {
+  if (behavior_ != NSPopoverBehavior::Transient) return;
+  host::current().windows().setOutsidePressClient(this);
+  const NSEventMask presses = maskOf(NSEventType::LeftMouseDown) | maskOf(NSEventType::RightMouseDown);
+  ownPresses_ = NSEvent::addLocalMonitor(presses, [this](const std::shared_ptr<NSEvent>& event) {
+    const bool isElsewhere = event->window() && event->window() != window_.get();
+    if (isElsewhere && !NSApplication::shared().isModal()) performClose(nullptr);
+    return event;
+  });
+}
+
+void NSPopover::stopWatching() {
+  NSEvent::removeMonitor(std::exchange(ownPresses_, nullptr));
+  if (isShown_ && !isDetached_) host::current().windows().setOutsidePressClient(nullptr);
+}
+
+void NSPopover::pressedOutside(Point location) {
+  if (!isShown_ || isDetached_ || NSApplication::shared().isModal()) return;
+  performClose(nullptr);
+  NSStatusBar::system().popoverClosedByPress(location);
+}
+
+void NSPopover::tearOff() {
+  if (!isShown_ || isDetached_) return;
+  if (delegate_ && !delegate_->popoverShouldDetach(*this)) return;
+  stopWatching();
+  isDetached_ = true;
+  endHighlight();
+  window_->setTip(std::nullopt);
+  window_->setStyleMask(static_cast<unsigned>(NSWindowStyleMask::Closable));
+  window_->setKind(NSWindowKind::Detached);
+  if (delegate_) delegate_->popoverDidDetach(*this);
+}
+
+}  // namespace vistrel

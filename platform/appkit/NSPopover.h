@@ -1,0 +1,87 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+
+#include "appkit/NSAppearance.h"
+#include "appkit/NSEvent.h"
+#include "appkit/NSWindow.h"
+#include "foundation/NSObject.h"
+#include "host/Windows.h"
+
+namespace vistrel {
+
+class NSPopover;
+class NSView;
+class NSViewController;
+
+enum class NSRectEdge { MinX = 0, MinY = 1, MaxX = 2, MaxY = 3 };
+enum class NSPopoverBehavior { ApplicationDefined = 0, Transient = 1, Semitransient = 2 };
+
+class NSPopoverDelegate {
+ public:
+  virtual ~NSPopoverDelegate() = default;
+  /// The user drags the popover away from its anchor: may it become a window?
+  virtual bool popoverShouldDetach(NSPopover& popover) = 0;
+  virtual void popoverDidDetach(NSPopover& popover) = 0;
+};
+
+/// A balloon that hangs from a view and may be torn off into a window of its own. A transient one closes at any
+/// press outside it while it is attached. Main thread only.
+class NSPopover : public NSObject, public host::OutsidePressClient {
+ public:
+  NSPopover() = default;
+  /// A popover on screen is closed before it is dropped.
+  ~NSPopover() override;
+
+  [[nodiscard]] bool animates() const { return animates_; }
+  void setAnimates(bool animates) { animates_ = animates; }
+  [[nodiscard]] const std::optional<NSAppearance>& appearance() const { return appearance_; }
+  void setAppearance(const NSAppearance& appearance);
+  [[nodiscard]] Size contentSize() const { return contentSize_; }
+  void setContentSize(Size size) { contentSize_ = size; }
+  [[nodiscard]] NSPopoverBehavior behavior() const { return behavior_; }
+  void setBehavior(NSPopoverBehavior behavior) { behavior_ = behavior; }
+  [[nodiscard]] NSViewController* contentViewController() const { return controller_.get(); }
+  /// On screen, the earlier controller's view disappears and the new one's appears.
+  void setContentViewController(std::shared_ptr<NSViewController> controller);
+  [[nodiscard]] NSPopoverDelegate* delegate() const { return delegate_; }
+  void setDelegate(NSPopoverDelegate* delegate) { delegate_ = delegate; }
+
+  /// True from `show` to the close, torn off or not.
+  [[nodiscard]] bool isShown() const { return isShown_; }
+  [[nodiscard]] bool isDetached() const { return isDetached_; }
+  /// The edge is a wish: a popover opens on the side of its anchor that points away from the panel.
+  void showRelativeToRect(const Rect& rect, NSView& view, NSRectEdge preferredEdge);
+  /// Closes at once: when it returns, the popover is not shown and its view has disappeared.
+  virtual void performClose(NSObject* sender);
+  /// The window under it, shown or not; null before the first showing.
+  [[nodiscard]] NSWindow* window() const { return window_.get(); }
+
+  // host::OutsidePressClient
+  void pressedOutside(Point location) override;
+
+  // From the popover's window.
+  void tearOff();
+
+ private:
+  void makeWindow();
+  void appear();
+  void watchPresses();
+  void stopWatching();
+  void endHighlight();
+
+  bool animates_ = false;
+  std::optional<NSAppearance> appearance_;
+  Size contentSize_;
+  NSPopoverBehavior behavior_ = NSPopoverBehavior::ApplicationDefined;
+  std::shared_ptr<NSViewController> controller_;
+  NSPopoverDelegate* delegate_ = nullptr;
+  std::weak_ptr<NSView> anchor_;
+  std::shared_ptr<NSWindow> window_;
+  std::shared_ptr<NSEvent::Monitor> ownPresses_;
+  bool isShown_ = false;
+  bool isDetached_ = false;
+};
+
+}  // namespace vistrel

@@ -1,0 +1,134 @@
+#include "appkit/NSStatusBar.h"
+
+#include <utility>
+
+#include "appkit/NSApplication.h"
+#include "appkit/NSMenu.h"
+#include "appkit/NSStatusItem.h"
+#include "appkit/ScreenGeometry.h"
+#include "host/Host.h"
+
+namespace vistrel {
+
+namespace {
+
+using Flags = NSEventModifierFlags;
+
+constexpr std::uint64_t kMenuModifiers = Flags::kControl | Flags::kOption;
+
+bool isOnPanel(Point location) {
+  const auto icon = host::current().statusArea().iconFrame();
+  if (icon && !icon->isEmpty() && icon->inset(-1, -1).contains(location)) return true;
+  const auto& screen = screenAt(location, host::current().session().screens());
+  return !screen.visibleFrame.contains(location);
+}
+
+}  // namespace
+
+// Remembers the press that closed the popover until the click of that press has come, or another press.
+class NSStatusBar::PressWatch final : public host::OutsidePressClient {
+ public:
+  explicit PressWatch(NSStatusBar& bar) : bar_(bar) { host::current().windows().setOutsidePressClient(this); }
+  PressWatch(const PressWatch&) = delete;
+  PressWatch& operator=(const PressWatch&) = delete;
+  ~PressWatch() override { host::current().windows().setOutsidePressClient(nullptr); }
+  void pressedOutside(Point /*location*/) override { bar_.closingPress_.reset(); }
+
+ private:
+  NSStatusBar& bar_;
+};
+
+NSStatusBar::NSStatusBar() = default;
+
+NSStatusBar& NSStatusBar::system() {
+  static NSStatusBar bar;
+  return bar;
+}
+
+void NSStatusBar::reset() {
+  item_ = nullptr;
+  shownMenu_.reset();
+  closingPress_.reset();
+  isHostOpening_ = false;
+}
+
+std::shared_ptr<NSStatusItem> NSStatusBar::statusItemWithLength(double /*length*/) {
+  host::current().statusArea().setClient(this);
+  auto item = std::make_shared<NSStatusItem>(*this);
+  item_ = item.get();
+  return item;
+}
+
+void NSStatusBar::itemDidChange(const NSStatusItem& item) {
+  const auto image = item.button()->image();
+  if (isPresent(item) && image) host::current().statusArea().setIcon(image->path());
+}
+
+// The newest item is the one on screen: an older one that ends after it was made takes nothing away.
+void NSStatusBar::itemWillEnd(const NSStatusItem& item) {
+  if (!isPresent(item)) return;
+  item_ = nullptr;
+  host::current().statusArea().hideIcon();
+}
+
+void NSStatusBar::setHighlighted(const NSStatusItem& item, bool isHighlighted) {
+  if (isPresent(item)) host::current().statusArea().setHighlighted(isHighlighted);
+}
+
+void NSStatusBar::mirrorMenu(const NSStatusItem& item, std::shared_ptr<NSMenu> menu) {
+  if (isPresent(item)) host::current().statusArea().mirrorMenu(std::move(menu));
+}
+
+void NSStatusBar::openMenu(const NSStatusItem& item) {
+  if (!isPresent(item)) return;
+  shownMenu_ = item.menu();
+  if (!isHostOpening_) host::current().statusArea().popUpMenu(shownMenu_);
+}
+
+void NSStatusBar::endShowing() {
+  const auto menu = std::exchange(shownMenu_, nullptr);
+  if (!menu) return;
+  host::current().statusArea().dismissMenu();
+  if (menu->delegate()) menu->delegate()->menuDidClose(*menu);
+}
+
+void NSStatusBar::popoverClosedByPress(Point location) {
+  if (isOnPanel(location)) closingPress_ = std::make_unique<PressWatch>(*this);
+}
+
+void NSStatusBar::statusIconPressed(host::PointerButton button, std::uint64_t modifiers) {
+  endShowing();
+  const bool belongsToClosingPress = closingPress_ != nullptr;
+  closingPress_.reset();
+  const bool asksForMenu = button == host::PointerButton::Right || (modifiers & kMenuModifiers) != 0;
+  if (belongsToClosingPress && !asksForMenu) return;
+  if (button == host::PointerButton::Middle) return;
+  sendPress(button == host::PointerButton::Right ? NSEventType::RightMouseDown : NSEventType::LeftMouseDown,
+            modifiers);
+}
+
+void NSStatusBar::statusMenuWillOpen() {
+  endShowing();
+  closingPress_.reset();
+  isHostOpening_ = true;
+  sendPress(NSEventType::RightMouseDown, 0);
+  isHostOpening_ = false;
+}
+
+void NSStatusBar::statusMenuDidClose() { endShowing(); }
+
+void NSStatusBar::statusMenuItemChosen(std::shared_ptr<NSMenuItem> item) {
+  endShowing();
+  NSMenu::performActionForItem(item);
+}
+
+void NSStatusBar::sendPress(NSEventType type, std::uint64_t modifiers) {
+  if (!item_) return;
+  const auto button = item_->button();
+  const Point location = host::current().session().pointerLocation();
+  const auto event = NSEvent::mouseEvent({.type = type, .location = location, .modifierFlags = {modifiers}});
+  if ((button->actionMask() & maskOf(type)) == 0) return;
+  NSApplication::shared().withCurrentEvent(event, [&] { button->sendAction(); });
+}
+
+}  // namespace vistrel

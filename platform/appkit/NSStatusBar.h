@@ -1,0 +1,59 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "appkit/NSEvent.h"
+#include "host/StatusArea.h"
+
+namespace vistrel {
+
+class NSMenu;
+class NSStatusItem;
+
+inline constexpr double NSVariableStatusItemLength = -1;
+
+/// The status area of the desktop, and the rules that turn what happens at the icon into events: which press
+/// belongs to what, when a menu's showing begins, and that it ends once. Main thread only.
+class NSStatusBar final : public host::StatusAreaClient {
+ public:
+  static NSStatusBar& system();
+
+  /// A new item; it stays in the bar until its last reference goes.
+  [[nodiscard]] std::shared_ptr<NSStatusItem> statusItemWithLength(double length);
+
+  // StatusAreaClient
+  void statusIconPressed(host::PointerButton button, std::uint64_t modifiers) override;
+  void statusMenuWillOpen() override;
+  void statusMenuDidClose() override;
+  void statusMenuItemChosen(std::shared_ptr<NSMenuItem> item) override;
+
+  /// The popover closed because of a press at that place. Where that press was on the icon, the click that it
+  /// becomes must not open the popover again.
+  void popoverClosedByPress(Point location);
+
+  // From items.
+  void itemDidChange(const NSStatusItem& item);
+  void itemWillEnd(const NSStatusItem& item);
+  void setHighlighted(const NSStatusItem& item, bool isHighlighted);
+  void mirrorMenu(const NSStatusItem& item, std::shared_ptr<NSMenu> menu);
+  /// Shows the item's attached menu.
+  void openMenu(const NSStatusItem& item);
+
+  /// Back to the state of a fresh process; for a process that changes its backend.
+  void reset();
+
+ private:
+  class PressWatch;
+  NSStatusBar();
+  void sendPress(NSEventType type, std::uint64_t modifiers);
+  void endShowing();
+  [[nodiscard]] bool isPresent(const NSStatusItem& item) const { return item_ == &item; }
+
+  const NSStatusItem* item_ = nullptr;
+  std::shared_ptr<NSMenu> shownMenu_;
+  std::unique_ptr<PressWatch> closingPress_;
+  bool isHostOpening_ = false;
+};
+
+}  // namespace vistrel

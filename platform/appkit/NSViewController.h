@@ -1,0 +1,37 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "appkit/NSResponder.h"
+
+namespace vistrel {
+
+class NSView;
+
+/// Owner of a view tree that is loaded on first use.
+class NSViewController : public NSResponder {
+ public:
+  /// The view; loaded, with `viewDidLoad` run, on the first call.
+  [[nodiscard]] NSView& view();
+  [[nodiscard]] bool isViewLoaded() const { return isLoaded_; }
+  /// The tree that a storyboard made. Set before the first use of `view`.
+  void setView(std::shared_ptr<NSView> view);
+  [[nodiscard]] const std::shared_ptr<NSView>& viewTree() const { return view_; }
+
+  /// Called by the storyboard for each outlet of its layout, before the view is loaded.
+  virtual void connectOutlet(const std::string& name, const std::shared_ptr<NSView>& view);
+
+  virtual void viewDidLoad() {}
+  virtual void viewWillAppear() {}
+  virtual void viewDidDisappear() {}
+
+  /// The window, while the view is in one.
+  [[nodiscard]] NSResponder* nextResponder() const override;
+
+ private:
+  std::shared_ptr<NSView> view_;
+  bool isLoaded_ = false;
+};
+
+}  // namespace vistrel

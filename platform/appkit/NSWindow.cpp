@@ -1,0 +1,238 @@
+#include "appkit/NSWindow.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <utility>
+#include <vector>
+
+#include "appkit/NSApplication.h"
+#include "appkit/NSPopUpButton.h"
+#include "appkit/NSView.h"
+#include "appkit/ScreenGeometry.h"
+#include "foundation/UserDefaults.h"
+#include "host/Host.h"
+
+namespace vistrel {
+
+namespace {
+
+std::string autosaveKey(const std::string& name) { return "NSWindow Frame " + name; }
+
+std::string frameText(const Rect& frame) {
+  char text[128];
+  std::snprintf(text, sizeof text, "%.0f %.0f %.0f %.0f", frame.x, frame.y, frame.width, frame.height);
+  return text;
+}
+
+std::optional<Point> savedOrigin(const std::string& name) {
+  const auto text = UserDefaults::standard().stringForKey(autosaveKey(name));
+  Point origin;
+  if (!text || std::sscanf(text->c_str(), "%lf %lf", &origin.x, &origin.y) != 2) return std::nullopt;
+  if (!std::isfinite(origin.x) || !std::isfinite(origin.y)) return std::nullopt;
+  return origin;
+}
+
+}  // namespace
+
+std::shared_ptr<NSWindow> NSWindow::create(const Rect& contentRect, unsigned styleMask,
+                                           NSBackingStoreType /*backing*/, bool /*defer*/) {
+  return std::make_shared<NSWindow>(NSWindowKind::Titled, contentRect, styleMask);
+}
+
+NSWindow::NSWindow(NSWindowKind kind, const Rect& contentRect, unsigned styleMask)
+    : kind_(kind), styleMask_(styleMask), frame_(contentRect) {
+  implement("performClose:", [this](NSObject* sender) { performClose(sender); });
+  updateCloseButton();
+}
+
+NSWindow::~NSWindow() {
+  if (contentView_) contentView_->setWindow(nullptr);
+}
+
+void NSWindow::setKind(NSWindowKind kind) {
+  kind_ = kind;
+  if (native_) native_->attributesDidChange();
+}
+
+void NSWindow::setStyleMask(unsigned mask) {
+  styleMask_ = mask;
+  updateCloseButton();
+  if (native_) native_->attributesDidChange();
+}
+
+void NSWindow::updateCloseButton() {
+  const bool isClosable = (styleMask_ & static_cast<unsigned>(NSWindowStyleMask::Closable)) != 0;
+  if (!isClosable) closeButton_.reset();
+  if (!isClosable || closeButton_) return;
+  closeButton_ = std::make_shared<NSButton>();
+  closeButton_->setAction("performClose:");
+  closeButton_->setAccessibilityLabel("Close");
+  closeButton_->setWindow(this);
+}
+
+NSButton* NSWindow::standardWindowButton(NSWindowButton /*button*/) const { return closeButton_.get(); }
+
+void NSWindow::setFrame(const Rect& frame) {
+  frame_ = frame;
+  if (contentView_) contentView_->setFrame({0, 0, frame.width, frame.height});
+  if (native_) native_->attributesDidChange();
+}
+
+void NSWindow::center() {
+  const Rect place = centeredOnMainScreen({frame_.width, frame_.height}, host::current().session().screens());
+  setFrame(place);
+}
+
+void NSWindow::setFrameAutosaveName(const std::string& name) {
+  autosaveName_ = name;
+  const auto origin = savedOrigin(name);
+  if (!origin) return;
+  const Rect wanted{origin->x, origin->y, frame_.width, frame_.height};
+  setFrame(movedOntoScreen(wanted, host::current().session().screens()));
+}
+
+void NSWindow::saveFrame() const {
+  if (autosaveName_.empty()) return;
+  UserDefaults::standard().setString(frameText(frame_), autosaveKey(autosaveName_));
+}
+
+void NSWindow::setTitle(std::string title) {
+  title_ = std::move(title);
+  if (native_) native_->attributesDidChange();
+}
+
+void NSWindow::setContentView(std::shared_ptr<NSView> view) {
+  makeFirstResponder(nullptr);
+  if (contentView_) contentView_->setWindow(nullptr);
+  contentView_ = std::move(view);
+  if (contentView_) {
+    contentView_->setWindow(this);
+    contentView_->setFrame({0, 0, frame_.width, frame_.height});
+  }
+  contentDidChange();
+}
+
+NSAppearance NSWindow::effectiveAppearance() const {
+  if (appearance_) return *appearance_;
+  return {host::current().session().isDark() ? NSAppearanceNameDarkAqua : NSAppearanceNameAqua};
+}
+
+void NSWindow::setAppearance(std::optional<NSAppearance> appearance) {
+  appearance_ = std::move(appearance);
+  if (native_) native_->attributesDidChange();
+}
+
+void NSWindow::makeKeyAndOrderFront(NSObject* /*sender*/) {
+  if (!native_) {
+    native_ = host::current().windows().makeWindow(*this, *this);
+    native_->contentDidChange();
+    native_->firstResponderDidChange(dynamic_cast<NSView*>(firstResponder_));
+  }
+  isVisible_ = true;
+  isKey_ = true;
+  NSApplication::shared().windowDidOrderFront(shared_from_this());
+  native_->show();
+}
+
+void NSWindow::orderOut(NSObject* /*sender*/) {
+  if (!isVisible_) return;
+  isVisible_ = false;
+  isKey_ = false;
+  native_->hide();
+  NSApplication::shared().windowDidOrderOut(this);
+}
+
+void NSWindow::performClose(NSObject* /*sender*/) { close(); }
+
+void NSWindow::close() {
+  if (!isVisible_) return;
+  saveFrame();
+  makeFirstResponder(nullptr);
+  orderOut(nullptr);
+}
+
+void NSWindow::activate() {
+  if (native_ && isVisible_) native_->activate();
+}
+
+bool NSWindow::makeFirstResponder(NSResponder* responder) {
+  if (responder == firstResponder_) return true;
+  if (firstResponder_ && !firstResponder_->resignFirstResponder()) return false;
+  // Resigning may have moved the focus already; what was asked for last holds.
+  firstResponder_ = nullptr;
+  if (responder && !responder->becomeFirstResponder()) responder = nullptr;
+  firstResponder_ = responder;
+  if (native_) native_->firstResponderDidChange(dynamic_cast<NSView*>(responder));
+  return true;
+}
+
+NSResponder* NSWindow::firstResponderOrSelf() { return firstResponder_ ? firstResponder_ : this; }
+
+Rect NSWindow::convertRectToScreen(const Rect& rect) const {
+  return {rect.x + frame_.x, rect.y + frame_.y, rect.width, rect.height};
+}
+
+bool NSWindow::sendEvent(const NSEvent& event) {
+  if (event.type() != NSEventType::KeyDown || !firstResponder_) return false;
+  firstResponder_->keyDown(event);
+  return dynamic_cast<NSPopUpButton*>(firstResponder_) != nullptr;
+}
+
+void NSWindow::viewDidChange(NSView& view) {
+  if (native_) native_->viewDidChange(view);
+}
+
+void NSWindow::contentDidChange() {
+  if (native_) native_->contentDidChange();
+}
+
+void NSWindow::popUpMenu(NSPopUpButton& button) {
+  if (native_) native_->popUpMenu(button);
+}
+
+void NSWindow::closeRequested() { performClose(nullptr); }
+
+void NSWindow::didGainFocus() {
+  isKey_ = true;
+  NSApplication::shared().windowDidBecomeKey(this);
+}
+
+void NSWindow::didLoseFocus() { isKey_ = false; }
+
+void NSWindow::didMove(const Rect& frame) {
+  frame_ = frame;
+  saveFrame();
+}
+
+void NSWindow::tellTrackingOwners(NSEventType type) {
+  if (!contentView_) return;
+  const auto event = NSEvent::mouseEvent({.type = type}, this);
+  // The whole view is each area's rectangle; one report serves the owners that several areas share.
+  std::vector<NSResponder*> owners;
+  for (const auto& area : contentView_->trackingAreas()) {
+    if (std::find(owners.begin(), owners.end(), area.owner) == owners.end()) owners.push_back(area.owner);
+  }
+  for (NSResponder* owner : owners) {
+    if (type == NSEventType::MouseEntered) owner->mouseEntered(*event);
+    if (type == NSEventType::MouseExited) owner->mouseExited(*event);
+  }
+}
+
+void NSWindow::pointerDidEnter() { tellTrackingOwners(NSEventType::MouseEntered); }
+
+void NSWindow::pointerDidLeave() { tellTrackingOwners(NSEventType::MouseExited); }
+
+void NSWindow::focusWanted(NSView* view) {
+  if (view == firstResponder_) return;
+  makeFirstResponder(view);
+}
+
+void NSWindow::viewClicked(NSView& view) { view.performClick(&view); }
+
+bool NSWindow::handleEvent(const std::shared_ptr<NSEvent>& event) {
+  const auto kept = shared_from_this();
+  return NSApplication::shared().sendEvent(event);
+}
+
+}  // namespace vistrel

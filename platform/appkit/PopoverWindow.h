@@ -1,0 +1,22 @@
+#pragma once
+
+#include "appkit/NSWindow.h"
+
+namespace vistrel {
+
+class NSPopover;
+
+/// The window under a popover: turns what the user does to it into the popover's own operations.
+class PopoverWindow final : public NSWindow {
+ public:
+  PopoverWindow(NSPopover& popover, const Rect& contentRect);
+
+  void performClose(NSObject* sender) override;
+  void dragDidBegin() override;
+  bool sendEvent(const NSEvent& event) override;
+
+ private:
+  NSPopover& popover_;
+};
+
+}  // namespace vistrel

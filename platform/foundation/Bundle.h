@@ -1,0 +1,39 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace vistrel {
+
+/// A folder of resources, and for the main bundle the program itself.
+class Bundle {
+ public:
+  static constexpr const char* kMainIdentifier = "org.vistrel.Vistrel";
+
+  /// The bundle of the running program.
+  static const Bundle& main();
+  /// The bundle in a folder; none when there is no such folder.
+  [[nodiscard]] static std::optional<Bundle> open(const std::string& path);
+
+  /// The identifier; none for a bundle that is not the program's.
+  [[nodiscard]] std::optional<std::string> identifier() const;
+  [[nodiscard]] const std::string& resourcePath() const { return resourcePath_; }
+  [[nodiscard]] const std::string& bundlePath() const { return bundlePath_; }
+  /// Texts from "Info.json" in the bundle, such as "CFBundleShortVersionString"; read anew each time.
+  [[nodiscard]] std::map<std::string, std::string> infoDictionary() const;
+  /// The content of a resource; none when it is missing.
+  [[nodiscard]] std::optional<std::string> resource(const std::string& name) const;
+  /// The text under `key` in the default string table ("LANGUAGE.lproj/Localizable.json") of the user's
+  /// language, else of English, else the key itself.
+  [[nodiscard]] std::string localizedString(const std::string& key) const;
+
+ private:
+  Bundle(std::string bundlePath, std::string resourcePath);
+  [[nodiscard]] std::optional<std::string> lookUp(const std::string& language, const std::string& key) const;
+  std::string bundlePath_;
+  std::string resourcePath_;
+};
+
+}  // namespace vistrel

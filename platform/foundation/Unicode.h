@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace vistrel::unicode {
+
+/// True when both texts are the same characters, however composed (Unicode canonical equivalence);
+/// case-sensitive. Bytes that are not UTF-8 compare as they stand.
+[[nodiscard]] bool areEqual(std::string_view a, std::string_view b);
+
+/// Upper case by the full mapping of Unicode, without a language's own rules ("ß" gives "SS").
+[[nodiscard]] std::string upperCased(std::string_view text);
+
+/// User-perceived characters: extended grapheme clusters (UAX #29).
+[[nodiscard]] std::size_t characterCount(std::string_view text);
+
+/// One UTF-16 unit as UTF-8 text.
+[[nodiscard]] std::string fromUtf16Unit(char16_t unit);
+
+[[nodiscard]] bool isValidUtf8(std::string_view text);
+
+}  // namespace vistrel::unicode

@@ -1,0 +1,149 @@
+#include "foundation/UserDefaults.h"
+
+#include <charconv>
+#include <utility>
+
+#include "foundation/Json.h"
+#include "foundation/Log.h"
+#include "host/Host.h"
+
+namespace vistrel {
+
+namespace {
+
+using Value = UserDefaults::Value;
+
+constexpr const char* kInterfaceStyleKey = "AppleInterfaceStyle";
+
+std::optional<Value> fromJson(const json::Value& value) {
+  if (const auto* text = value.text()) return Value(*text);
+  if (const auto* boolean = value.boolean()) return Value(*boolean);
+  if (const auto* integer = value.integer()) return Value(*integer);
+  if (const auto* real = value.real()) return Value(*real);
+  return std::nullopt;
+}
+
+json::Value toJson(const Value& value) {
+  return std::visit([](const auto& simple) { return json::Value{simple}; }, value);
+}
+
+/// The members of a preferences file; none when it cannot be read as one. An empty file is an empty store.
+std::optional<json::Object> parseFile(const std::optional<std::string>& bytes) {
+  if (!bytes || bytes->empty()) return json::Object{};
+  const auto value = json::parse(*bytes);
+  if (!value || !value->object()) return std::nullopt;
+  return *value->object();
+}
+
+void setAside() {
+  const auto path = host::current().userFiles().setPreferencesAside();
+  Log::warning(path ? "vistrel: the preferences file could not be read and was set aside as " + path.value()
+                    : "vistrel: the preferences file cannot be read: " + path.error().message);
+}
+
+std::optional<json::Object> readFile() {
+  const auto bytes = host::current().userFiles().readPreferences();
+  if (!bytes) {
+    Log::warning("vistrel: the preferences cannot be read: " + bytes.error().message);
+    return json::Object{};
+  }
+  return parseFile(bytes.value());
+}
+
+std::string withMember(json::Object members, const std::string& key, const Value& value) {
+  const auto sameKey = [&](const auto& member) { return member.first == key; };
+  std::erase_if(members, sameKey);
+  members.emplace_back(key, toJson(value));
+  return json::writeIndented(json::Value{std::move(members)}) + "\n";
+}
+
+std::string decimalText(double value) {
+  char buffer[64];
+  const auto end = std::to_chars(buffer, buffer + sizeof buffer, value).ptr;
+  return {buffer, end};
+}
+
+}  // namespace
+
+UserDefaults& UserDefaults::standard() {
+  static UserDefaults store;
+  return store;
+}
+
+void UserDefaults::registerDefaults(const std::map<std::string, Value>& values) {
+  for (const auto& [key, value] : values) registered_.insert_or_assign(key, value);
+}
+
+void UserDefaults::reset() {
+  stored_.reset();
+  registered_.clear();
+}
+
+void UserDefaults::load() const {
+  stored_.emplace();
+  auto members = readFile();
+  if (!members) setAside();
+  if (!members) return;
+  for (const auto& [key, member] : *members) {
+    if (const auto value = fromJson(member)) stored_->insert_or_assign(key, *value);
+  }
+}
+
+std::optional<Value> UserDefaults::find(const std::string& key) const {
+  if (key == kInterfaceStyleKey) {
+    return host::current().session().isDark() ? std::optional<Value>("Dark") : std::nullopt;
+  }
+  if (!stored_) load();
+  if (const auto found = stored_->find(key); found != stored_->end()) return found->second;
+  if (const auto found = registered_.find(key); found != registered_.end()) return found->second;
+  return std::nullopt;
+}
+
+std::int64_t UserDefaults::integerForKey(const std::string& key) const {
+  const auto value = find(key);
+  if (!value) return 0;
+  if (const auto* integer = std::get_if<std::int64_t>(&*value)) return *integer;
+  if (const auto* boolean = std::get_if<bool>(&*value)) return *boolean ? 1 : 0;
+  if (const auto* real = std::get_if<double>(&*value); real && *real > -9e18 && *real < 9e18) {
+    return static_cast<std::int64_t>(*real);
+  }
+  return 0;
+}
+
+bool UserDefaults::boolForKey(const std::string& key) const {
+  const auto value = find(key);
+  if (!value) return false;
+  if (const auto* boolean = std::get_if<bool>(&*value)) return *boolean;
+  return integerForKey(key) != 0;
+}
+
+std::optional<std::string> UserDefaults::stringForKey(const std::string& key) const {
+  const auto value = find(key);
+  if (!value) return std::nullopt;
+  if (const auto* text = std::get_if<std::string>(&*value)) return *text;
+  if (const auto* boolean = std::get_if<bool>(&*value)) return *boolean ? "1" : "0";
+  if (const auto* integer = std::get_if<std::int64_t>(&*value)) return std::to_string(*integer);
+  return decimalText(std::get<double>(*value));
+}
+
+std::optional<Value> UserDefaults::objectForKey(const std::string& key) const { return find(key); }
+
+void UserDefaults::setObject(Value value, const std::string& key) {
+  if (!stored_) load();
+  bool isUnreadable = false;
+  const auto edit = [&](const std::optional<std::string>& present) -> std::optional<std::string> {
+    const auto members = parseFile(present);
+    isUnreadable = !members;
+    return isUnreadable ? std::nullopt : std::optional(withMember(*members, key, value));
+  };
+  auto& files = host::current().userFiles();
+  auto written = files.editPreferences(edit);
+  if (written && isUnreadable) {
+    setAside();
+    written = files.editPreferences(edit);
+  }
+  if (!written) Log::warning("vistrel: the preferences cannot be written: " + written.error().message);
+  stored_->insert_or_assign(key, std::move(value));
+}
+
+}  // namespace vistrel

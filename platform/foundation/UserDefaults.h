@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <variant>
+
+namespace vistrel {
+
+/// The user's preferences: typed values under text keys, kept in one file. Reads never fail: a missing key, or a
+/// value of another type, reads as 0, false or nothing. Nothing is lost that another process writes meanwhile:
+/// a write changes its own key only. Main thread only.
+class UserDefaults {
+ public:
+  using Value = std::variant<bool, std::int64_t, double, std::string>;
+
+  /// The store of this program.
+  static UserDefaults& standard();
+
+  /// Values that count while the store has none under the key. Not written anywhere.
+  void registerDefaults(const std::map<std::string, Value>& values);
+
+  [[nodiscard]] std::int64_t integerForKey(const std::string& key) const;
+  [[nodiscard]] bool boolForKey(const std::string& key) const;
+  /// A text as it stands; a number as its decimal text, a Boolean as "1" or "0".
+  [[nodiscard]] std::optional<std::string> stringForKey(const std::string& key) const;
+  [[nodiscard]] std::optional<Value> objectForKey(const std::string& key) const;
+
+  void setInteger(std::int64_t value, const std::string& key) { setObject(value, key); }
+  void setBool(bool value, const std::string& key) { setObject(value, key); }
+  void setString(std::string value, const std::string& key) { setObject(std::move(value), key); }
+  void setObject(Value value, const std::string& key);
+
+  /// Forgets what was read and registered, so that the next use reads the file of the present backend.
+  void reset();
+
+ private:
+  UserDefaults() = default;
+  [[nodiscard]] std::optional<Value> find(const std::string& key) const;
+  void load() const;
+
+  using Map = std::map<std::string, Value>;
+  mutable std::optional<Map> stored_;
+  Map registered_;
+};
+
+}  // namespace vistrel

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "foundation/Result.h"
+
+namespace vistrel::host {
+
+/// The file that keeps the user's preferences, as bytes. One file in the user's configuration folder
+/// (XDG Base Directory), shared with other processes. Main thread only.
+class UserFiles {
+ public:
+  virtual ~UserFiles() = default;
+
+  /// The whole file; nothing when there is none.
+  virtual Result<std::optional<std::string>> readPreferences() = 0;
+
+  /// Under a lock that excludes other processes: hands the present content to `edit` and puts what it answers
+  /// in its place, whole or not at all. `edit` answering nothing leaves the file alone.
+  using Edit = std::function<std::optional<std::string>(const std::optional<std::string>& present)>;
+  virtual Result<void> editPreferences(const Edit& edit) = 0;
+
+  /// Moves an unreadable file out of the way without deleting it and answers its new path.
+  virtual Result<std::string> setPreferencesAside() = 0;
+};
+
+}  // namespace vistrel::host
