@@ -62,7 +62,7 @@ class Screen:
         return picture
 
     def wait_no_picture(self):
-        wait_until(lambda: self.ask("watch", 1, 0)["picture"] is None, "the end of the picture")
+        wait_until(lambda: self.ask("find")["place"] is None, "the end of the picture")
 
     def save(self, path):
         self.ask("shot", path)

@@ -70,8 +70,8 @@ class Compressor {
 /// Past the marker segments, at the first byte of picture data.
 std::size_t headLength(std::span<const std::uint8_t> file) {
   std::size_t at = 2;
-  while (file[at + 1] != 0xda) at += 2 + file[at + 2] * 256U + file[at + 3];
-  return at + 2 + file[at + 2] * 256U + file[at + 3];
+  while (file[at + 1] != 0xda) at += 2 + file[at + 2] * std::size_t{256} + file[at + 3];
+  return at + 2 + file[at + 2] * std::size_t{256} + file[at + 3];
 }
 
 }  // namespace

@@ -157,7 +157,7 @@ void TestCamera::makeStream() {
 
 bool TestCamera::connect() {
   if (stream_ == nullptr) return false;
-  std::array<std::uint8_t, 64 * 1024> memory{};
+  std::array<std::uint8_t, 65536> memory{};
   spa_pod_builder builder{};
   spa_pod_builder_init(&builder, memory.data(), memory.size());
   std::vector<const spa_pod*> formats;

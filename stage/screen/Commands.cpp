@@ -97,6 +97,10 @@ void Commands::addSight() {
   commands_["pixels"] = [this](const Words& a) -> Json {  // X Y WIDTH HEIGHT, 0xRRGGBB row by row
     return {{"pixels", screen_.capture(rectangleFrom(a, 0)).pixels}};
   };
+  commands_["find"] = [this](const Words&) -> Json {
+    const auto place = findPicture(screen_.capture(screen_.whole()));
+    return {{"place", place ? toJson(*place) : Json()}};
+  };
   commands_["watch"] = [this](const Words& a) -> Json {  // FRAMES MILLISECONDS [X Y WIDTH HEIGHT]
     std::optional<Rectangle> place;
     if (a.size() > 2) place = rectangleFrom(a, 2);

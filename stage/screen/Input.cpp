@@ -1,6 +1,5 @@
 #include "stage/screen/Input.h"
 
-#include <ranges>
 #include <string_view>
 
 #include <X11/extensions/XTest.h>
@@ -46,7 +45,7 @@ bool Input::click(unsigned number, const std::vector<std::string>& heldKeys) con
   for (const unsigned code : codes) key(code, Motion::Down);
   button(number, Motion::Down);
   button(number, Motion::Up);
-  for (const unsigned code : codes | std::views::reverse) key(code, Motion::Up);
+  for (auto code = codes.rbegin(); code != codes.rend(); ++code) key(*code, Motion::Up);
   return true;
 }
 

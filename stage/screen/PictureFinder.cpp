@@ -60,13 +60,26 @@ int edgeFrom(const Image& image, const Run& run, int y, int step) {
   return farthest;
 }
 
+/// Where the clock's first cell, which is always light, ends below; `guess` where there is no clear end.
+int clockBottom(const Image& image, Rectangle guess, bool isMirrored) {
+  constexpr int kDoubt = 6;
+  const int inset = guess.width / (2 * clock::kCells);
+  const int x = isMirrored ? guess.x + guess.width - 1 - inset : guess.x + inset;
+  const int expected = guess.y + guess.height;
+  int y = expected - guess.height / (2 * clock::kRowsPerPicture);
+  while (y < image.height && y <= expected + kDoubt && image.isLight(x, y)) ++y;
+  return std::abs(y - expected) > kDoubt ? expected : y;
+}
+
 /// The picture whose body is given: the clock takes the lower sixth. The edges are a pixel soft.
 std::optional<Rectangle> wholePicture(const Image& image, const Run& run, int top, int bottom) {
   const int height = (bottom - top) * clock::kRowsPerPicture / (clock::kRowsPerPicture - clock::kRows);
   for (const int taller : {0, 1, -1, 2, -2, 3, -3, 4, -4}) {
     for (const int inset : {0, 1, -1}) {
       const Rectangle place{run.start + inset, top, run.length() - 2 * inset, height + taller};
-      if (readClock(image, place)) return place;
+      const auto reading = readClock(image, place);
+      if (!reading) continue;
+      return Rectangle{place.x, top, place.width, clockBottom(image, place, reading->isMirrored) - top};
     }
   }
   return std::nullopt;

@@ -33,8 +33,9 @@ std::optional<clock::Reading> look(const Screen& screen, Rectangle place) {
 }
 
 void take(Sighting& sighting, std::optional<clock::Reading>& last, const clock::Reading& reading) {
-  if (last && last->counter == reading.counter) return;
-  if (last) sighting.skipped += std::max(0, clock::difference(reading.counter, last->counter) - 1);
+  if (!last) last = reading;  // it may have been there for long: it tells nothing
+  if (last->counter == reading.counter) return;
+  sighting.skipped += std::max(0, clock::difference(reading.counter, last->counter) - 1);
   sighting.isMirrored = reading.isMirrored;
   sighting.ages.push_back(clock::difference(millisecondsNow(), reading.milliseconds));
   ++sighting.frames;
@@ -66,7 +67,6 @@ std::optional<Sighting> watchPicture(const Screen& screen, std::optional<Rectang
     if (before == 0) first = latest;
     std::this_thread::sleep_for(kBetweenLooks);
   }
-  if (sighting.frames == 0) return std::nullopt;
   sighting.seconds = std::chrono::duration<double>(latest - first).count();
   sighting.isUpright = isUpright(screen.capture(screen.whole()), *place, sighting.isMirrored);
   std::sort(sighting.ages.begin(), sighting.ages.end());
