@@ -1,0 +1,148 @@
+"""Vistrel on a private desktop: its icon, its menus, its windows, its lines and its preferences."""
+
+import json
+import signal
+
+from stage.desktop import WATCHER
+from stage.processes import wait_until
+
+IDENTIFIER = "org.vistrel.Vistrel"
+ICON_SIZE = 16  # what a tray icon has at least, in pixels
+TEXT_HEIGHT = 5  # what a line of text in a menu has at least, in pixels
+
+
+def centre(place):
+    x, y, width, height = place
+    return x + width // 2, y + height // 2
+
+
+def inside(place, outer):
+    return (place[0] >= outer[0] and place[1] >= outer[1] and place[0] + place[2] <= outer[0] + outer[2]
+            and place[1] + place[3] <= outer[1] + outer[3])
+
+
+class Program:
+    """`preferences` are written first; `awaits_icon` false: does not wait for the icon in the tray."""
+
+    def __init__(self, desktop, preferences=None, environment=None, awaits_icon=True, arguments=(), **options):
+        self.desktop = desktop
+        self.screen = desktop.screen
+        self.file = desktop.folder / "config" / IDENTIFIER / "preferences.json"
+        if preferences is not None:
+            self.write_preferences(preferences)
+        self.process = desktop.start([desktop.programs / "vistrel", *arguments], environment, **options)
+        if awaits_icon:
+            self.icon()
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.process.end()
+
+    @property
+    def pid(self):
+        return self.process.pid
+
+    @property
+    def lines(self):
+        return self.process.lines
+
+    def wait_line(self, text, since=0):
+        return self.process.wait_line(text, since)
+
+    def terminate(self):
+        """Asks it to end; gives the exit status."""
+        self.process.signal(signal.SIGTERM)
+        return self.process.wait()
+
+    def write_preferences(self, values):
+        self.file.parent.mkdir(parents=True, exist_ok=True)
+        self.file.write_text(values if isinstance(values, str) else json.dumps(values))
+
+    def preferences(self):
+        return json.loads(self.file.read_text()) if self.file.exists() else {}
+
+    # The tray
+
+    def icons(self):
+        """Where its icons are in the tray."""
+        windows = self.screen.windows()
+        docks = [window["place"] for window in windows if "_NET_WM_WINDOW_TYPE_DOCK" in window["types"]]
+        embedded = [window["place"] for window in windows if window["pid"] == self.pid
+                    and any(inside(window["place"], dock) for dock in docks) and window["place"][2] >= ICON_SIZE]
+        return embedded + self._hosted_icons(windows, docks)
+
+    def _hosted_icons(self, windows, docks):
+        if not self.desktop.bus or not self.desktop.bus.has_owner(WATCHER):
+            return []
+        items = self.desktop.bus.property(WATCHER, "/StatusNotifierWatcher", WATCHER, "RegisteredStatusNotifierItems")
+        mine = [index for index, item in enumerate(items) if self._process_of(item.split("/")[0]) == self.pid]
+        trays = [window["place"] for window in windows if window["class"] == "Wrapper-2.0"
+                 and any(inside(window["place"], dock) for dock in docks)]
+        if not trays or not items or trays[0][2] < ICON_SIZE * len(items):
+            return []
+        x, y, width, height = trays[0]
+        step = width // len(items)
+        return [[x + step * index, y, step, height] for index in mine]
+
+    def _process_of(self, name):
+        bus = "org.freedesktop.DBus"
+        return self.desktop.bus.call(bus, "/org/freedesktop/DBus", bus, "GetConnectionUnixProcessID", "(s)", name)[0]
+
+    def icon(self):
+        """Its icon's place; there is never a second one."""
+        found = wait_until(self.icons, "the icon in the tray")
+        assert len(found) == 1, f"one icon, not {found}"
+        return found[0]
+
+    def click(self, button=1, held=()):
+        self.screen.click(centre(self.icon()), button, held)
+
+    # Menus
+
+    def menu(self):
+        """The place of the open menu, drawn by the tray host or by the program."""
+        return wait_until(self._find_menu, "an open menu")
+
+    def _find_menu(self):
+        icons = self.icons()
+        for window in self.screen.windows(managed=False):
+            hosts = window["class"] == "Wrapper-2.0" and "_NET_WM_WINDOW_TYPE_POPUP_MENU" in window["types"]
+            if (hosts or window["pid"] == self.pid) and window["place"] not in icons:
+                return window["place"]
+        return None
+
+    def wait_no_menu(self):
+        wait_until(lambda: self._find_menu() is None, "the end of the menu")
+
+    def menu_rows(self):
+        """The places of the open menu's texts, from the top; what is a few pixels high is a separator."""
+        def rows():
+            x, y, width, height = self.menu()
+            pixels = self.screen.ask("pixels", x + 3, y + 3, width - 6, height - 6)["pixels"]
+            width, height = width - 6, height - 6
+            ground = max(set(pixels), key=pixels.count)
+            inked = [any(pixel != ground for pixel in pixels[row * width:(row + 1) * width]) for row in range(height)]
+            found, start = [], None
+            for row in range(height + 1):
+                is_inked = row < height and any(inked[row:row + 2])
+                if is_inked and start is None:
+                    start = row
+                elif not is_inked and start is not None:
+                    if row - start >= TEXT_HEIGHT:
+                        found.append([x, y + 3 + start, width, row - start])
+                    start = None
+            return found
+        return wait_until(rows, "the menu's texts")
+
+    def choose(self, index):
+        """Clicks the item at `index` of the open menu, separators not counted."""
+        self.screen.click(centre(self.menu_rows()[index]))
+
+    # Windows
+
+    def windows(self, **facts):
+        """Its windows of its own, without the icon."""
+        icons = self.icons()
+        return [window for window in self.screen.windows(pid=self.pid, **facts) if window["place"] not in icons]
