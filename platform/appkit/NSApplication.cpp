@@ -56,7 +56,8 @@ void NSApplication::dispatchQueuedEvent() {
   sendEvent(event);
 }
 
-void NSApplication::withCurrentEvent(const std::shared_ptr<NSEvent>& event, const std::function<void()>& work) {
+void NSApplication::withCurrentEvent(const std::shared_ptr<NSEvent>& event,
+                                     const std::function<void()>& work) {
   const auto before = std::exchange(currentEvent_, event);
   work();
   currentEvent_ = before;
@@ -136,7 +137,10 @@ void NSApplication::didFinishLaunching() {
 }
 
 void NSApplication::reopen() {
-  if (delegate_) delegate_->applicationShouldHandleReopen(!windows_.empty());
+  // A popover that hangs from its icon is no window to the user; a torn-off one is.
+  const auto isWindow = [](const auto& window) { return window->kind() != NSWindowKind::Popover; };
+  const bool hasWindows = std::any_of(windows_.begin(), windows_.end(), isWindow);
+  if (delegate_) delegate_->applicationShouldHandleReopen(hasWindows);
 }
 
 void NSApplication::didBecomeActive() { isActive_ = true; }

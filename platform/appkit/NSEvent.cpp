@@ -59,11 +59,16 @@ std::shared_ptr<NSEvent> NSEvent::keyEvent(const Key& key, NSWindow* window) {
 std::optional<NSSpecialKey> NSEvent::specialKey() const {
   if (!isKeyEvent()) return std::nullopt;
   switch (keyCode_) {
-    case kReturnKeyCode: return NSSpecialKey::CarriageReturn;
-    case kTabKeyCode: return NSSpecialKey::Tab;
-    case kDeleteKeyCode: return NSSpecialKey::Delete;
-    case kDeleteForwardKeyCode: return NSSpecialKey::DeleteForward;
-    default: break;
+    case kReturnKeyCode:
+      return NSSpecialKey::CarriageReturn;
+    case kTabKeyCode:
+      return NSSpecialKey::Tab;
+    case kDeleteKeyCode:
+      return NSSpecialKey::Delete;
+    case kDeleteForwardKeyCode:
+      return NSSpecialKey::DeleteForward;
+    default:
+      break;
   }
   const auto* found = std::find(kFunctionKeyCodes.begin(), kFunctionKeyCodes.end(), keyCode_);
   if (found == kFunctionKeyCodes.end()) return std::nullopt;

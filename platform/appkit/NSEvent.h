@@ -44,7 +44,9 @@ enum class NSEventType : int {
 
 /// Kinds of events as a set: bit n stands for type n.
 using NSEventMask = std::uint64_t;
-[[nodiscard]] constexpr NSEventMask maskOf(NSEventType type) { return NSEventMask{1} << static_cast<int>(type); }
+[[nodiscard]] constexpr NSEventMask maskOf(NSEventType type) {
+  return NSEventMask{1} << static_cast<int>(type);
+}
 
 /// Keys that type no character, by the platform's published values.
 enum class NSSpecialKey : char16_t {

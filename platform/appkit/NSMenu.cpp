@@ -8,7 +8,8 @@
 namespace vistrel {
 
 void NSMenu::insertItem(std::shared_ptr<NSMenuItem> item, std::size_t index) {
-  items_.insert(items_.begin() + static_cast<std::ptrdiff_t>(std::min(index, items_.size())), std::move(item));
+  items_.insert(items_.begin() + static_cast<std::ptrdiff_t>(std::min(index, items_.size())),
+                std::move(item));
 }
 
 void NSMenu::performActionForItem(const std::shared_ptr<NSMenuItem>& item, NSResponder* start) {

@@ -34,7 +34,8 @@ class NSMenu : public NSObject {
   /// The delegate must outlive the menu's use.
   void setDelegate(NSMenuDelegate* delegate) { delegate_ = delegate; }
 
-  /// Sends the item's action up the responder chain, from `start` where one is given, else from the key window.
+  /// Sends the item's action up the responder chain, from `start` where one is given, else from the key
+  /// window.
   static void performActionForItem(const std::shared_ptr<NSMenuItem>& item, NSResponder* start = nullptr);
 
  private:

@@ -18,8 +18,8 @@ class NSPopUpButton : public NSButton {
   void setPullsDown(bool pullsDown) { pullsDown_ = pullsDown; }
 
   [[nodiscard]] bool acceptsFirstResponder() const override { return true; }
-  /// Space and Down open the menu. A key that reaches a hidden button goes up the chain first, so that who hid
-  /// the button may show it.
+  /// Space and Down open the menu. A key that reaches a hidden button goes up the chain first, so that who
+  /// hid the button may show it.
   void keyDown(const NSEvent& event) override;
   /// Opens the menu and returns.
   void performClick(NSObject* sender) override;

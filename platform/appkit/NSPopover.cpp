@@ -60,8 +60,8 @@ void NSPopover::makeWindow() {
 void NSPopover::showRelativeToRect(const Rect& rect, NSView& view, NSRectEdge /*preferredEdge*/) {
   if (isShown_ || !controller_) return;
   auto& session = host::current().session();
-  const auto place = placePopover(contentSize_, anchorOnDesktop(rect, view), session.pointerLocation(),
-                                  session.screens());
+  const auto place =
+      placePopover(contentSize_, anchorOnDesktop(rect, view), session.pointerLocation(), session.screens());
   anchor_ = view.weak_from_this();
   makeWindow();
   window_->setTip(place.tip);

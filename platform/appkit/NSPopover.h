@@ -26,8 +26,8 @@ class NSPopoverDelegate {
   virtual void popoverDidDetach(NSPopover& popover) = 0;
 };
 
-/// A balloon that hangs from a view and may be torn off into a window of its own. A transient one closes at any
-/// press outside it while it is attached. Main thread only.
+/// A balloon that hangs from a view and may be torn off into a window of its own. A transient one closes at
+/// any press outside it while it is attached. Main thread only.
 class NSPopover : public NSObject, public host::OutsidePressClient {
  public:
   NSPopover() = default;

@@ -6,7 +6,8 @@ namespace vistrel {
 
 class NSEvent;
 
-/// A link of the chain along which events and actions travel: view, superview, controller, window, application.
+/// A link of the chain along which events and actions travel: view, superview, controller, window,
+/// application.
 class NSResponder : public NSObject {
  public:
   [[nodiscard]] virtual NSResponder* nextResponder() const { return nextResponder_; }

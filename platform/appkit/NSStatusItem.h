@@ -36,8 +36,8 @@ class NSStatusItem : public std::enable_shared_from_this<NSStatusItem> {
   [[nodiscard]] const std::shared_ptr<NSMenu>& menu() const { return menu_; }
   /// Attaches a menu, which the next click opens, or detaches it.
   void setMenu(std::shared_ptr<NSMenu> menu);
-  /// Tells the desktop what the next showing will hold; attaches nothing. Hosts that draw menus themselves ask
-  /// for the content before the program hears of the click.
+  /// Tells the desktop what the next showing will hold; attaches nothing. Hosts that draw menus themselves
+  /// ask for the content before the program hears of the click.
   void setUpcomingMenu(std::shared_ptr<NSMenu> menu);
 
  private:

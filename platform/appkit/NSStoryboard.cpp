@@ -31,8 +31,12 @@ std::optional<double> numberOf(const json::Value& object, const char* name) {
 ViewLayout layoutOf(const json::Value& view) {
   const auto* layout = view.member("layout");
   if (!layout) return {};
-  return {numberOf(*layout, "left"),   numberOf(*layout, "top"),   numberOf(*layout, "right"),
-          numberOf(*layout, "bottom"), numberOf(*layout, "width"), numberOf(*layout, "height"),
+  return {numberOf(*layout, "left"),
+          numberOf(*layout, "top"),
+          numberOf(*layout, "right"),
+          numberOf(*layout, "bottom"),
+          numberOf(*layout, "width"),
+          numberOf(*layout, "height"),
           numberOf(*layout, "scaledMargin").value_or(0)};
 }
 

@@ -24,7 +24,8 @@ struct ViewLayout {
   std::optional<double> bottom;
   std::optional<double> width;
   std::optional<double> height;
-  /// Added to each given distance: this share of the superview's height, so that margins grow with the picture.
+  /// Added to each given distance: this share of the superview's height, so that margins grow with the
+  /// picture.
   double scaledMargin = 0;
 
   [[nodiscard]] Rect frameIn(Size superview) const;

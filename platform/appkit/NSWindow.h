@@ -37,9 +37,11 @@ struct PopoverTip {
   bool operator==(const PopoverTip&) const = default;
 };
 
-/// A window: owner of a view tree, of the first responder and of its place. Once on screen it stays alive until
-/// it is closed. Main thread only.
-class NSWindow : public NSResponder, public host::WindowClient, public std::enable_shared_from_this<NSWindow> {
+/// A window: owner of a view tree, of the first responder and of its place. Once on screen it stays alive
+/// until it is closed. Main thread only.
+class NSWindow : public NSResponder,
+                 public host::WindowClient,
+                 public std::enable_shared_from_this<NSWindow> {
  public:
   /// `styleMask` is made of `NSWindowStyleMask` bits; `contentRect` is the content's place on the desktop.
   [[nodiscard]] static std::shared_ptr<NSWindow> create(const Rect& contentRect, unsigned styleMask,
@@ -79,8 +81,8 @@ class NSWindow : public NSResponder, public host::WindowClient, public std::enab
   [[nodiscard]] bool isVisible() const { return isVisible_; }
   [[nodiscard]] bool isKeyWindow() const { return isVisible_ && isKey_; }
 
-  /// Moves the keyboard focus; null takes it from every view. False when the present or the new first responder
-  /// refuses.
+  /// Moves the keyboard focus; null takes it from every view. False when the present or the new first
+  /// responder refuses.
   bool makeFirstResponder(NSResponder* responder);
   [[nodiscard]] NSResponder* firstResponder() const { return firstResponder_; }
   [[nodiscard]] NSResponder* firstResponderOrSelf();

@@ -70,10 +70,14 @@ Panel panelOf(const host::Screen& screen) {
 Rect anchorOnPanel(const host::Screen& screen, Point pointer) {
   const Rect& v = screen.visibleFrame;
   switch (panelOf(screen).side) {
-    case Side::Below: return {pointer.x, v.y, 0, 0};
-    case Side::Above: return {pointer.x, v.maxY(), 0, 0};
-    case Side::RightOf: return {v.x, pointer.y, 0, 0};
-    case Side::LeftOf: return {v.maxX(), pointer.y, 0, 0};
+    case Side::Below:
+      return {pointer.x, v.y, 0, 0};
+    case Side::Above:
+      return {pointer.x, v.maxY(), 0, 0};
+    case Side::RightOf:
+      return {v.x, pointer.y, 0, 0};
+    case Side::LeftOf:
+      return {v.maxX(), pointer.y, 0, 0};
   }
   return {pointer.x, v.y, 0, 0};
 }
@@ -110,10 +114,14 @@ Rect movedInto(Rect frame, const Rect& room) {
 Point tipLocation(const Rect& anchor, Side side) {
   const Point c = anchor.center();
   switch (side) {
-    case Side::Below: return {c.x, anchor.maxY()};
-    case Side::Above: return {c.x, anchor.y};
-    case Side::RightOf: return {anchor.maxX(), c.y};
-    case Side::LeftOf: return {anchor.x, c.y};
+    case Side::Below:
+      return {c.x, anchor.maxY()};
+    case Side::Above:
+      return {c.x, anchor.y};
+    case Side::RightOf:
+      return {anchor.maxX(), c.y};
+    case Side::LeftOf:
+      return {anchor.x, c.y};
   }
   return c;
 }

@@ -25,8 +25,8 @@ struct PopoverPlace {
 };
 
 /// Places a popover of `size` beside `anchor`, on the side that points away from the panel, wholly on the
-/// anchor's screen; a size that is too large shrinks and keeps its aspect. Without an anchor it hangs from the
-/// panel of the pointer's screen, beside the pointer.
+/// anchor's screen; a size that is too large shrinks and keeps its aspect. Without an anchor it hangs from
+/// the panel of the pointer's screen, beside the pointer.
 [[nodiscard]] PopoverPlace placePopover(Size size, const std::optional<Rect>& anchor, Point pointer,
                                         const std::vector<host::Screen>& screens);
 

@@ -39,9 +39,9 @@ class ObservationToken {
   std::shared_ptr<Observation> observation_;
 };
 
-/// In-process broadcast of named notifications. Observers run synchronously on the posting thread, in the order
-/// in which they were added. A post goes over a snapshot: observers removed meanwhile are skipped, ones added
-/// meanwhile are not called.
+/// In-process broadcast of named notifications. Observers run synchronously on the posting thread, in the
+/// order in which they were added. A post goes over a snapshot: observers removed meanwhile are skipped, ones
+/// added meanwhile are not called.
 class NotificationCenter {
  public:
   using Handler = std::function<void(const Notification&)>;

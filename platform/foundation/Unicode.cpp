@@ -43,7 +43,9 @@ bool areEqual(std::string_view a, std::string_view b) {
   return U_SUCCESS(status) && equal;
 }
 
-std::string upperCased(std::string_view text) { return toUtf8(toUtf16(text).toUpper(icu::Locale::getRoot())); }
+std::string upperCased(std::string_view text) {
+  return toUtf8(toUtf16(text).toUpper(icu::Locale::getRoot()));
+}
 
 std::size_t characterCount(std::string_view text) {
   UErrorCode status = U_ZERO_ERROR;

@@ -23,6 +23,8 @@ struct CameraDevice {
   bool isConnected = true;
   /// Attached but unusable for now, such as behind a closed lid.
   bool isSuspended = false;
+  /// The platform's automatic framing is at work for this camera.
+  bool isCenterStageActive = false;
 };
 
 /// Told about a stream that was started. Called on the main thread, from the main loop, never from inside a
@@ -74,6 +76,10 @@ class CameraHost {
 
   /// Opens a camera. The error tells whether it is gone, busy or denied.
   virtual Result<std::unique_ptr<CameraStream>> open(const std::string& id) = 0;
+
+  /// Automatic framing, where the platform has it; `mode` is the platform's raw value.
+  virtual void setCenterStageControlMode(int /*mode*/) {}
+  virtual void setCenterStageEnabled(bool /*isEnabled*/) {}
 };
 
 }  // namespace vistrel::host

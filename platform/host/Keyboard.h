@@ -10,8 +10,8 @@
 
 namespace vistrel::host {
 
-/// A hot key as the window system takes it: a virtual key code (the platform's `kVK_` numbering, a position on
-/// the keyboard) and hot-key modifier bits (Command 0x100, Shift 0x200, Option 0x800, Control 0x1000).
+/// A hot key as the window system takes it: a virtual key code (the platform's `kVK_` numbering, a position
+/// on the keyboard) and hot-key modifier bits (Command 0x100, Shift 0x200, Option 0x800, Control 0x1000).
 struct HotKeyCombination {
   std::uint32_t keyCode = 0;
   std::uint32_t modifiers = 0;
@@ -34,16 +34,16 @@ class HotKeyHost {
 class KeyboardHost {
  public:
   virtual ~KeyboardHost() = default;
-  /// The unshifted text of the key at a virtual key code on the layout that types ASCII: empty when the layout
-  /// gives the key nothing; none when no keymap can be had.
+  /// The unshifted text of the key at a virtual key code on the layout that types ASCII: empty when the
+  /// layout gives the key nothing; none when no keymap can be had.
   [[nodiscard]] virtual std::optional<std::string> displayCharacter(std::uint16_t keyCode) = 0;
   /// The desktop's own shortcuts, one dictionary each, with "kHISymbolicHotKeyEnabled" (bool),
   /// "kHISymbolicHotKeyCode" and "kHISymbolicHotKeyModifiers" (std::int64_t); none without a known desktop.
   [[nodiscard]] virtual std::optional<std::vector<std::map<std::string, std::any>>> symbolicHotKeys() = 0;
   /// The window system's bell.
   virtual void beep() = 0;
-  /// Routes every key of the keyboard to this program's focused window, window-manager bindings included, until
-  /// `false`; answers whether it could.
+  /// Routes every key of the keyboard to this program's focused window, window-manager bindings included,
+  /// until `false`; answers whether it could.
   virtual bool setKeyboardCaptured(bool isCaptured) = 0;
 };
 

@@ -40,14 +40,15 @@ class StatusArea {
   virtual void setIcon(const std::string& imagePath) = 0;
   virtual void hideIcon() = 0;
   virtual void setHighlighted(bool isHighlighted) = 0;
-  /// What hosts that draw the menu themselves show from now on. Reconciled in place, and never inside a showing
-  /// or a closing. Keeps the items alive that it shows.
+  /// What hosts that draw the menu themselves show from now on. Reconciled in place, and never inside a
+  /// showing or a closing. Keeps the items alive that it shows.
   virtual void mirrorMenu(std::shared_ptr<NSMenu> menu) = 0;
   /// Pops the menu up at the icon and returns; the end is reported like any other showing's.
   virtual void popUpMenu(std::shared_ptr<NSMenu> menu) = 0;
   /// Takes down a menu that `popUpMenu` shows.
   virtual void dismissMenu() = 0;
-  /// Where the icon is, or most likely is: from the host if it tells, else from the last press on it, else none.
+  /// Where the icon is, or most likely is: from the host if it tells, else from the last press on it, else
+  /// none.
   [[nodiscard]] virtual std::optional<Rect> iconFrame() = 0;
 };
 

@@ -60,7 +60,8 @@ class NativeWindow {
   virtual void viewDidChange(NSView& view) = 0;
   /// The window's first responder is now `view`; none: no control has the focus.
   virtual void firstResponderDidChange(NSView* view) = 0;
-  /// Opens the button's menu beside it and returns; `NSPopUpButton::itemChosen` is called with what is chosen.
+  /// Opens the button's menu beside it and returns; `NSPopUpButton::itemChosen` is called with what is
+  /// chosen.
   virtual void popUpMenu(NSPopUpButton& button) = 0;
   /// In front of the other windows, with the focus.
   virtual void activate() = 0;
@@ -81,8 +82,8 @@ class WindowSystem {
   [[nodiscard]] virtual std::unique_ptr<NativeWindow> makeWindow(NSWindow& window, WindowClient& client) = 0;
   /// While a client is set, presses outside are reported to it. Null: nothing is watched.
   virtual void setOutsidePressClient(OutsidePressClient* client) = 0;
-  /// Shows an alert, as a sheet on `parent` where there is one, and returns; `NSAlert::respond` is called when
-  /// the user answers.
+  /// Shows an alert, as a sheet on `parent` where there is one, and returns; `NSAlert::respond` is called
+  /// when the user answers.
   virtual void showAlert(const std::shared_ptr<NSAlert>& alert, NSWindow* parent) = 0;
 };
 

@@ -1,0 +1,24 @@
+#include "app/CameraMenu.h"
+
+#include "appkit/NSMenu.h"
+#include "camera/CameraManagement.h"
+
+namespace vistrel {
+
+void addCameraItems(NSMenu& menu, const CameraManagement& cameras) {
+  for (const auto& device : cameras.availableCameras()) {
+    auto item = std::make_shared<NSMenuItem>(device->localizedName(), "switchCameraInputWithSender:");
+    item->setState(cameras.isSelected(item->title()) ? NSControlState::On : NSControlState::Off);
+    menu.addItem(item);
+  }
+}
+
+void addCommandItems(NSMenu& menu) {
+  menu.addItem(NSMenuItem::separatorItem());
+  menu.addItem(std::make_shared<NSMenuItem>("About Vistrel", "openAboutWithSender:"));
+  menu.addItem(std::make_shared<NSMenuItem>("Preferences…", "openPreferencesWithSender:"));
+  menu.addItem(NSMenuItem::separatorItem());
+  menu.addItem(std::make_shared<NSMenuItem>("Quit Vistrel", "quitWithSender:"));
+}
+
+}  // namespace vistrel

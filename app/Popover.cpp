@@ -1,0 +1,68 @@
+#include "app/Popover.h"
+
+#include "app/Notifications.h"
+#include "app/PreferenceKeys.h"
+#include "appkit/NSStoryboard.h"
+#include "camera/CameraViewController.h"
+#include "foundation/Bundle.h"
+#include "foundation/FatalError.h"
+#include "foundation/Log.h"
+
+namespace vistrel {
+
+Popover::Popover() : defaults_(UserDefaults::standard()) {
+  setDelegate(this);
+  setAnimates(true);
+  dataObserver_ = NotificationCenter::defaultCenter().addObserver(
+      notification::dataChanged(), nullptr, [this](const Notification&) { updateDataWithSender(); });
+  themeObserver_ = DistributedNotificationCenter::defaultCenter().addObserver(
+      notification::interfaceThemeChanged(), nullptr,
+      [this](const Notification&) { interfaceModeChangedWithSender(); });
+  applyAppearance();
+  configureContent();
+}
+
+void Popover::configureContent() {
+  selectedSizeIndex_ = defaults_.integerForKey(preference::kSelectedPopoverSize);
+  const auto controller = makeFromStoryboard();
+  setContentSize(preference::entryAt(preference::kSizes, selectedSizeIndex_).size);
+  setBehavior(NSPopoverBehavior::Transient);
+  setContentViewController(controller);
+}
+
+std::shared_ptr<CameraViewController> Popover::makeFromStoryboard() {
+  NSStoryboard::registerClass("CameraViewController",
+                              [] { return std::make_shared<CameraViewController>(); });
+  const auto storyboard = NSStoryboard::storyboardWithName("Main", Bundle::main());
+  auto controller = std::dynamic_pointer_cast<CameraViewController>(
+      storyboard.instantiateController("CameraViewController"));
+  if (!controller) fatalError("Why cant I find CameraViewController? - Check Main.storyboard");
+  return controller;
+}
+
+bool Popover::isDarkMode() const {
+  return defaults_.stringForKey(preference::kInterfaceStyle) == preference::kDarkStyle;
+}
+
+void Popover::applyAppearance() {
+  setAppearance({isDarkMode() ? NSAppearanceNameDarkAqua : NSAppearanceNameAqua});
+}
+
+void Popover::updateDataWithSender() { configureContent(); }
+
+void Popover::interfaceModeChangedWithSender() {
+  Log::line("Switched modes");
+  applyAppearance();
+}
+
+bool Popover::popoverShouldDetach(NSPopover& /*popover*/) {
+  Log::line("Should Detach");
+  return true;
+}
+
+void Popover::popoverDidDetach(NSPopover& /*popover*/) {
+  Log::line("Detached");
+  NotificationCenter::defaultCenter().post(notification::windowDetached());
+}
+
+}  // namespace vistrel

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "appkit/NSPopUpButton.h"
+#include "appkit/NSViewController.h"
+#include "avfoundation/AVCaptureSession.h"
+#include "avfoundation/AVCaptureVideoPreviewLayer.h"
+#include "camera/CameraManagement.h"
+#include "foundation/NotificationCenter.h"
+#include "foundation/UserDefaults.h"
+
+namespace vistrel {
+
+/// The content of the mirror: a capture session for each showing, its mirrored picture, and the controls that
+/// lie over it while the pointer is there. Main thread only.
+class CameraViewController final : public NSViewController {
+ public:
+  CameraViewController();
+
+  void connectOutlet(const std::string& name, const std::shared_ptr<NSView>& view) override;
+
+  void viewDidLoad() override;
+  void viewWillAppear() override;
+  void viewDidDisappear() override;
+  void mouseEntered(const NSEvent& event) override;
+  void mouseExited(const NSEvent& event) override;
+  /// A key that reaches the hidden button shows the controls.
+  void keyDown(const NSEvent& event) override;
+
+  [[nodiscard]] NSPopUpButton& availableCamerasPopupButton() const;
+  [[nodiscard]] NSView& noCamerasView() const;
+  [[nodiscard]] NSView& viewContainingVideo() const;
+  [[nodiscard]] NSView& popupContrastView() const;
+  [[nodiscard]] NSView& closeButtonContrastView() const;
+  [[nodiscard]] const std::shared_ptr<AVCaptureVideoPreviewLayer>& previewLayer() const {
+    return previewLayer_;
+  }
+  [[nodiscard]] const std::shared_ptr<AVCaptureSession>& captureSession() const { return captureSession_; }
+  [[nodiscard]] bool isDetached() const { return isDetached_; }
+
+ private:
+  void observe();
+  void stopObserving();
+  void observeSession();
+  void addTrackingArea();
+  void focusButton();
+  void startCaptureSession(const AVCaptureDevice& device);
+  void addInput(AVCaptureSession& session, const AVCaptureDevice& device);
+  void choosePreset(AVCaptureSession& session);
+  void setCaptureSession(std::shared_ptr<AVCaptureSession> session);
+  void installPreview();
+  void stopCaptureSession();
+  void switchCameraInputWithSender(NSObject* sender);
+
+  void setUpContrastViews();
+  void populateCameraMenu();
+  void showControls();
+  void performDetachedWindowTasks();
+  void setCloseButtonHidden(bool isHidden);
+
+  std::weak_ptr<NSView> noCamerasView_;
+  std::shared_ptr<NSView> viewContainingVideo_;
+  std::shared_ptr<NSPopUpButton> availableCamerasPopupButton_;
+  std::weak_ptr<NSView> popupContrastView_;
+  std::weak_ptr<NSView> closeButtonContrastView_;
+  std::unique_ptr<CameraManagement> cameras_;
+  std::shared_ptr<AVCaptureVideoPreviewLayer> previewLayer_;
+  std::shared_ptr<AVCaptureSession> captureSession_;
+  bool isDetached_ = false;
+  UserDefaults& defaults_;
+  std::shared_ptr<NSWindow> prefsWindow_;
+  ObservationToken detachObserver_;
+  ObservationToken sessionRuntimeErrorObserver_;
+  ObservationToken sessionStartObserver_;
+  ObservationToken sessionStopObserver_;
+};
+
+}  // namespace vistrel

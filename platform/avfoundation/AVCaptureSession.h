@@ -1,0 +1,80 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "avfoundation/AVCaptureDevice.h"
+#include "foundation/Result.h"
+#include "host/Camera.h"
+#include "host/MainLoop.h"
+
+namespace vistrel {
+
+inline constexpr const char* AVCaptureSessionPreset3840x2160 = "AVCaptureSessionPreset3840x2160";
+inline constexpr const char* AVCaptureSessionPreset1920x1080 = "AVCaptureSessionPreset1920x1080";
+inline constexpr const char* AVCaptureSessionPreset1280x720 = "AVCaptureSessionPreset1280x720";
+
+inline constexpr const char* AVCaptureSessionRuntimeErrorNotification =
+    "AVCaptureSessionRuntimeErrorNotification";
+inline constexpr const char* AVCaptureSessionDidStartRunningNotification =
+    "AVCaptureSessionDidStartRunningNotification";
+inline constexpr const char* AVCaptureSessionDidStopRunningNotification =
+    "AVCaptureSessionDidStopRunningNotification";
+/// In a runtime error's user info: an `Error`.
+inline constexpr const char* AVCaptureSessionErrorKey = "AVCaptureSessionErrorKey";
+
+/// A camera that was opened to be part of a session.
+class AVCaptureDeviceInput {
+ public:
+  /// Opens the camera. The error's message tells whether it is gone, busy or denied.
+  [[nodiscard]] static Result<std::unique_ptr<AVCaptureDeviceInput>> create(const AVCaptureDevice& device);
+
+  explicit AVCaptureDeviceInput(std::unique_ptr<host::CameraStream> stream) : stream_(std::move(stream)) {}
+  [[nodiscard]] host::CameraStream& stream() const { return *stream_; }
+
+ private:
+  std::unique_ptr<host::CameraStream> stream_;
+};
+
+/// Runs a camera at a preset and says what becomes of it: started, stopped, or ended by an error, three
+/// seconds without a frame included. Main thread only; notifications are posted on the default centre.
+class AVCaptureSession final : public host::CameraStreamClient,
+                               public std::enable_shared_from_this<AVCaptureSession> {
+ public:
+  AVCaptureSession() = default;
+  AVCaptureSession(const AVCaptureSession&) = delete;
+  AVCaptureSession& operator=(const AVCaptureSession&) = delete;
+  ~AVCaptureSession() override;
+
+  void addInput(std::unique_ptr<AVCaptureDeviceInput> input);
+  [[nodiscard]] bool canSetSessionPreset(const std::string& preset) const;
+  void setSessionPreset(const std::string& preset) { preset_ = preset; }
+  [[nodiscard]] const std::string& sessionPreset() const { return preset_; }
+
+  /// Returns when the session runs or has failed, or after 250 ms; a slow camera goes on starting by itself.
+  void startRunning();
+  void stopRunning();
+  [[nodiscard]] bool isRunning() const { return isRunning_; }
+
+  /// The opened camera; null without an input.
+  [[nodiscard]] host::CameraStream* stream() const { return input_ ? &input_->stream() : nullptr; }
+
+  // host::CameraStreamClient
+  void streamDidStart() override;
+  void streamDidFail(const Error& error) override;
+
+ private:
+  void didStart();
+  void armWatchdog();
+  void lookAtFrames();
+
+  std::unique_ptr<AVCaptureDeviceInput> input_;
+  std::string preset_;
+  std::unique_ptr<host::Timer> watchdog_;
+  std::uint64_t framesSeen_ = 0;
+  int idleLooks_ = 0;
+  bool isRunning_ = false;
+  bool hasStarted_ = false;
+};
+
+}  // namespace vistrel

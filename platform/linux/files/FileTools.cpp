@@ -1,0 +1,106 @@
+#include "linux/files/FileTools.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+
+#include "linux/files/FileDescriptor.h"
+
+namespace vistrel::files {
+
+namespace {
+
+constexpr mode_t kPrivateFolder = 0700;
+constexpr mode_t kDefaultFileMode = 0600;
+
+bool writeAll(int file, const std::string& content) {
+  std::size_t done = 0;
+  while (done < content.size()) {
+    const ssize_t n = ::write(file, content.data() + done, content.size() - done);
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) return false;
+    done += static_cast<std::size_t>(n);
+  }
+  return true;
+}
+
+std::string resolved(const std::string& path) {
+  std::error_code error;
+  const auto target = std::filesystem::weakly_canonical(path, error);
+  return error ? path : target.string();
+}
+
+void syncFolderOf(const std::string& path) {
+  const FileDescriptor folder(
+      ::open(std::filesystem::path(path).parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (folder) ::fsync(folder.get());
+}
+
+Result<void> writeAndRename(FileDescriptor file, const std::string& temporary, const std::string& target,
+                            const std::string& content) {
+  if (!writeAll(file.get(), content) || ::fsync(file.get()) != 0) return systemError(target);
+  if (::rename(temporary.c_str(), target.c_str()) != 0) return systemError(target);
+  syncFolderOf(target);
+  return {};
+}
+
+}  // namespace
+
+Error systemError(const std::string& path) { return {path + ": " + std::strerror(errno)}; }
+
+std::string environment(const char* name) {
+  const char* value = std::getenv(name);
+  return value ? value : "";
+}
+
+std::string configurationFolder() {
+  const std::string configured = environment("XDG_CONFIG_HOME");
+  // A relative path is invalid and to be ignored.
+  if (configured.starts_with("/")) return configured;
+  return environment("HOME") + "/.config";
+}
+
+Result<void> makeFolders(const std::string& path) {
+  for (std::size_t end = path.find('/', 1);; end = path.find('/', end + 1)) {
+    const std::string part = path.substr(0, end);
+    if (::mkdir(part.c_str(), kPrivateFolder) != 0 && errno != EEXIST) return systemError(part);
+    if (end == std::string::npos) return {};
+  }
+}
+
+Result<std::optional<std::string>> readFile(const std::string& path) {
+  const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!file && errno == ENOENT) return std::optional<std::string>();
+  if (!file) return systemError(path);
+  std::string content;
+  char buffer[4096];
+  for (;;) {
+    const ssize_t n = ::read(file.get(), buffer, sizeof buffer);
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) return systemError(path);
+    if (n == 0) return std::optional(content);
+    content.append(buffer, static_cast<std::size_t>(n));
+  }
+}
+
+Result<void> replaceFile(const std::string& path, const std::string& content) {
+  const std::string target = resolved(path);
+  std::string temporary = target + ".XXXXXX";
+  FileDescriptor file(::mkostemp(temporary.data(), O_CLOEXEC));
+  if (!file) return systemError(target);
+  struct stat present {};
+  const bool exists = ::stat(target.c_str(), &present) == 0;
+  const mode_t mode = exists ? present.st_mode & 07777U : kDefaultFileMode;
+  auto written = ::fchmod(file.get(), mode) == 0 ? writeAndRename(std::move(file), temporary, target, content)
+                                                 : Result<void>(systemError(target));
+  if (!written) ::unlink(temporary.c_str());
+  return written;
+}
+
+}  // namespace vistrel::files

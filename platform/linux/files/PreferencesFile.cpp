@@ -1,0 +1,62 @@
+#include "linux/files/PreferencesFile.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <utility>
+
+#include "foundation/Bundle.h"
+#include "linux/files/FileDescriptor.h"
+#include "linux/files/FileTools.h"
+
+namespace vistrel::files {
+
+namespace {
+
+constexpr int kMostSetAside = 1000;
+
+// The folder itself is what is locked, so that no second file is needed.
+Result<FileDescriptor> lockFolder(const std::string& folder) {
+  FileDescriptor handle(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (!handle || ::flock(handle.get(), LOCK_EX) != 0) return systemError(folder);
+  return handle;
+}
+
+bool exists(const std::string& path) {
+  struct stat status {};
+  return ::lstat(path.c_str(), &status) == 0;
+}
+
+}  // namespace
+
+PreferencesFile::PreferencesFile() : PreferencesFile(configurationFolder() + "/" + Bundle::kMainIdentifier) {}
+
+PreferencesFile::PreferencesFile(std::string folder) : folder_(std::move(folder)) {}
+
+Result<std::optional<std::string>> PreferencesFile::readPreferences() { return readFile(path()); }
+
+Result<void> PreferencesFile::editPreferences(const Edit& edit) {
+  if (auto made = makeFolders(folder_); !made) return made;
+  const auto lock = lockFolder(folder_);
+  if (!lock) return lock.error();
+  const auto present = readFile(path());
+  if (!present) return present.error();
+  const auto wanted = edit(present.value());
+  if (!wanted || wanted == present.value()) return {};
+  return replaceFile(path(), *wanted);
+}
+
+Result<std::string> PreferencesFile::setPreferencesAside() {
+  for (int i = 1; i <= kMostSetAside; ++i) {
+    const std::string aside = path() + ".unreadable-" + std::to_string(i);
+    if (exists(aside)) continue;
+    if (::rename(path().c_str(), aside.c_str()) != 0) return systemError(path());
+    return aside;
+  }
+  return Error{folder_ + ": too many unreadable files were set aside"};
+}
+
+}  // namespace vistrel::files
