@@ -1,0 +1,64 @@
+#include "linux/camera/Attachment.h"
+
+#include <cctype>
+#include <fstream>
+#include <system_error>
+
+namespace vistrel::capture {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string firstWord(const fs::path& file) {
+  std::ifstream stream(file);
+  std::string word;
+  stream >> word;
+  return word;
+}
+
+bool isDigit(char c) { return std::isdigit(static_cast<unsigned char>(c)) != 0; }
+
+// The digits at the front of `text`, without leading zeros, taken off it.
+std::string_view takeNumber(std::string_view& text) {
+  std::size_t end = 0;
+  while (end < text.size() && isDigit(text[end])) ++end;
+  auto number = text.substr(0, end);
+  text.remove_prefix(end);
+  while (number.size() > 1 && number.front() == '0') number.remove_prefix(1);
+  return number;
+}
+
+}  // namespace
+
+Attachment attachmentOf(const std::string& devicePath, const fs::path& sysfs) {
+  std::error_code error;
+  const auto link = sysfs / "class/video4linux" / fs::path(devicePath).filename();
+  const fs::path device = fs::canonical(link, error);
+  if (error) return Attachment::External;
+  for (fs::path place = device; place.has_relative_path() && place != sysfs; place = place.parent_path()) {
+    const std::string word = firstWord(place / "removable");
+    if (word == "fixed") return Attachment::BuiltIn;
+    if (word == "removable") return Attachment::External;
+  }
+  const std::string text = device.string();
+  const bool isExternal =
+      text.find("/usb") != std::string::npos || text.find("/virtual/") != std::string::npos;
+  return isExternal ? Attachment::External : Attachment::BuiltIn;
+}
+
+bool isPathBefore(std::string_view a, std::string_view b) {
+  while (!a.empty() && !b.empty()) {
+    if (isDigit(a.front()) && isDigit(b.front())) {
+      const auto x = takeNumber(a);
+      const auto y = takeNumber(b);
+      if (x != y) return x.size() != y.size() ? x.size() < y.size() : x < y;
+      continue;
+    }
+    if (a.front() != b.front()) return a.front() < b.front();
+    a.remove_prefix(1);
+    b.remove_prefix(1);
+  }
+  return a.empty() && !b.empty();
+}
+
+}  // namespace vistrel::capture

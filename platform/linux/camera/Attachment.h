@@ -1,0 +1,20 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace vistrel::capture {
+
+enum class Attachment { BuiltIn, External };
+
+/// Whether the camera behind a node such as "/dev/video0" is part of the machine: by the kernel's word where
+/// it gives one ("removable" of the USB port), else built in unless it hangs on USB or exists in software
+/// only.
+[[nodiscard]] Attachment attachmentOf(const std::string& devicePath,
+                                      const std::filesystem::path& sysfs = "/sys");
+
+/// Orders paths as people do: "/dev/video2" before "/dev/video10".
+[[nodiscard]] bool isPathBefore(std::string_view a, std::string_view b);
+
+}  // namespace vistrel::capture

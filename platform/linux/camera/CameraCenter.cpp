@@ -1,0 +1,89 @@
+#include "linux/camera/CameraCenter.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+
+#include "linux/camera/Attachment.h"
+#include "linux/camera/CaptureStream.h"
+#include "linux/camera/PipeWireProvider.h"
+
+namespace vistrel::capture {
+namespace {
+
+// A daemon's socket appears a moment before anybody listens on it.
+constexpr int kAttempts = 10;
+constexpr std::chrono::milliseconds kBetweenAttempts{50};
+
+std::string environment(const char* name) {
+  const char* value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe): nobody writes the environment
+  return value ? value : "";
+}
+
+// Where the daemon's socket is, by the rules of its client library.
+std::filesystem::path daemonSocket() {
+  std::string name = environment("PIPEWIRE_REMOTE");
+  if (name.empty()) name = "pipewire-0";
+  for (const char* variable : {"PIPEWIRE_RUNTIME_DIR", "XDG_RUNTIME_DIR"})
+    if (const std::string folder = environment(variable); !folder.empty())
+      return std::filesystem::path(folder) / name;
+  return std::filesystem::path("/run/pipewire") / name;
+}
+
+bool isListedBefore(const CameraEntry& a, const CameraEntry& b) {
+  if (a.device.isBuiltIn != b.device.isBuiltIn) return a.device.isBuiltIn;
+  if (a.path != b.path) return isPathBefore(a.path, b.path);
+  return isPathBefore(a.device.id, b.device.id);
+}
+
+}  // namespace
+
+CameraCenter::CameraCenter(Reactor& reactor)
+    : reactor_(reactor), graph_(std::make_shared<PipeWireGraph>(reactor)) {
+  graph_->setLostHandler([this] { connect(kAttempts); });
+  connect(kAttempts);
+}
+
+CameraCenter::~CameraCenter() { graph_->setLostHandler(nullptr); }
+
+std::vector<host::CameraDevice> CameraCenter::devices() {
+  auto entries = provider_ ? provider_->cameras() : std::vector<CameraEntry>{};
+  std::sort(entries.begin(), entries.end(), isListedBefore);
+  std::vector<host::CameraDevice> devices;
+  for (auto& entry : entries) devices.push_back(std::move(entry.device));
+  return devices;
+}
+
+Result<std::unique_ptr<host::CameraStream>> CameraCenter::open(const std::string& id) {
+  if (!provider_) return Error{"The camera is no longer connected."};
+  auto device = provider_->open(id);
+  if (!device) return device.error();
+  return std::unique_ptr<host::CameraStream>(
+      std::make_unique<CaptureStream>(reactor_, std::move(device).value()));
+}
+
+void CameraCenter::connect(int attempts) {
+  retry_.reset();
+  const bool mayRun = std::filesystem::exists(daemonSocket());
+  if (mayRun && graph_->connect()) {
+    daemonWatch_.reset();
+    provider_ = std::make_unique<PipeWireProvider>(graph_);
+    return;
+  }
+  if (!daemonWatch_) watchForDaemon();
+  useV4l2();
+  if (mayRun && attempts > 1)
+    retry_ = reactor_.after(kBetweenAttempts, [this, attempts] { connect(attempts - 1); });
+}
+
+void CameraCenter::useV4l2() { provider_.reset(); }
+
+void CameraCenter::watchForDaemon() {
+  const auto socket = daemonSocket();
+  daemonWatch_ =
+      std::make_unique<FileWatch>(reactor_, socket.parent_path(), [this, socket](const std::string& name) {
+        if (name == socket.filename() && !graph_->isConnected()) connect(kAttempts);
+      });
+}
+
+}  // namespace vistrel::capture

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "foundation/Result.h"
+#include "host/Camera.h"
+#include "linux/camera/CaptureDevice.h"
+
+namespace vistrel::capture {
+
+/// A usable camera as one provider lists it.
+struct CameraEntry {
+  host::CameraDevice device;
+  /// Where it is attached, by which the list is ordered.
+  std::string path;
+};
+
+/// One way to the cameras. Main thread only.
+class CameraProvider {
+ public:
+  virtual ~CameraProvider() = default;
+  /// The usable cameras of this moment, in any order, each once.
+  [[nodiscard]] virtual std::vector<CameraEntry> cameras() = 0;
+  /// The error tells whether the camera is gone, busy or denied.
+  virtual Result<std::unique_ptr<CaptureDevice>> open(const std::string& id) = 0;
+};
+
+}  // namespace vistrel::capture

@@ -1,0 +1,159 @@
+#include "linux/camera/CaptureStream.h"
+
+#include <utility>
+
+namespace vistrel::capture {
+namespace {
+
+// A dark room must not be mistaken for a camera that warms up for longer than this.
+constexpr std::chrono::milliseconds kLongestWarmUp{500};
+// What JPEG is decoded for until a window tells the size of its glass.
+constexpr PixelSize kGlassUntilTold{426, 240};
+
+}  // namespace
+
+CaptureStream::CaptureStream(Reactor& reactor, std::unique_ptr<CaptureDevice> device)
+    : reactor_(reactor),
+      device_(std::move(device)),
+      self_(std::make_shared<CaptureStream*>(this)),
+      glass_(kGlassUntilTold) {}
+
+CaptureStream::~CaptureStream() {
+  *self_ = nullptr;
+  stop();
+}
+
+bool CaptureStream::supports(PixelSize size) const { return supportsSize(device_->modes(), size); }
+
+host::StreamStart CaptureStream::start(std::optional<PixelSize> size, host::CameraStreamClient& client,
+                                       std::chrono::milliseconds patience) {
+  stop();
+  client_ = &client;
+  mode_ = size ? chooseMode(device_->modes(), *size) : chooseMode(device_->modes());
+  if (!mode_) {
+    failLater({"The camera offers no picture format that can be shown."});
+    return host::StreamStart::Failed;
+  }
+  showing_ = Showing::WaitingForGoodFrame;
+  if (mode_->format == PixelFormat::Mjpeg)
+    decoder_ = std::make_unique<DecodeThread>(reactor_, [this](auto outcome) { frameDecoded(outcome); });
+  return device_->start(*mode_, *this, patience);
+}
+
+void CaptureStream::stop() {
+  device_->stop();
+  client_ = nullptr;
+  reset();
+}
+
+std::uint64_t CaptureStream::frameCount() const { return device_->frameCount(); }
+
+void CaptureStream::clearPicture() {
+  if (showing_ == Showing::Picture) showing_ = Showing::WaitingForGoodFrame;
+  hasUnpaintedPicture_ = false;
+  tellGlass();
+}
+
+PixelSize CaptureStream::pictureSize() const {
+  return showing_ == Showing::Picture && mode_ ? mode_->size : PixelSize{};
+}
+
+void CaptureStream::setGlassSize(PixelSize size) {
+  glass_ = size.width > 0 && size.height > 0 ? size : kGlassUntilTold;
+}
+
+void CaptureStream::setPictureHandler(std::function<void()> handler) {
+  handler_ = std::move(handler);
+  isGlassTold_ = false;
+  if (showing_ == Showing::Picture) tellGlass();
+}
+
+bool CaptureStream::paint(const GlassTarget& target) {
+  isGlassTold_ = false;
+  const auto picture = newestPicture();
+  if (picture && target.size.width > 0 && target.size.height > 0) converter_.convert(*picture, target);
+  hasUnpaintedPicture_ = false;
+  decodeNewest();
+  return picture.has_value();
+}
+
+void CaptureStream::captureStarted() { client_->streamDidStart(); }
+
+void CaptureStream::frameArrived() {
+  if (decoder_) {
+    hasUndecodedFrame_ = true;
+    return decodeNewest();
+  }
+  const auto frame = device_->frame();
+  if (const auto* picture = frame ? std::get_if<Picture>(&*frame) : nullptr; picture && isFitToShow(*picture))
+    offerPicture();
+}
+
+void CaptureStream::captureFailed(const Error& error) {
+  auto* client = std::exchange(client_, nullptr);
+  const Error copy = error;
+  reset();
+  tellGlass();
+  if (client) client->streamDidFail(copy);
+}
+
+void CaptureStream::decodeNewest() {
+  if (!decoder_ || !decoder_->isIdle() || !hasUndecodedFrame_ || hasUnpaintedPicture_) return;
+  hasUndecodedFrame_ = false;
+  const auto frame = device_->frame();
+  if (const auto* jpeg = frame ? std::get_if<std::span<const std::uint8_t>>(&*frame) : nullptr)
+    decoder_->decode(*jpeg, glass_);
+}
+
+void CaptureStream::frameDecoded(DecodeThread::Outcome outcome) {
+  if (outcome == DecodeThread::Outcome::Decoded && isFitToShow(decoder_->picture())) {
+    hasUnpaintedPicture_ = true;
+    return offerPicture();
+  }
+  decodeNewest();
+}
+
+bool CaptureStream::isFitToShow(const Picture& picture) {
+  if (showing_ == Showing::Picture) return true;
+  const auto now = std::chrono::steady_clock::now();
+  if (!firstFrame_) firstFrame_ = now;
+  return now - *firstFrame_ >= kLongestWarmUp || !isBlank(picture);
+}
+
+void CaptureStream::offerPicture() {
+  showing_ = Showing::Picture;
+  tellGlass();
+}
+
+void CaptureStream::tellGlass() {
+  if (!handler_ || isGlassTold_) return;
+  isGlassTold_ = true;
+  handler_();
+}
+
+std::optional<Picture> CaptureStream::newestPicture() const {
+  if (showing_ != Showing::Picture) return std::nullopt;
+  if (decoder_) return decoder_->picture();
+  const auto frame = device_->frame();
+  const auto* picture = frame ? std::get_if<Picture>(&*frame) : nullptr;
+  return picture ? std::optional(*picture) : std::nullopt;
+}
+
+// The client must not hear of a failure from inside its own call.
+void CaptureStream::failLater(Error error) {
+  reactor_.post([self = std::weak_ptr(self_), error = std::move(error)] {
+    const auto stream = self.lock();
+    if (stream && *stream && (*stream)->client_) (*stream)->captureFailed(error);
+  });
+}
+
+void CaptureStream::reset() {
+  decoder_.reset();
+  mode_.reset();
+  showing_ = Showing::Nothing;
+  firstFrame_.reset();
+  hasUndecodedFrame_ = false;
+  hasUnpaintedPicture_ = false;
+}
+
+}  // namespace vistrel::capture

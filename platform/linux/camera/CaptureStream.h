@@ -1,0 +1,70 @@
+#pragma once
+
+#include <chrono>
+#include <memory>
+
+#include "host/Camera.h"
+#include "linux/camera/CaptureDevice.h"
+#include "linux/camera/DecodeThread.h"
+#include "linux/camera/GlassSource.h"
+#include "linux/camera/PictureConverter.h"
+#include "linux/camera/Reactor.h"
+
+namespace vistrel::capture {
+
+/// What `CameraCenter` opens: the stream for the session and, as a `GlassSource`, the picture for the window.
+/// Keeps the newest frame only and does nothing to it before a paint asks, but for JPEG, which is decoded
+/// ahead on a thread as soon as the picture before it has been painted.
+class CaptureStream final : public host::CameraStream, public GlassSource, private CaptureClient {
+ public:
+  CaptureStream(Reactor& reactor, std::unique_ptr<CaptureDevice> device);
+  ~CaptureStream() override;
+
+  [[nodiscard]] bool supports(PixelSize size) const override;
+  host::StreamStart start(std::optional<PixelSize> size, host::CameraStreamClient& client,
+                          std::chrono::milliseconds patience) override;
+  void stop() override;
+  [[nodiscard]] std::uint64_t frameCount() const override;
+  void clearPicture() override;
+
+  [[nodiscard]] PixelSize pictureSize() const override;
+  void setGlassSize(PixelSize size) override;
+  void setPictureHandler(std::function<void()> handler) override;
+  bool paint(const GlassTarget& target) override;
+
+ private:
+  enum class Showing { Nothing, WaitingForGoodFrame, Picture };
+
+  void captureStarted() override;
+  void frameArrived() override;
+  void captureFailed(const Error& error) override;
+
+  void decodeNewest();
+  void frameDecoded(DecodeThread::Outcome outcome);
+  /// Passes the first good frame and everything after it; false while the frames are black or green.
+  bool isFitToShow(const Picture& picture);
+  void offerPicture();
+  void tellGlass();
+  [[nodiscard]] std::optional<Picture> newestPicture() const;
+  void failLater(Error error);
+  void reset();
+
+  Reactor& reactor_;
+  std::unique_ptr<CaptureDevice> device_;
+  host::CameraStreamClient* client_ = nullptr;
+  std::optional<ModeChoice> mode_;
+  std::shared_ptr<CaptureStream*> self_;
+
+  Showing showing_ = Showing::Nothing;
+  std::optional<std::chrono::steady_clock::time_point> firstFrame_;
+  std::function<void()> handler_;
+  bool isGlassTold_ = false;
+  PixelSize glass_;
+  PictureConverter converter_;
+
+  std::unique_ptr<DecodeThread> decoder_;
+  bool hasUndecodedFrame_ = false;
+  bool hasUnpaintedPicture_ = false;
+};
+
+}  // namespace vistrel::capture

@@ -1,0 +1,37 @@
+#include "linux/camera/FileWatch.h"
+
+#include <sys/inotify.h>
+
+#include <utility>
+#include <vector>
+
+namespace vistrel::capture {
+namespace {
+
+constexpr std::uint32_t kChanges = IN_CREATE | IN_DELETE | IN_MOVED_TO | IN_MOVED_FROM | IN_ATTRIB;
+
+}  // namespace
+
+FileWatch::FileWatch(Reactor& reactor, const std::string& folder,
+                     std::function<void(const std::string&)> handler)
+    : handler_(std::move(handler)), inotify_(::inotify_init1(IN_CLOEXEC | IN_NONBLOCK)) {
+  if (!inotify_ || ::inotify_add_watch(inotify_.get(), folder.c_str(), kChanges) < 0) return;
+  registration_ = reactor.watch(inotify_.get(), [this] { read(); });
+}
+
+// The handler may destroy this watch: everything is read before it is told.
+void FileWatch::read() {
+  std::vector<std::string> names;
+  alignas(inotify_event) char buffer[4096];
+  for (ssize_t size = 0; (size = ::read(inotify_.get(), buffer, sizeof buffer)) > 0;) {
+    for (ssize_t at = 0; at < size;) {
+      const auto* event = reinterpret_cast<const inotify_event*>(buffer + at);
+      if (event->len > 0) names.emplace_back(event->name);
+      at += static_cast<ssize_t>(sizeof *event + event->len);
+    }
+  }
+  const auto handler = handler_;
+  for (const auto& name : names) handler(name);
+}
+
+}  // namespace vistrel::capture

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "linux/camera/FileDescriptor.h"
+#include "linux/camera/Reactor.h"
+
+namespace vistrel::capture {
+
+/// Watches a folder for files that appear, disappear or change their permissions.
+class FileWatch {
+ public:
+  /// `handler` is called from the main loop with the name of the file. A folder that cannot be watched is
+  /// silent.
+  FileWatch(Reactor& reactor, const std::string& folder,
+            std::function<void(const std::string& name)> handler);
+
+ private:
+  void read();
+
+  std::function<void(const std::string&)> handler_;
+  FileDescriptor inotify_;
+  std::unique_ptr<Registration> registration_;
+};
+
+}  // namespace vistrel::capture

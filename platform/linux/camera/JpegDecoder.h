@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+
+#include "foundation/Geometry.h"
+#include "linux/camera/Picture.h"
+#include "linux/camera/Scratch.h"
+
+namespace vistrel::capture {
+
+/// A picture that owns its memory, which is kept for the next one.
+struct OwnedPicture {
+  Scratch memory;
+  Picture picture;
+};
+
+/// Decodes baseline JPEG (ITU-T T.81), as cameras send it, to planar YUV. Belongs to one thread at a time.
+class JpegDecoder {
+ public:
+  JpegDecoder();
+  ~JpegDecoder();
+  JpegDecoder(const JpegDecoder&) = delete;
+  JpegDecoder& operator=(const JpegDecoder&) = delete;
+
+  /// Decodes at 1, 1/2, 1/4 or 1/8 of the size: the smallest that is not below `glass`. False for anything
+  /// that is damaged, cut short or no picture of a camera; `out` is undefined then.
+  bool decode(std::span<const std::uint8_t> jpeg, PixelSize glass, OwnedPicture& out);
+
+  struct State;
+
+ private:
+  std::unique_ptr<State> state_;
+};
+
+}  // namespace vistrel::capture

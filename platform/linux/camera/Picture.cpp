@@ -1,0 +1,164 @@
+#include "linux/camera/Picture.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace vistrel::capture {
+namespace {
+
+constexpr int kLargestSide = 16384;
+// Video black is 16; sensors add a little noise to it.
+constexpr int kDarkest = 28;
+// Memory that was never written reads as green: both chroma samples near zero.
+constexpr int kNoChroma = 24;
+constexpr int kProbes = 12;
+
+struct PlaneShape {
+  int rowBytes = 0;
+  int rows = 0;
+};
+
+struct Shape {
+  int planeCount = 0;
+  std::array<PlaneShape, 3> planes;
+};
+
+Shape shapeOf(PixelFormat format, PixelSize size) {
+  const int halfWidth = (size.width + 1) / 2;
+  const int halfHeight = (size.height + 1) / 2;
+  switch (format) {
+    case PixelFormat::I420:
+    case PixelFormat::Yv12:
+      return {3, {{{size.width, size.height}, {halfWidth, halfHeight}, {halfWidth, halfHeight}}}};
+    case PixelFormat::Nv12:
+      return {2, {{{size.width, size.height}, {halfWidth * 2, halfHeight}, {}}}};
+    case PixelFormat::Yuy2:
+    case PixelFormat::Uyvy:
+      return {1, {{{halfWidth * 4, size.height}, {}, {}}}};
+    case PixelFormat::Bgr24:
+    case PixelFormat::Rgb24:
+      return {1, {{{size.width * 3, size.height}, {}, {}}}};
+    case PixelFormat::Mjpeg:
+      return {};
+    default:
+      return {1, {{{size.width * 4, size.height}, {}, {}}}};
+  }
+}
+
+std::size_t bytesNeeded(PlaneShape plane, int stride) {
+  return static_cast<std::size_t>(stride) * (plane.rows - 1) + plane.rowBytes;
+}
+
+bool addPlane(Plane& plane, std::span<const std::uint8_t> bytes, int stride, PlaneShape shape) {
+  if (stride < shape.rowBytes || bytes.size() < bytesNeeded(shape, stride)) return false;
+  plane = {bytes.data(), stride};
+  return true;
+}
+
+// Chroma rows of one block follow the luma rows, their distance in proportion.
+bool splitBlock(Picture& picture, const PlaneMemory& block, const Shape& shape) {
+  const int lumaStride = block.stride ? block.stride : shape.planes[0].rowBytes;
+  auto rest = block.bytes;
+  for (int i = 0; i < shape.planeCount; ++i) {
+    const PlaneShape plane = shape.planes[i];
+    const int stride = i == 0                  ? lumaStride
+                       : shape.planeCount == 2 ? lumaStride + lumaStride % 2
+                                               : (lumaStride + 1) / 2;
+    if (!addPlane(picture.planes[i], rest, stride, plane)) return false;
+    rest = rest.subspan(std::min(rest.size(), static_cast<std::size_t>(stride) * plane.rows));
+  }
+  return true;
+}
+
+bool takeBlocks(Picture& picture, std::span<const PlaneMemory> memory, const Shape& shape) {
+  for (int i = 0; i < shape.planeCount; ++i) {
+    const int stride = memory[i].stride ? memory[i].stride : shape.planes[i].rowBytes;
+    if (!addPlane(picture.planes[i], memory[i].bytes, stride, shape.planes[i])) return false;
+  }
+  return true;
+}
+
+struct Sample {
+  int a = 0;  // luma or red
+  int b = 0;  // chroma or green
+  int c = 0;  // chroma or blue
+};
+
+Sample rgbSample(const Picture& p, int x, int y) {
+  const auto* row = p.planes[0].data + static_cast<std::ptrdiff_t>(y) * p.planes[0].stride;
+  switch (p.format) {
+    case PixelFormat::Bgr24:
+      return {row[3 * x + 2], row[3 * x + 1], row[3 * x]};
+    case PixelFormat::Rgb24:
+      return {row[3 * x], row[3 * x + 1], row[3 * x + 2]};
+    case PixelFormat::Bgrx:
+      return {row[4 * x + 2], row[4 * x + 1], row[4 * x]};
+    case PixelFormat::Rgbx:
+      return {row[4 * x], row[4 * x + 1], row[4 * x + 2]};
+    case PixelFormat::Xrgb:
+      return {row[4 * x + 1], row[4 * x + 2], row[4 * x + 3]};
+    default:
+      return {row[4 * x + 3], row[4 * x + 2], row[4 * x + 1]};
+  }
+}
+
+Sample planarSample(const Picture& p, int x, int y) {
+  const int luma = p.planes[0].data[static_cast<std::ptrdiff_t>(y) * p.planes[0].stride + x];
+  if (!p.planes[1].data) return {luma, 128, 128};
+  const int cx = static_cast<int>(static_cast<std::int64_t>(x) * p.chromaSize.width / p.size.width);
+  const auto cy =
+      static_cast<std::ptrdiff_t>(static_cast<std::int64_t>(y) * p.chromaSize.height / p.size.height);
+  if (p.format == PixelFormat::Nv12) {
+    const auto* uv = p.planes[1].data + cy * p.planes[1].stride + 2 * cx;
+    return {luma, uv[0], uv[1]};
+  }
+  return {luma, p.planes[1].data[cy * p.planes[1].stride + cx],
+          p.planes[2].data[cy * p.planes[2].stride + cx]};
+}
+
+bool isBlankSample(const Picture& p, int x, int y) {
+  if (p.format >= PixelFormat::Bgrx) {
+    const Sample rgb = rgbSample(p, x, y);
+    return rgb.a < kDarkest && rgb.c < kDarkest && (rgb.b < kDarkest || rgb.b > 100);
+  }
+  Sample yuv;
+  if (p.format == PixelFormat::Yuy2 || p.format == PixelFormat::Uyvy) {
+    const auto* quad = p.planes[0].data + static_cast<std::ptrdiff_t>(y) * p.planes[0].stride + x / 2 * 4;
+    yuv =
+        p.format == PixelFormat::Yuy2 ? Sample{quad[0], quad[1], quad[3]} : Sample{quad[1], quad[0], quad[2]};
+  } else {
+    yuv = planarSample(p, x, y);
+  }
+  return yuv.a < kDarkest || (yuv.b < kNoChroma && yuv.c < kNoChroma);
+}
+
+}  // namespace
+
+std::optional<Picture> pictureIn(std::span<const PlaneMemory> memory, PixelFormat format, PixelSize size,
+                                 YuvColour colour) {
+  const Shape shape = shapeOf(format, size);
+  const bool isSane =
+      size.width > 0 && size.height > 0 && size.width <= kLargestSide && size.height <= kLargestSide;
+  if (!isSane || shape.planeCount == 0 || memory.empty()) return std::nullopt;
+  Picture picture{format, size, {(size.width + 1) / 2, (size.height + 1) / 2}, {}, colour};
+  const bool hasBlocks = shape.planeCount > 1 && memory.size() >= static_cast<std::size_t>(shape.planeCount);
+  if (!(hasBlocks ? takeBlocks(picture, memory, shape) : splitBlock(picture, memory[0], shape)))
+    return std::nullopt;
+  if (format == PixelFormat::Yv12) {
+    std::swap(picture.planes[1], picture.planes[2]);
+    picture.format = PixelFormat::I420;
+  }
+  return picture;
+}
+
+bool isBlank(const Picture& picture) {
+  for (int j = 0; j < kProbes; ++j)
+    for (int i = 0; i < kProbes; ++i) {
+      const int x = (2 * i + 1) * picture.size.width / (2 * kProbes);
+      const int y = (2 * j + 1) * picture.size.height / (2 * kProbes);
+      if (!isBlankSample(picture, x, y)) return false;
+    }
+  return true;
+}
+
+}  // namespace vistrel::capture

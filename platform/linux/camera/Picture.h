@@ -1,0 +1,46 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+
+#include "foundation/Geometry.h"
+#include "linux/camera/Colour.h"
+#include "linux/camera/PixelFormat.h"
+
+namespace vistrel::capture {
+
+/// Rows of samples in memory that somebody else owns.
+struct Plane {
+  const std::uint8_t* data = nullptr;
+  int stride = 0;  ///< bytes from one row to the next
+};
+
+/// An uncompressed picture in place. `I420` stands for every planar picture, whatever its chroma resolution;
+/// a grey picture has no chroma planes.
+struct Picture {
+  PixelFormat format = PixelFormat::I420;
+  PixelSize size;
+  PixelSize chromaSize;
+  std::array<Plane, 3> planes;
+  YuvColour colour = YuvColour::Bt601Limited;
+};
+
+/// A block of memory with the distance of its rows; stride 0 means rows without gaps.
+struct PlaneMemory {
+  std::span<const std::uint8_t> bytes;
+  int stride = 0;
+};
+
+/// Describes the raw picture that lies in `memory`: one block for each plane, or all planes in one block.
+/// None when the memory is too short for it or the format is a compressed one.
+[[nodiscard]] std::optional<Picture> pictureIn(std::span<const PlaneMemory> memory, PixelFormat format,
+                                               PixelSize size, YuvColour colour);
+
+/// True for a picture that is black or green throughout, as cameras send before their first real one. Looks
+/// at a few samples only.
+[[nodiscard]] bool isBlank(const Picture& picture);
+
+}  // namespace vistrel::capture

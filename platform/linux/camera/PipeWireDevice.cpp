@@ -1,0 +1,221 @@
+#include "linux/camera/PipeWireDevice.h"
+
+#include <spa/buffer/meta.h>
+#include <spa/utils/result.h>
+
+#include <array>
+#include <string_view>
+#include <utility>
+
+namespace vistrel::capture {
+namespace {
+
+constexpr int kMostPlanes = 3;
+
+bool isDamaged(const spa_buffer& buffer) {
+  const auto* header = static_cast<const spa_meta_header*>(
+      spa_buffer_find_meta_data(&buffer, SPA_META_Header, sizeof(spa_meta_header)));
+  return (header && (header->flags & SPA_META_HEADER_FLAG_CORRUPTED)) ||
+         (buffer.datas[0].chunk->flags & SPA_CHUNK_FLAG_CORRUPTED);
+}
+
+// The producer's figures are another process's word: they are cut to the memory that is really mapped.
+PlaneMemory memoryOf(const spa_data& data) {
+  if (!data.data || data.maxsize == 0) return {};
+  const std::uint32_t offset = std::min(data.chunk->offset, data.maxsize);
+  const std::uint32_t size = std::min(data.chunk->size, data.maxsize - offset);
+  return {{static_cast<const std::uint8_t*>(data.data) + offset, size}, data.chunk->stride};
+}
+
+pw_properties* streamProperties(const std::string& target) {
+  return pw_properties_new(PW_KEY_MEDIA_TYPE, "Video", PW_KEY_MEDIA_CATEGORY, "Capture", PW_KEY_MEDIA_ROLE,
+                           "Camera", PW_KEY_TARGET_OBJECT, target.c_str(), nullptr);
+}
+
+std::string targetOf(const PipeWireNode& node) {
+  const auto* serial = node.property(PW_KEY_OBJECT_SERIAL);
+  return serial ? *serial : std::to_string(node.globalId());
+}
+
+bool contains(std::string_view text, std::string_view part) {
+  return text.find(part) != std::string_view::npos;
+}
+
+}  // namespace
+
+std::string describeProblem(const std::string& text) {
+  if (contains(text, "busy")) return "The camera is in use by another program.";
+  if (contains(text, "ermission")) return "Access to the camera is denied.";
+  const bool isGone = text.empty() || contains(text, "target") || contains(text, "connection");
+  return isGone ? "The camera was disconnected." : "The camera reported an error: " + text;
+}
+
+PipeWireDevice::PipeWireDevice(std::shared_ptr<PipeWireGraph> graph, const PipeWireNode& node)
+    : graph_(std::move(graph)), nodeId_(node.globalId()), target_(targetOf(node)), modes_(node.modes()) {
+  graph_->loop().add(*this);
+}
+
+PipeWireDevice::~PipeWireDevice() {
+  closeStream();
+  graph_->loop().remove(*this);
+}
+
+host::StreamStart PipeWireDevice::start(const ModeChoice& mode, CaptureClient& client,
+                                        std::chrono::milliseconds patience) {
+  stop();
+  client_ = &client;
+  frameCount_ = 0;
+  if (!openStream(mode)) return host::StreamStart::Failed;
+  const auto isOver = [this] { return failure_ || state_ == PW_STREAM_STATE_STREAMING; };
+  graph_->loop().waitUntil(isOver, patience);
+  if (failure_) return host::StreamStart::Failed;
+  const bool isRunning = state_ == PW_STREAM_STATE_STREAMING;
+  isStartUntold_ = !isRunning;
+  return isRunning ? host::StreamStart::Running : host::StreamStart::Pending;
+}
+
+void PipeWireDevice::stop() {
+  closeStream();
+  client_ = nullptr;
+  failure_.reset();
+  isFrameUntold_ = isStartUntold_ = false;
+}
+
+bool PipeWireDevice::openStream(const ModeChoice& mode) {
+  static const pw_stream_events events = [] {
+    pw_stream_events e{};
+    e.version = PW_VERSION_STREAM_EVENTS;
+    e.state_changed = onState;
+    e.param_changed = onParam;
+    e.remove_buffer = onRemoveBuffer;
+    e.process = onProcess;
+    return e;
+  }();
+  const PipeWireNode* node = graph_->find(nodeId_);
+  if (!graph_->isConnected() || !node) return fail("The camera is no longer connected."), false;
+  errorsBefore_ = node->errorCount();
+  stream_.reset(pw_stream_new(graph_->core(), "Vistrel", streamProperties(target_)));
+  if (!stream_) return fail("PipeWire made no stream for the camera."), false;
+  pw_stream_add_listener(stream_.get(), &listener_, &events, this);
+  state_ = PW_STREAM_STATE_CONNECTING;
+  std::array<std::uint8_t, 512> memory{};
+  spa_pod_builder builder;
+  spa_pod_builder_init(&builder, memory.data(), memory.size());
+  std::array offers{offerOf(builder, mode)};
+  const auto flags = static_cast<pw_stream_flags>(PW_STREAM_FLAG_AUTOCONNECT | PW_STREAM_FLAG_MAP_BUFFERS |
+                                                  PW_STREAM_FLAG_DONT_RECONNECT);
+  const int result =
+      pw_stream_connect(stream_.get(), PW_DIRECTION_INPUT, PW_ID_ANY, flags, offers.data(), offers.size());
+  if (result >= 0) return true;
+  fail(std::string("The camera could not be started: ") + spa_strerror(result));
+  return false;
+}
+
+// A buffer still held when its stream goes would starve the camera at its next openings.
+void PipeWireDevice::closeStream() {
+  if (!stream_) return;
+  if (held_) pw_stream_queue_buffer(stream_.get(), held_);
+  held_ = nullptr;
+  frame_.reset();
+  agreed_.reset();
+  spa_hook_remove(&listener_);
+  stream_.reset();
+  state_ = PW_STREAM_STATE_UNCONNECTED;
+  stateError_.clear();
+}
+
+void PipeWireDevice::fail(std::string message) {
+  closeStream();
+  failure_ = Error{std::move(message)};
+  graph_->loop().deliverLater();
+}
+
+void PipeWireDevice::onState(void* data, pw_stream_state, pw_stream_state state, const char* error) {
+  auto& device = *static_cast<PipeWireDevice*>(data);
+  device.state_ = state;
+  if (error) device.stateError_ = error;
+}
+
+// The answer to a format is due inside this call.
+void PipeWireDevice::onParam(void* data, std::uint32_t id, const spa_pod* param) {
+  auto& device = *static_cast<PipeWireDevice*>(data);
+  if (id != SPA_PARAM_Format) return;
+  device.agreed_ = agreedFormat(param);
+  if (!param) return;
+  std::array<std::uint8_t, 512> memory{};
+  spa_pod_builder builder;
+  spa_pod_builder_init(&builder, memory.data(), memory.size());
+  std::array offers{bufferOffer(builder), headerOffer(builder)};
+  pw_stream_update_params(device.stream_.get(), offers.data(), offers.size());
+}
+
+void PipeWireDevice::onRemoveBuffer(void* data, pw_buffer* buffer) {
+  auto& device = *static_cast<PipeWireDevice*>(data);
+  if (device.held_ != buffer) return;
+  device.held_ = nullptr;
+  device.frame_.reset();
+}
+
+void PipeWireDevice::onProcess(void* data) {
+  auto& device = *static_cast<PipeWireDevice*>(data);
+  auto* stream = device.stream_.get();
+  pw_buffer* newest = nullptr;
+  while (auto* buffer = pw_stream_dequeue_buffer(stream)) {
+    if (newest) pw_stream_queue_buffer(stream, newest);
+    newest = buffer;
+  }
+  if (newest) device.hold(newest);
+}
+
+void PipeWireDevice::hold(pw_buffer* buffer) {
+  auto frame = frameIn(*buffer->buffer);
+  if (!frame) {
+    pw_stream_queue_buffer(stream_.get(), buffer);
+    return;
+  }
+  if (held_) pw_stream_queue_buffer(stream_.get(), held_);
+  held_ = buffer;
+  frame_ = std::move(frame);
+  isFrameUntold_ = true;
+  ++frameCount_;
+}
+
+std::optional<Frame> PipeWireDevice::frameIn(const spa_buffer& buffer) const {
+  if (!agreed_ || buffer.n_datas == 0 || isDamaged(buffer)) return std::nullopt;
+  std::array<PlaneMemory, kMostPlanes> planes;
+  const std::size_t count = std::min<std::size_t>(buffer.n_datas, kMostPlanes);
+  for (std::size_t i = 0; i < count; ++i) planes[i] = memoryOf(buffer.datas[i]);
+  if (planes[0].bytes.empty()) return std::nullopt;
+  if (agreed_->format == PixelFormat::Mjpeg) return planes[0].bytes;
+  const auto picture = pictureIn({planes.data(), count}, agreed_->format, agreed_->size, agreed_->colour);
+  return picture ? std::optional<Frame>(*picture) : std::nullopt;
+}
+
+void PipeWireDevice::afterIteration() {
+  if (!stream_) return;
+  const PipeWireNode* node = graph_->find(nodeId_);
+  const bool hasEnded = state_ == PW_STREAM_STATE_ERROR || state_ == PW_STREAM_STATE_UNCONNECTED;
+  if (node && node->errorCount() != errorsBefore_) return fail(describeProblem(node->lastError()));
+  if (hasEnded || !node) fail(describeProblem(stateError_));
+}
+
+void PipeWireDevice::connectionLost() {
+  if (stream_) fail("The connection to PipeWire was lost.");
+}
+
+// The client may destroy this device in any of the calls, so each is the last thing that touches it.
+void PipeWireDevice::deliver() {
+  if (!client_) return;
+  if (failure_) {
+    const Error failure = *std::exchange(failure_, std::nullopt);
+    return std::exchange(client_, nullptr)->captureFailed(failure);
+  }
+  if (isStartUntold_ && state_ == PW_STREAM_STATE_STREAMING) {
+    isStartUntold_ = false;
+    if (isFrameUntold_) graph_->loop().deliverLater();
+    return client_->captureStarted();
+  }
+  if (std::exchange(isFrameUntold_, false)) client_->frameArrived();
+}
+
+}  // namespace vistrel::capture

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <pipewire/pipewire.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "linux/camera/CaptureDevice.h"
+#include "linux/camera/PipeWireFormats.h"
+#include "linux/camera/PipeWireGraph.h"
+
+namespace vistrel::capture {
+
+struct StreamDeleter {
+  void operator()(pw_stream* stream) const { pw_stream_destroy(stream); }
+};
+
+/// A problem in PipeWire's words, in ours: whether the camera is busy, denied, gone or broken.
+[[nodiscard]] std::string describeProblem(const std::string& text);
+
+/// A camera through a PipeWire stream. Of the buffers only the one with the newest frame is held.
+class PipeWireDevice final : public CaptureDevice, private PipeWireClient {
+ public:
+  PipeWireDevice(std::shared_ptr<PipeWireGraph> graph, const PipeWireNode& node);
+  ~PipeWireDevice() override;
+
+  [[nodiscard]] const std::vector<VideoMode>& modes() const override { return modes_; }
+  host::StreamStart start(const ModeChoice& mode, CaptureClient& client,
+                          std::chrono::milliseconds patience) override;
+  void stop() override;
+  [[nodiscard]] std::optional<Frame> frame() const override { return frame_; }
+  [[nodiscard]] std::uint64_t frameCount() const override { return frameCount_; }
+
+ private:
+  static void onState(void* data, pw_stream_state old, pw_stream_state state, const char* error);
+  static void onParam(void* data, std::uint32_t id, const spa_pod* param);
+  static void onRemoveBuffer(void* data, pw_buffer* buffer);
+  static void onProcess(void* data);
+
+  void afterIteration() override;
+  void deliver() override;
+  void connectionLost() override;
+
+  bool openStream(const ModeChoice& mode);
+  void closeStream();
+  void fail(std::string message);
+  void hold(pw_buffer* buffer);
+  [[nodiscard]] std::optional<Frame> frameIn(const spa_buffer& buffer) const;
+
+  std::shared_ptr<PipeWireGraph> graph_;
+  std::uint32_t nodeId_;
+  std::string target_;
+  std::vector<VideoMode> modes_;
+  CaptureClient* client_ = nullptr;
+  std::unique_ptr<pw_stream, StreamDeleter> stream_;
+  spa_hook listener_{};
+  int errorsBefore_ = 0;
+
+  // Recorded by callbacks.
+  pw_stream_state state_ = PW_STREAM_STATE_UNCONNECTED;
+  std::string stateError_;
+  std::optional<AgreedFormat> agreed_;
+  pw_buffer* held_ = nullptr;
+  std::optional<Frame> frame_;
+  std::uint64_t frameCount_ = 0;
+
+  bool isFrameUntold_ = false;
+  bool isStartUntold_ = false;
+  std::optional<Error> failure_;
+};
+
+}  // namespace vistrel::capture

@@ -1,0 +1,217 @@
+#include "linux/camera/PipeWireFormats.h"
+
+#include <spa/buffer/buffer.h>
+#include <spa/buffer/meta.h>
+#include <spa/param/buffers.h>
+#include <spa/param/format.h>
+#include <spa/param/param.h>
+#include <spa/param/video/format-utils.h>
+#include <spa/pod/iter.h>
+
+#include <optional>
+
+namespace vistrel::capture {
+namespace {
+
+// One frame is on the glass, one arrives and the camera fills others.
+constexpr int kBuffers = 4;
+constexpr int kFewestBuffers = 2;
+constexpr int kMostBuffers = 16;
+
+std::optional<PixelFormat> formatOf(std::uint32_t native) {
+  switch (native) {
+    case SPA_VIDEO_FORMAT_I420:
+      return PixelFormat::I420;
+    case SPA_VIDEO_FORMAT_YV12:
+      return PixelFormat::Yv12;
+    case SPA_VIDEO_FORMAT_NV12:
+      return PixelFormat::Nv12;
+    case SPA_VIDEO_FORMAT_YUY2:
+      return PixelFormat::Yuy2;
+    case SPA_VIDEO_FORMAT_UYVY:
+      return PixelFormat::Uyvy;
+    case SPA_VIDEO_FORMAT_BGRx:
+    case SPA_VIDEO_FORMAT_BGRA:
+      return PixelFormat::Bgrx;
+    case SPA_VIDEO_FORMAT_RGBx:
+    case SPA_VIDEO_FORMAT_RGBA:
+      return PixelFormat::Rgbx;
+    case SPA_VIDEO_FORMAT_xRGB:
+    case SPA_VIDEO_FORMAT_ARGB:
+      return PixelFormat::Xrgb;
+    case SPA_VIDEO_FORMAT_xBGR:
+    case SPA_VIDEO_FORMAT_ABGR:
+      return PixelFormat::Xbgr;
+    case SPA_VIDEO_FORMAT_BGR:
+      return PixelFormat::Bgr24;
+    case SPA_VIDEO_FORMAT_RGB:
+      return PixelFormat::Rgb24;
+    default:
+      return std::nullopt;
+  }
+}
+
+// The values of a property: of a list without the default in front of it, of a range with both ends after it.
+struct Values {
+  const std::uint8_t* first = nullptr;
+  std::uint32_t count = 0;
+  std::uint32_t size = 0;
+  std::uint32_t choice = SPA_CHOICE_None;
+  template <class T>
+  [[nodiscard]] T at(std::uint32_t index) const {
+    T value;
+    memcpy(&value, first + static_cast<std::size_t>(index) * size, sizeof value);
+    return value;
+  }
+};
+
+Values valuesOf(const spa_pod* object, std::uint32_t key, std::uint32_t type, std::uint32_t size) {
+  const auto* property = spa_pod_find_prop(object, nullptr, key);
+  if (!property) return {};
+  Values values;
+  const spa_pod* child = spa_pod_get_values(&property->value, &values.count, &values.choice);
+  if (child->type != type || child->size < size || values.count == 0) return {};
+  values.first = static_cast<const std::uint8_t*>(SPA_POD_BODY_CONST(child));
+  values.size = child->size;
+  if (values.choice != SPA_CHOICE_None && values.count > 1) {
+    values.first += values.size;
+    --values.count;
+  }
+  return values;
+}
+
+PixelSize sizeOf(spa_rectangle r) { return {static_cast<int>(r.width), static_cast<int>(r.height)}; }
+
+bool isRange(const Values& values) {
+  return (values.choice == SPA_CHOICE_Range || values.choice == SPA_CHOICE_Step) && values.count >= 2;
+}
+
+void readRates(const spa_pod* offer, VideoMode& mode) {
+  const Values rates = valuesOf(offer, SPA_FORMAT_VIDEO_framerate, SPA_TYPE_Fraction, sizeof(spa_fraction));
+  mode.isRateRange = isRange(rates);
+  const std::uint32_t count = mode.isRateRange ? 2 : rates.count;
+  for (std::uint32_t i = 0; i < count; ++i) {
+    const auto rate = rates.at<spa_fraction>(i);
+    if (rate.num > 0 || mode.isRateRange) mode.rates.push_back({rate.num, rate.denom});
+  }
+}
+
+void appendSizes(const spa_pod* offer, const VideoMode& pattern, std::vector<VideoMode>& modes) {
+  const Values sizes = valuesOf(offer, SPA_FORMAT_VIDEO_size, SPA_TYPE_Rectangle, sizeof(spa_rectangle));
+  VideoMode mode = pattern;
+  if (isRange(sizes)) {
+    mode.smallest = sizeOf(sizes.at<spa_rectangle>(0));
+    mode.largest = sizeOf(sizes.at<spa_rectangle>(1));
+    if (sizes.count >= 3) mode.step = sizeOf(sizes.at<spa_rectangle>(2));
+    modes.push_back(mode);
+    return;
+  }
+  for (std::uint32_t i = 0; i < sizes.count; ++i) {
+    mode.smallest = mode.largest = sizeOf(sizes.at<spa_rectangle>(i));
+    modes.push_back(mode);
+  }
+}
+
+SourceColour colourOf(const spa_video_info_raw& info) {
+  SourceColour colour;
+  if (info.color_range == SPA_VIDEO_COLOR_RANGE_0_255) colour.range = ColourRange::Full;
+  if (info.color_range == SPA_VIDEO_COLOR_RANGE_16_235) colour.range = ColourRange::Limited;
+  if (info.color_matrix == SPA_VIDEO_COLOR_MATRIX_BT709) colour.matrix = ColourMatrix::Bt709;
+  if (info.color_matrix == SPA_VIDEO_COLOR_MATRIX_BT601) colour.matrix = ColourMatrix::Bt601;
+  return colour;
+}
+
+std::optional<AgreedFormat> agreedRaw(const spa_pod* format) {
+  spa_video_info_raw info{};
+  if (spa_format_video_raw_parse(format, &info) < 0) return std::nullopt;
+  const auto pixels = formatOf(info.format);
+  if (!pixels) return std::nullopt;
+  return AgreedFormat{*pixels, sizeOf(info.size), decideColour(*pixels, colourOf(info))};
+}
+
+std::optional<AgreedFormat> agreedJpeg(const spa_pod* format) {
+  spa_video_info_mjpg info{};
+  if (spa_format_video_mjpg_parse(format, &info) < 0) return std::nullopt;
+  return AgreedFormat{PixelFormat::Mjpeg, sizeOf(info.size), decideColour(PixelFormat::Mjpeg, {})};
+}
+
+}  // namespace
+
+void appendModes(const spa_pod* offer, std::vector<VideoMode>& modes) {
+  std::uint32_t type = 0;
+  std::uint32_t subtype = 0;
+  if (!offer || spa_format_parse(offer, &type, &subtype) < 0 || type != SPA_MEDIA_TYPE_video) return;
+  VideoMode mode;
+  readRates(offer, mode);
+  if (subtype == SPA_MEDIA_SUBTYPE_mjpg) {
+    mode.format = PixelFormat::Mjpeg;
+    appendSizes(offer, mode, modes);
+  }
+  if (subtype != SPA_MEDIA_SUBTYPE_raw) return;
+  const Values formats = valuesOf(offer, SPA_FORMAT_VIDEO_format, SPA_TYPE_Id, sizeof(std::uint32_t));
+  for (std::uint32_t i = 0; i < formats.count; ++i) {
+    mode.nativeFormat = formats.at<std::uint32_t>(i);
+    const auto format = formatOf(mode.nativeFormat);
+    if (!format) continue;
+    mode.format = *format;
+    appendSizes(offer, mode, modes);
+  }
+}
+
+const spa_pod* offerOf(spa_pod_builder& builder, const ModeChoice& choice) {
+  const bool isJpeg = choice.format == PixelFormat::Mjpeg;
+  spa_pod_frame frame;
+  spa_pod_builder_push_object(&builder, &frame, SPA_TYPE_OBJECT_Format, SPA_PARAM_EnumFormat);
+  spa_pod_builder_prop(&builder, SPA_FORMAT_mediaType, 0);
+  spa_pod_builder_id(&builder, SPA_MEDIA_TYPE_video);
+  spa_pod_builder_prop(&builder, SPA_FORMAT_mediaSubtype, 0);
+  spa_pod_builder_id(&builder, isJpeg ? SPA_MEDIA_SUBTYPE_mjpg : SPA_MEDIA_SUBTYPE_raw);
+  if (!isJpeg) {
+    spa_pod_builder_prop(&builder, SPA_FORMAT_VIDEO_format, 0);
+    spa_pod_builder_id(&builder, choice.nativeFormat);
+  }
+  spa_pod_builder_prop(&builder, SPA_FORMAT_VIDEO_size, 0);
+  spa_pod_builder_rectangle(&builder, static_cast<std::uint32_t>(choice.size.width),
+                            static_cast<std::uint32_t>(choice.size.height));
+  if (choice.rate) {
+    spa_pod_builder_prop(&builder, SPA_FORMAT_VIDEO_framerate, 0);
+    spa_pod_builder_fraction(&builder, choice.rate->numerator, choice.rate->denominator);
+  }
+  return static_cast<const spa_pod*>(spa_pod_builder_pop(&builder, &frame));
+}
+
+std::optional<AgreedFormat> agreedFormat(const spa_pod* format) {
+  std::uint32_t type = 0;
+  std::uint32_t subtype = 0;
+  if (!format || spa_format_parse(format, &type, &subtype) < 0 || type != SPA_MEDIA_TYPE_video)
+    return std::nullopt;
+  if (subtype == SPA_MEDIA_SUBTYPE_mjpg) return agreedJpeg(format);
+  return subtype == SPA_MEDIA_SUBTYPE_raw ? agreedRaw(format) : std::nullopt;
+}
+
+const spa_pod* bufferOffer(spa_pod_builder& builder) {
+  spa_pod_frame object;
+  spa_pod_frame choice;
+  spa_pod_builder_push_object(&builder, &object, SPA_TYPE_OBJECT_ParamBuffers, SPA_PARAM_Buffers);
+  spa_pod_builder_prop(&builder, SPA_PARAM_BUFFERS_buffers, 0);
+  spa_pod_builder_push_choice(&builder, &choice, SPA_CHOICE_Range, 0);
+  for (const int count : {kBuffers, kFewestBuffers, kMostBuffers}) spa_pod_builder_int(&builder, count);
+  spa_pod_builder_pop(&builder, &choice);
+  spa_pod_builder_prop(&builder, SPA_PARAM_BUFFERS_dataType, 0);
+  spa_pod_builder_push_choice(&builder, &choice, SPA_CHOICE_Flags, 0);
+  spa_pod_builder_int(&builder, (1 << SPA_DATA_MemPtr) | (1 << SPA_DATA_MemFd) | (1 << SPA_DATA_DmaBuf));
+  spa_pod_builder_pop(&builder, &choice);
+  return static_cast<const spa_pod*>(spa_pod_builder_pop(&builder, &object));
+}
+
+const spa_pod* headerOffer(spa_pod_builder& builder) {
+  spa_pod_frame object;
+  spa_pod_builder_push_object(&builder, &object, SPA_TYPE_OBJECT_ParamMeta, SPA_PARAM_Meta);
+  spa_pod_builder_prop(&builder, SPA_PARAM_META_type, 0);
+  spa_pod_builder_id(&builder, SPA_META_Header);
+  spa_pod_builder_prop(&builder, SPA_PARAM_META_size, 0);
+  spa_pod_builder_int(&builder, sizeof(spa_meta_header));
+  return static_cast<const spa_pod*>(spa_pod_builder_pop(&builder, &object));
+}
+
+}  // namespace vistrel::capture

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <spa/pod/builder.h>
+#include <spa/pod/pod.h>
+
+#include <vector>
+
+#include "linux/camera/Colour.h"
+#include "linux/camera/VideoMode.h"
+
+namespace vistrel::capture {
+
+/// Adds the modes that an offered format stands for; formats that cannot be shown add none.
+void appendModes(const spa_pod* offer, std::vector<VideoMode>& modes);
+
+/// The offer of a stream that accepts this choice alone.
+[[nodiscard]] const spa_pod* offerOf(spa_pod_builder& builder, const ModeChoice& choice);
+
+/// What both sides settled on.
+struct AgreedFormat {
+  PixelFormat format = PixelFormat::Yuy2;
+  PixelSize size;
+  YuvColour colour = YuvColour::Bt601Limited;
+};
+[[nodiscard]] std::optional<AgreedFormat> agreedFormat(const spa_pod* format);
+
+/// The memory that a stream takes its frames in.
+[[nodiscard]] const spa_pod* bufferOffer(spa_pod_builder& builder);
+/// Asks for the header that marks damaged frames.
+[[nodiscard]] const spa_pod* headerOffer(spa_pod_builder& builder);
+
+}  // namespace vistrel::capture

@@ -1,0 +1,146 @@
+#include "linux/camera/PipeWireGraph.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <string_view>
+#include <utility>
+
+namespace vistrel::capture {
+namespace {
+
+constexpr std::chrono::milliseconds kPatience{250};
+
+bool isCamera(const char* type, const spa_dict* properties) {
+  if (std::strcmp(type, PW_TYPE_INTERFACE_Node) != 0 || !properties) return false;
+  const char* mediaClass = spa_dict_lookup(properties, PW_KEY_MEDIA_CLASS);
+  const std::string_view name = mediaClass ? mediaClass : "";
+  return name == "Video/Source" || name == "Video/Source/Virtual";
+}
+
+}  // namespace
+
+PipeWireGraph::PipeWireGraph(Reactor& reactor) : loop_(reactor) { loop_.add(*this); }
+
+PipeWireGraph::~PipeWireGraph() {
+  disconnect();
+  loop_.remove(*this);
+}
+
+bool PipeWireGraph::connect() {
+  if (core_) return true;
+  context_.reset(pw_context_new(
+      loop_.get(),
+      pw_properties_new(PW_KEY_APP_NAME, "Vistrel", PW_KEY_APP_ID, "org.vistrel.Vistrel", nullptr), 0));
+  if (context_) core_.reset(pw_context_connect(context_.get(), nullptr, 0));
+  if (!core_) {
+    context_.reset();
+    return false;
+  }
+  static const pw_core_events coreEvents = [] {
+    pw_core_events e{};
+    e.version = PW_VERSION_CORE_EVENTS;
+    e.done = onDone;
+    e.error = onError;
+    return e;
+  }();
+  static const pw_registry_events registryEvents = [] {
+    pw_registry_events e{};
+    e.version = PW_VERSION_REGISTRY_EVENTS;
+    e.global = onGlobal;
+    e.global_remove = onGlobalRemove;
+    return e;
+  }();
+  pw_core_add_listener(core_.get(), &coreListener_, &coreEvents, this);
+  registry_.reset(pw_core_get_registry(core_.get(), PW_VERSION_REGISTRY, 0));
+  pw_registry_add_listener(registry_.get(), &registryListener_, &registryEvents, this);
+  isLost_ = hangs_ = false;
+  sync();
+  return true;
+}
+
+void PipeWireGraph::refresh() {
+  if (!core_) return;
+  const auto patience = hangs_ ? std::chrono::milliseconds(0) : kPatience;
+  const bool isCurrent = loop_.waitUntil([this] { return !core_ || answered_ == awaited_; }, patience);
+  hangs_ = !isCurrent;
+}
+
+const PipeWireNode* PipeWireGraph::find(std::uint32_t globalId) const {
+  const auto found =
+      std::find_if(nodes_.begin(), nodes_.end(), [&](auto& n) { return n->globalId() == globalId; });
+  return found == nodes_.end() ? nullptr : found->get();
+}
+
+void PipeWireGraph::onDone(void* data, std::uint32_t id, int seq) {
+  if (id == PW_ID_CORE) static_cast<PipeWireGraph*>(data)->answered_ = seq;
+}
+
+void PipeWireGraph::onError(void* data, std::uint32_t id, int, int result, const char*) {
+  if (id == PW_ID_CORE && result == -EPIPE) static_cast<PipeWireGraph*>(data)->isLost_ = true;
+}
+
+void PipeWireGraph::onGlobal(void* data, std::uint32_t id, std::uint32_t, const char* type, std::uint32_t,
+                             const spa_dict* properties) {
+  if (isCamera(type, properties)) static_cast<PipeWireGraph*>(data)->announced_.push_back(id);
+}
+
+// An identifier may be used again at once, so the order of the two lists matters: one that was announced and
+// removed in the same iteration is gone.
+void PipeWireGraph::onGlobalRemove(void* data, std::uint32_t id) {
+  auto& graph = *static_cast<PipeWireGraph*>(data);
+  std::erase(graph.announced_, id);
+  graph.removed_.push_back(id);
+}
+
+void PipeWireGraph::afterIteration() {
+  if (!core_) return;
+  if (isLost_) {
+    disconnect();
+    isLossUntold_ = true;
+    return;
+  }
+  dropRemoved();
+  bindAnnounced();
+  bool asked = false;
+  for (auto& node : nodes_) asked = node->askForFormats() || asked;
+  if (asked) sync();
+  if (answered_ != awaited_) return;
+  hangs_ = false;
+  for (auto& node : nodes_) node->answered();
+}
+
+void PipeWireGraph::dropRemoved() {
+  for (const auto id : removed_) std::erase_if(nodes_, [id](auto& node) { return node->globalId() == id; });
+  removed_.clear();
+}
+
+void PipeWireGraph::bindAnnounced() {
+  if (announced_.empty()) return;
+  for (const auto id : announced_) nodes_.push_back(std::make_unique<PipeWireNode>(registry_.get(), id));
+  announced_.clear();
+  sync();
+}
+
+void PipeWireGraph::sync() { awaited_ = pw_core_sync(core_.get(), PW_ID_CORE, 0); }
+
+void PipeWireGraph::disconnect() {
+  if (!core_) return;
+  loop_.tellConnectionLost();
+  nodes_.clear();
+  announced_.clear();
+  removed_.clear();
+  spa_hook_remove(&registryListener_);
+  registry_.reset();
+  spa_hook_remove(&coreListener_);
+  core_.reset();
+  context_.reset();
+  answered_ = awaited_ = 0;
+}
+
+void PipeWireGraph::deliver() {
+  if (!std::exchange(isLossUntold_, false)) return;
+  if (lostHandler_) lostHandler_();
+}
+
+}  // namespace vistrel::capture

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <pipewire/pipewire.h>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "linux/camera/Reactor.h"
+
+namespace vistrel::capture {
+
+/// Something that lives on the loop. The library's callbacks only record; these are called outside of them.
+class PipeWireClient {
+ public:
+  virtual ~PipeWireClient() = default;
+  /// After every iteration: may call the library, must not call anybody outside.
+  virtual void afterIteration() {}
+  /// From the main loop only: tells the outside what was recorded.
+  virtual void deliver() {}
+  /// The connection is about to be taken down; everything on it must go.
+  virtual void connectionLost() {}
+};
+
+/// PipeWire's loop as a part of the main loop.
+class PipeWireLoop {
+ public:
+  explicit PipeWireLoop(Reactor& reactor);
+  ~PipeWireLoop();
+  PipeWireLoop(const PipeWireLoop&) = delete;
+  PipeWireLoop& operator=(const PipeWireLoop&) = delete;
+
+  [[nodiscard]] pw_loop* get() const { return loop_; }
+  void add(PipeWireClient& client);
+  void remove(PipeWireClient& client);
+  /// Runs this loop alone until `isDone` or until patience ends. What happens meanwhile is delivered later,
+  /// from the main loop.
+  bool waitUntil(const std::function<bool()>& isDone, std::chrono::milliseconds patience);
+  void tellConnectionLost();
+  /// Has `deliver` called in a later turn of the main loop.
+  void deliverLater();
+
+ private:
+  bool iterate(int timeoutMs);
+  void turn();
+  void deliver();
+  void forEach(void (PipeWireClient::*method)());
+
+  Reactor& reactor_;
+  pw_loop* loop_ = nullptr;
+  std::vector<PipeWireClient*> clients_;
+  int walks_ = 0;
+  std::shared_ptr<PipeWireLoop*> self_;
+  bool isDeliveryPosted_ = false;
+  std::unique_ptr<Registration> registration_;
+};
+
+}  // namespace vistrel::capture

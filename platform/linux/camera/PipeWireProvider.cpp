@@ -1,0 +1,79 @@
+#include "linux/camera/PipeWireProvider.h"
+
+#include <spa/utils/keys.h>
+
+#include <algorithm>
+#include <string_view>
+
+#include "linux/camera/Attachment.h"
+#include "linux/camera/PipeWireDevice.h"
+
+namespace vistrel::capture {
+namespace {
+
+constexpr std::string_view kV4l2Prefix = "v4l2:";
+
+std::string idOf(const PipeWireNode& node) {
+  const auto* serial = node.property(PW_KEY_OBJECT_SERIAL);
+  return "pipewire:" + (serial ? *serial : std::to_string(node.globalId()));
+}
+
+// The session manager decorates its descriptions; the driver's own name is the one that V4L2 gives too.
+std::string nameOf(const PipeWireNode& node) {
+  for (const char* key : {SPA_KEY_API_V4L2_CAP_CARD, PW_KEY_NODE_DESCRIPTION, PW_KEY_NODE_NAME})
+    if (const auto* name = node.property(key)) return *name;
+  return {};
+}
+
+// The "/dev/video" node behind a camera; empty for one that V4L2 does not know.
+std::string v4l2PathOf(const PipeWireNode& node) {
+  if (const auto* path = node.property(SPA_KEY_API_V4L2_PATH)) return *path;
+  const auto* path = node.property(PW_KEY_OBJECT_PATH);
+  return path && path->starts_with(kV4l2Prefix) ? path->substr(kV4l2Prefix.size()) : std::string();
+}
+
+std::string pathOf(const PipeWireNode& node) {
+  if (auto path = v4l2PathOf(node); !path.empty()) return path;
+  for (const char* key : {PW_KEY_OBJECT_PATH, PW_KEY_NODE_NAME})
+    if (const auto* path = node.property(key)) return *path;
+  return {};
+}
+
+bool isBuiltIn(const PipeWireNode& node) {
+  if (const auto* location = node.property(SPA_KEY_API_LIBCAMERA_LOCATION))
+    return *location == "front" || *location == "back";
+  const std::string path = v4l2PathOf(node);
+  return !path.empty() && attachmentOf(path) == Attachment::BuiltIn;
+}
+
+bool isListed(const std::vector<CameraEntry>& entries, const std::string& path) {
+  return std::any_of(entries.begin(), entries.end(),
+                     [&](const CameraEntry& entry) { return entry.path == path; });
+}
+
+}  // namespace
+
+std::vector<CameraEntry> PipeWireProvider::cameras() {
+  graph_->refresh();
+  std::vector<CameraEntry> entries;
+  for (const auto& node : graph_->nodes()) {
+    const std::string devicePath = v4l2PathOf(*node);
+    // Infrared and grey-only sensors have no mode that can be shown.
+    if (node->modes().empty() || (!devicePath.empty() && isListed(entries, devicePath))) continue;
+    entries.push_back(
+        {{.id = idOf(*node), .localizedName = nameOf(*node), .isBuiltIn = isBuiltIn(*node)}, pathOf(*node)});
+  }
+  return entries;
+}
+
+Result<std::unique_ptr<CaptureDevice>> PipeWireProvider::open(const std::string& id) {
+  graph_->refresh();
+  for (const auto& node : graph_->nodes()) {
+    if (idOf(*node) != id) continue;
+    if (node->isInError()) return Error{describeProblem(node->lastError())};
+    return std::unique_ptr<CaptureDevice>(std::make_unique<PipeWireDevice>(graph_, *node));
+  }
+  return Error{"The camera is no longer connected."};
+}
+
+}  // namespace vistrel::capture
