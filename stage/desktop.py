@@ -8,6 +8,7 @@ import json
 import os
 import pathlib
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
@@ -173,10 +174,16 @@ class Desktop:
         wait_until(lambda: any(node["info"]["props"].get("application.name") == "WirePlumber"
                                for node in self.graph("Client")), "WirePlumber")
 
-    def stop_pipewire(self):
+    def stop_pipewire(self, number=signal.SIGTERM):
         for process in reversed(self._pipewire):
-            process.end()
+            process.signal(number)
+            process.wait()
         self._pipewire = []
+
+    @property
+    def pipewire(self):
+        """The daemon's process."""
+        return self._pipewire[0]
 
     def graph(self, kind):
         """The objects of that kind on the PipeWire graph: "Node", "Link", "Client"."""

@@ -22,15 +22,16 @@ def inside(place, outer):
 
 
 class Program:
-    """`preferences` are written first; `awaits_icon` false: does not wait for the icon in the tray."""
+    """`preferences` are written first; `awaits_icon` false: does not wait for the icon in the tray; `prefix` is
+    the start of the command line, such as a program that replaces itself by Vistrel."""
 
-    def __init__(self, desktop, preferences=None, environment=None, awaits_icon=True, arguments=(), **options):
+    def __init__(self, desktop, preferences=None, environment=None, awaits_icon=True, prefix=()):
         self.desktop = desktop
         self.screen = desktop.screen
         self.file = desktop.folder / "config" / IDENTIFIER / "preferences.json"
         if preferences is not None:
             self.write_preferences(preferences)
-        self.process = desktop.start([desktop.programs / "vistrel", *arguments], environment, **options)
+        self.process = desktop.start([*prefix, desktop.programs / "vistrel"], environment)
         if awaits_icon:
             self.icon()
 

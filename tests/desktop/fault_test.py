@@ -1,0 +1,129 @@
+"""What cameras and the media daemon do wrong, and that the mirror outlives it."""
+
+import signal
+import unittest
+
+from stage.processes import wait_until
+from tests.desktop.harness import FAILED, SAVING, STARTED, DesktopTest
+
+ODD_NAMES = ("", "x" * 500, "Fish & Chips", "<b>bold</b>", "two\nlines", "מצלמה קדמית", "Cafe\u0301 _under_", "Twin", "Twin")
+
+
+class CameraFaultTest(DesktopTest):
+    def test_without_a_camera_the_mirror_says_so_and_the_next_opening_has_one(self):
+        vistrel = self.start()
+        vistrel.click()
+        wait_until(vistrel.windows, "the window without a picture")
+        vistrel.click()
+        wait_until(lambda: not vistrel.windows(), "the end of the window")
+        self.desktop.camera()
+        self.open(vistrel)
+        self.assertEqual(vistrel.process.errors, [])
+
+    def test_a_camera_that_dies_is_said_at_once_and_the_next_opening_shows_another(self):
+        first, second = (self.desktop.camera(name=name, node=name) for name in ("a", "b"))
+        vistrel = self.start()
+        self.open(vistrel)
+        first.unplug()
+        vistrel.wait_line(FAILED)
+        self.screen.wait_no_picture()
+        self.assertEqual(self.desktop.readers(second), 0)
+        vistrel.click()
+        self.open(vistrel)
+        self.assertEqual(self.desktop.readers(second), 1)
+
+    def test_a_camera_that_sends_nothing_is_said_after_a_while(self):
+        for fault in ("--silent", "--refuse", "stall", "error broken"):
+            with self.subTest(fault=fault), self.start() as vistrel:
+                is_option = fault.startswith("--")
+                camera = self.desktop.camera(options=[fault] if is_option else [])
+                vistrel.click()
+                if not is_option:
+                    self.screen.live_picture()
+                    camera.tell(fault)
+                vistrel.wait_line(FAILED)
+                self.screen.wait_no_picture()
+                vistrel.click()
+                wait_until(lambda: not vistrel.windows(), "the end of the window")
+                self.desktop.unplug_all()
+
+    def test_broken_frames_are_dropped_and_the_next_good_one_is_shown(self):
+        camera = self.desktop.camera(offers=["mjpeg:1280x720@30"])
+        vistrel = self.start()
+        self.open(vistrel)
+        for _ in range(3):
+            camera.tell("garbage")
+            camera.tell("resume")
+            self.screen.live_picture(5)
+        self.assertNotIn(FAILED, [line[:len(FAILED)] for line in vistrel.lines])
+
+    def test_black_first_frames_and_every_layout_are_shown(self):
+        for layout in ("yuy2", "uyvy", "nv12", "i420", "yv12", "rgb", "bgr", "rgbx", "bgrx", "mjpeg"):
+            with self.subTest(layout=layout):
+                self.desktop.camera(offers=[f"{layout}:640x480@30"], options=["--black", "5"])
+                with self.start() as vistrel:
+                    seen = self.open(vistrel)
+                    self.assertTrue(seen["upright"] and seen["mirrored"])
+                self.desktop.unplug_all()
+
+    def test_names_of_all_kinds_can_be_chosen(self):
+        for index, name in enumerate(ODD_NAMES):
+            self.desktop.camera(name=name, node=f"odd-{index}")
+        vistrel = self.start()
+        for index, name in enumerate(ODD_NAMES[1:]):
+            vistrel.click(button=3)
+            since = len(vistrel.lines)
+            vistrel.choose(index)
+            vistrel.wait_line(lambda line: line.startswith(SAVING), since)
+            wait_until(lambda: vistrel.preferences().get("defaultCameraPreference") == name, name)
+            vistrel.wait_no_menu()
+
+    def test_a_renamed_camera_is_listed_by_its_new_name(self):
+        camera = self.desktop.camera()
+        vistrel = self.start()
+        camera.tell("rename Renamed")
+        self.open(vistrel)
+        wait_until(lambda: any("Renamed" in line for line in vistrel.lines), "the new name")
+
+
+class DaemonFaultTest(DesktopTest):
+    stage = {"pipewire": False}
+
+    def test_the_daemon_may_come_late_and_go_and_come_again(self):
+        vistrel = self.start()
+        for number in (signal.SIGTERM, signal.SIGKILL):
+            vistrel.click()
+            wait_until(vistrel.windows, "the window without a picture")
+            vistrel.click()
+            wait_until(lambda: not vistrel.windows(), "the end of the window")
+            self.desktop.start_pipewire()
+            self.desktop.camera()
+            self.open(vistrel)
+            since = len(vistrel.lines)
+            self.desktop.stop_pipewire(number)
+            vistrel.wait_line(FAILED, since)
+            self.screen.wait_no_picture()
+            self.desktop.unplug_all()
+            vistrel.click()
+            wait_until(lambda: not vistrel.windows(), "the end of the window")
+        self.assertIsNone(vistrel.process.status)
+
+    def test_a_hung_daemon_holds_up_neither_the_window_nor_the_end(self):
+        self.desktop.start_pipewire()
+        self.addCleanup(self.desktop.stop_pipewire)
+        self.desktop.camera()
+        vistrel = self.start()
+        daemon = self.desktop.pipewire
+        daemon.signal(signal.SIGSTOP)
+        self.addCleanup(daemon.signal, signal.SIGCONT)
+        vistrel.click()
+        wait_until(vistrel.windows, "the window")
+        daemon.signal(signal.SIGCONT)
+        self.screen.live_picture()
+        vistrel.wait_line(STARTED)
+        daemon.signal(signal.SIGSTOP)
+        self.assertEqual(vistrel.terminate(), 0)
+
+
+if __name__ == "__main__":
+    unittest.main()

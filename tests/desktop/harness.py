@@ -1,0 +1,59 @@
+"""What the desktop tests share: one private desktop for a class of tests, and Vistrel on it."""
+
+import re
+import unittest
+
+from stage.desktop import ROOT, Desktop
+from stage.processes import wait_until
+from stage.program import Program
+
+REFRESHED = "📷 Refreshed Devices — available cameras: "
+CHECKING = "Just checking…\u00a0these are the refreshed devices: "
+SAVING = "⚠️ Saving default camera: "
+STARTED = "📹✅ Capture Session Started"
+STOPPED = "📹🛑 Capture Session Stopped"
+FAILED = "📹💥 Capture Session Runtime Error: "
+SIZES = ((426, 240), (852, 480), (1278, 720))
+
+
+class DesktopTest(unittest.TestCase):
+    stage = {}  # the options of the class's desktop
+
+    @classmethod
+    def setUpClass(cls):
+        cls.desktop = Desktop(**cls.stage)
+        cls.addClassCleanup(cls.desktop.close)
+        cls.screen = cls.desktop.screen
+
+    def setUp(self):
+        self.addCleanup(self.desktop.unplug_all)
+
+    def start(self, preferences=None, **options):
+        """Vistrel with these preferences and no others."""
+        vistrel = Program(self.desktop, {} if preferences is None else preferences, **options)
+        self.addCleanup(vistrel.process.end)
+        self.addCleanup(self._tell_failure, vistrel)
+        return vistrel
+
+    def _tell_failure(self, vistrel):
+        if not self._outcome.success:
+            picture = ROOT / "build" / "desktop" / f"{self.id()}.png"
+            picture.parent.mkdir(parents=True, exist_ok=True)
+            self.screen.save(picture)
+            print("\n".join(["--- standard output", *vistrel.lines, "--- standard error", *vistrel.process.errors,
+                             f"--- status {vistrel.process.status}, screen in {picture}"]), flush=True)
+
+    def open(self, vistrel):
+        """Opens the mirror by a click and gives what is seen of it."""
+        vistrel.click()
+        return self.screen.live_picture()
+
+    def wait_closed(self, camera):
+        """The mirror is off the screen and the camera free."""
+        self.screen.wait_no_picture()
+        wait_until(lambda: self.desktop.readers(camera) == 0, "the end of the stream")
+
+
+def plain(lines):
+    """Lines without the descriptions of the cameras, which are the program's own affair."""
+    return [re.sub(r"(: )\[.*\]$", r"\1[…]", line) for line in lines]

@@ -1,0 +1,128 @@
+"""Starting, ending, the preferences file, and a tray that is late, restarted or absent."""
+
+import os
+import signal
+import unittest
+
+from stage.portal import Portal
+from stage.processes import wait_until
+from stage.program import IDENTIFIER, Program
+from tests.desktop.harness import STARTED, DesktopTest
+
+APPLICATION = "org.freedesktop.Application"
+PATH = "/" + IDENTIFIER.replace(".", "/")
+
+
+class LifeTest(DesktopTest):
+    def test_a_second_start_hands_over_to_the_first(self):
+        camera = self.desktop.camera()
+        vistrel = self.start()
+        for _ in range(2):
+            second = Program(self.desktop, awaits_icon=False)
+            self.assertEqual(second.process.wait(), 0)
+            self.screen.live_picture()
+            vistrel.click()
+            self.wait_closed(camera)
+        self.desktop.bus.call(IDENTIFIER, PATH, APPLICATION, "Activate", "(a{sv})", {})
+        self.screen.live_picture()
+        self.assertEqual(len(vistrel.icons()), 1)
+
+    def test_signals_end_it_in_an_orderly_way(self):
+        camera = self.desktop.camera()
+        for number in (signal.SIGTERM, signal.SIGINT):
+            vistrel = self.start()
+            self.open(vistrel)
+            vistrel.process.signal(number)
+            self.assertEqual(vistrel.process.wait(), 0)
+            self.wait_closed(camera)
+            self.assertEqual(vistrel.process.errors, [])
+
+    def test_without_a_display_it_says_so_in_one_line(self):
+        process = self.desktop.start([self.desktop.programs / "vistrel"], {"DISPLAY": ":99999"})
+        self.assertEqual(process.wait(), 1)
+        self.assertEqual(len(process.errors), 1, process.errors)
+        self.assertEqual(process.lines, [])
+
+    def test_without_a_session_bus_it_says_so_once_and_runs(self):
+        self.desktop.camera()
+        vistrel = self.start(environment={"DBUS_SESSION_BUS_ADDRESS": "unix:path=/nowhere"})
+        self.assertEqual(len(vistrel.process.errors), 1, vistrel.process.errors)
+        self.open(vistrel)
+
+    def test_a_preferences_file_that_makes_no_sense_is_set_aside(self):
+        self.desktop.camera()
+        for text in ("", "{", "[]", "\0\1", '{"a": 1} x'):
+            with self.subTest(text=text), self.start(text) as vistrel:
+                self.open(vistrel)
+                errors = vistrel.process.errors
+                self.assertEqual(len(errors), 0 if text == "" else 1, errors)
+                kept = [path.read_text() for path in vistrel.file.parent.iterdir() if path != vistrel.file]
+                self.assertEqual(text in kept, text != "", kept)
+                for path in vistrel.file.parent.iterdir():
+                    path.unlink()
+
+    def test_values_of_a_wrong_type_or_out_of_range_read_as_the_first(self):
+        camera = self.desktop.camera()
+        for values in ({"selectedUIIcon": 7, "selectedPopoverSize": -1, "dismissPreference": 7},
+                       {"selectedUIIcon": "x", "selectedPopoverSize": {}, "defaultCameraPreference": 5}):
+            with self.subTest(values=values), self.start(values) as vistrel:
+                self.assertAlmostEqual(self.open(vistrel)["place"][2], 426, delta=2)
+                vistrel.click()
+                self.wait_closed(camera)
+                self.assertEqual(vistrel.process.errors, [])
+
+    @unittest.skipUnless(os.geteuid() == 0, "only root can make a file system read-only")
+    def test_a_folder_that_cannot_be_written_is_no_obstacle(self):
+        self.desktop.camera(name="Only")
+        folder = self.desktop.folder / "config"
+        script = f"mount -t tmpfs -o ro none {folder} && exec \"$@\""  # seen by this program alone
+        vistrel = self.start(prefix=["unshare", "--mount", "sh", "-c", script, "sh"])
+        vistrel.click(button=3)
+        vistrel.choose(0)
+        vistrel.wait_line("⚠️ Saving default camera: Only")
+        self.open(vistrel)
+        self.assertEqual(len(vistrel.process.errors), 1, vistrel.process.errors)
+
+
+class DarkModeTest(DesktopTest):
+    def test_it_follows_the_desktop_while_it_runs(self):
+        self.desktop.camera()
+        portal = Portal(self.desktop, 1)
+        self.addCleanup(portal.close)
+        vistrel = self.start()
+        self.open(vistrel)
+        dark = self.frame_colour(vistrel)
+        portal.set_scheme(2)
+        vistrel.wait_line("Switched modes")
+        wait_until(lambda: sum(self.frame_colour(vistrel)) > sum(dark) + 150, "a light frame")
+        portal.set_scheme(1)
+        wait_until(lambda: self.frame_colour(vistrel) == dark, "a dark frame")
+
+    def frame_colour(self, vistrel):
+        x, y, _width, height = next(window for window in vistrel.windows() if window["types"])["place"]
+        return self.screen.colour((x + 3, y + height // 2))
+
+
+class TrayTest(DesktopTest):
+    stage = {"host": None}
+
+    def test_a_tray_that_comes_late_or_is_restarted_gets_one_icon(self):
+        camera = self.desktop.camera()
+        vistrel = self.start(awaits_icon=False)
+        wait_until(lambda: len(vistrel.lines) == 2, "the end of the launch")
+        Program(self.desktop, awaits_icon=False).process.wait()  # opens the mirror without an icon
+        self.screen.live_picture()
+        vistrel.wait_line(STARTED)
+        for host in ("xfce4-panel", "xfce4-panel", "trayer"):
+            self.desktop.start_host(host)
+            vistrel.icon()
+            self.screen.live_picture()
+            vistrel.click()
+            self.wait_closed(camera)
+            vistrel.click()
+            self.screen.live_picture()
+            self.desktop.stop_host()
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,118 @@
+"""The mirror: a click opens it with the live picture, and everything that closes it frees the camera."""
+
+import unittest
+
+from stage.processes import wait_until
+from stage.program import centre
+from tests.desktop.harness import REFRESHED, SIZES, STARTED, DesktopTest, plain
+
+
+class MirrorTest(DesktopTest):
+    stage = {"size": "1680x900"}
+
+    def test_a_click_shows_the_mirrored_picture_and_the_next_one_ends_it(self):
+        for index, size in enumerate(SIZES):
+            with self.subTest(size=size):
+                self.desktop.camera(name="Other", node="z-other")
+                camera = self.desktop.camera(name="Wanted", node="a-wanted", offers=["mjpeg:1280x720@30"])
+                with self.start({"selectedPopoverSize": index, "defaultCameraPreference": "Wanted"}) as vistrel:
+                    seen = self.open(vistrel)
+                    self.assertTrue(seen["mirrored"] and seen["upright"])
+                    for got, wanted in zip(seen["place"][2:], size):
+                        self.assertAlmostEqual(got, wanted, delta=2)
+                    self.assertEqual(self.desktop.readers(camera), 1)
+                    x, y = centre(vistrel.icon())
+                    left, top, width, _height = seen["place"]
+                    self.assertTrue(left <= x <= left + width and 0 < top - y < 60, (seen["place"], x, y))
+                    vistrel.click()
+                    self.wait_closed(camera)
+                self.desktop.unplug_all()
+
+    def test_the_lines_of_two_showings(self):
+        camera = self.desktop.camera()
+        vistrel = self.start()
+        refreshed = REFRESHED + "[…]"
+        wait_until(lambda: len(vistrel.lines) == 2, "the lines of the launch")
+        self.assertEqual(plain(vistrel.lines), [refreshed] * 2)
+        self.assertIn("Test Camera", vistrel.lines[0])
+        self.open(vistrel)
+        vistrel.wait_line(STARTED)
+        vistrel.click()
+        self.wait_closed(camera)
+        self.open(vistrel)  # observed by nobody any more, so it says no start
+        self.assertEqual(vistrel.terminate(), 0)
+        self.assertEqual(plain(vistrel.lines), [refreshed] * 5 + [STARTED] + [refreshed] * 2)
+
+    def test_the_picture_is_as_the_camera_sends_it_when_the_user_wants_no_mirror(self):
+        self.desktop.camera(offers=["nv12:640x480@30"])
+        seen = self.open(self.start({"selectedMirroringPreference": False}))
+        self.assertFalse(seen["mirrored"])
+        self.assertTrue(seen["upright"])
+        self.assertAlmostEqual(seen["place"][2], 320, delta=2)
+
+    def test_a_press_elsewhere_closes_it(self):
+        camera = self.desktop.camera()
+        for preference in (0, 1):
+            with self.start({"dismissPreference": preference}) as vistrel:
+                self.open(vistrel)
+                self.screen.click((300, 700))
+                self.wait_closed(camera)
+                self.open(vistrel)
+                self.screen.key("Escape")
+                self.wait_closed(camera)
+
+    def test_another_application_closes_it_when_the_user_wants_so(self):
+        camera = self.desktop.camera()
+        for preference in (0, 7):
+            with self.start({"dismissPreference": preference}) as vistrel:
+                self.open(vistrel)
+                other = self.desktop.start(["xev"])
+                wait_until(lambda: self.screen.focus()["pid"] != vistrel.pid, "the focus on the other application")
+                if preference:
+                    self.screen.live_picture(10)
+                else:
+                    self.wait_closed(camera)
+                other.end()
+
+    def test_a_display_change_closes_it(self):
+        camera = self.desktop.camera()
+        vistrel = self.start()
+        self.open(vistrel)
+        since = len(vistrel.lines)
+        self.desktop.run("xrandr", "--setmonitor", "left", "840/340x900/210+0+0", "screen")
+        self.addCleanup(self.desktop.run, "xrandr", "--delmonitor", "left")
+        vistrel.wait_line("🖥 Changed Display", since)
+        self.wait_closed(camera)
+        self.open(vistrel)
+
+    def test_a_double_click_is_two_clicks(self):
+        camera = self.desktop.camera()
+        vistrel = self.start()
+        place = centre(vistrel.icon())
+        for clicks, is_open in ((2, False), (3, True)):
+            for _ in range(clicks):
+                self.screen.click(place)
+            vistrel.wait_line(STARTED)
+            self.screen.live_picture() if is_open else self.wait_closed(camera)
+
+    def test_it_can_be_torn_off(self):
+        camera = self.desktop.camera()
+        vistrel = self.start({"dismissPreference": 1})
+        x, y, width, height = self.open(vistrel)["place"]
+        start = (x + width // 2, y + height // 2)
+        self.screen.drag(start, (start[0] - 300, start[1] + 200))
+        vistrel.wait_line("Detached", vistrel.wait_line("Should Detach"))
+        place = self.screen.live_picture()["place"]
+        self.assertEqual(place, [x - 300, y + 200, width, height])
+        self.screen.click((100, 850))
+        self.screen.key("Escape")
+        self.screen.live_picture(10)
+        window = next(window for window in vistrel.windows(managed=True) if window["states"])
+        self.assertIn("_NET_WM_STATE_ABOVE", window["states"])
+        self.assertEqual(window["name"], "Vistrel")
+        vistrel.click()
+        self.wait_closed(camera)
+
+
+if __name__ == "__main__":
+    unittest.main()
