@@ -15,6 +15,15 @@ void NSControl::sendAction() {
   if (!action_.empty()) NSApplication::shared().sendAction(action_, this, this);
 }
 
+void NSButtonCell::setTarget(NSObject* target, Selector action) {
+  target_ = target;
+  action_ = std::move(action);
+}
+
+void NSButtonCell::performClick(NSObject* sender) {
+  if (target_) target_->perform(action_, sender);
+}
+
 NSButton::NSButton() : cell_(std::make_unique<NSButtonCell>()) {}
 
 void NSButton::setTitle(std::string title) {

@@ -18,8 +18,14 @@ class NSCell {
 enum class NSCellImagePosition { NoImage = 0, ImageOnly = 1 };
 enum class NSBezelStyle { Rounded = 1, TexturedRounded = 11 };
 
+enum class NSTextAlignment { Left = 0, Center = 1, Right = 2, Natural = 4 };
+
 class NSButtonCell : public NSCell {
  public:
+  /// Whom a press tells, and how; the target must outlive the cell's use.
+  void setTarget(NSObject* target, Selector action);
+  /// As if the user pressed the cell's button.
+  void performClick(NSObject* sender);
   [[nodiscard]] NSCellImagePosition imagePosition() const { return imagePosition_; }
   void setImagePosition(NSCellImagePosition position) { imagePosition_ = position; }
   [[nodiscard]] NSBezelStyle bezelStyle() const { return bezelStyle_; }
@@ -28,6 +34,8 @@ class NSButtonCell : public NSCell {
  private:
   NSCellImagePosition imagePosition_ = NSCellImagePosition::NoImage;
   NSBezelStyle bezelStyle_ = NSBezelStyle::Rounded;
+  NSObject* target_ = nullptr;
+  Selector action_;
 };
 
 class NSPopUpButtonCell : public NSButtonCell {};

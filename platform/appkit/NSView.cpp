@@ -87,6 +87,11 @@ void NSView::removeFromSuperview() {
   if (!superview_) return;
   NSView* parent = std::exchange(superview_, nullptr);
   const auto kept = shared_from_this();
+  // The focus never stays behind in a view that has left.
+  if (NSWindow* onWindow = parent->window()) {
+    const auto* focused = dynamic_cast<NSView*>(onWindow->firstResponder());
+    if (focused && (focused == this || focused->isDescendantOf(this))) onWindow->makeFirstResponder(nullptr);
+  }
   std::erase(parent->subviews_, kept);
   parent->subviewsDidChange();
 }

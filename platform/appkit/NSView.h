@@ -95,6 +95,14 @@ class NSView : public NSResponder, public std::enable_shared_from_this<NSView> {
   [[nodiscard]] const std::string& accessibilityLabel() const { return accessibilityLabel_; }
   void setAccessibilityLabel(std::string label) { accessibilityLabel_ = std::move(label); }
 
+  /// The size that the view's content asks for; none where it has no wish.
+  [[nodiscard]] virtual Size intrinsicContentSize() const { return {}; }
+  /// False: Tab and the like pass the view by.
+  [[nodiscard]] virtual bool canBecomeKeyView() const { return acceptsFirstResponder(); }
+
+  /// The window with this content comes on screen.
+  virtual void viewWillAppear() {}
+
   /// Tells the native window that it should draw the view again.
   void didChange();
 

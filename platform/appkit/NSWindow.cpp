@@ -6,10 +6,12 @@
 #include <utility>
 #include <vector>
 
+#include "appkit/NSAlert.h"
 #include "appkit/NSApplication.h"
 #include "appkit/NSPopUpButton.h"
 #include "appkit/NSView.h"
 #include "appkit/ScreenGeometry.h"
+#include "foundation/NotificationCenter.h"
 #include "foundation/UserDefaults.h"
 #include "host/Host.h"
 
@@ -129,24 +131,28 @@ void NSWindow::makeKeyAndOrderFront(NSObject* /*sender*/) {
     native_->contentDidChange();
     native_->firstResponderDidChange(dynamic_cast<NSView*>(firstResponder_));
   }
-  isVisible_ = true;
-  isKey_ = true;
+  const bool wasVisible = std::exchange(isVisible_, true);
   NSApplication::shared().windowDidOrderFront(shared_from_this());
+  if (!wasVisible && contentView_) contentView_->viewWillAppear();
   native_->show();
+  setKey(true);
 }
 
 void NSWindow::orderOut(NSObject* /*sender*/) {
   if (!isVisible_) return;
+  setKey(false);
   isVisible_ = false;
-  isKey_ = false;
   native_->hide();
   NSApplication::shared().windowDidOrderOut(this);
 }
 
-void NSWindow::performClose(NSObject* /*sender*/) { close(); }
+void NSWindow::performClose(NSObject* /*sender*/) {
+  if (!sheet_) close();
+}
 
 void NSWindow::close() {
   if (!isVisible_) return;
+  if (const auto sheet = sheet_) sheet->respond(NSModalResponse::Abort);
   saveFrame();
   makeFirstResponder(nullptr);
   orderOut(nullptr);
@@ -194,11 +200,17 @@ void NSWindow::popUpMenu(NSPopUpButton& button) {
 void NSWindow::closeRequested() { performClose(nullptr); }
 
 void NSWindow::didGainFocus() {
-  isKey_ = true;
   NSApplication::shared().windowDidBecomeKey(this);
+  setKey(true);
 }
 
-void NSWindow::didLoseFocus() { isKey_ = false; }
+void NSWindow::didLoseFocus() { setKey(false); }
+
+void NSWindow::setKey(bool isKey) {
+  if (std::exchange(isKey_, isKey) == isKey) return;
+  const char* change = isKey ? NSWindowDidBecomeKeyNotification : NSWindowDidResignKeyNotification;
+  NotificationCenter::defaultCenter().post(change, this);
+}
 
 void NSWindow::didMove(const Rect& frame) {
   frame_ = frame;

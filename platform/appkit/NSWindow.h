@@ -11,8 +11,13 @@
 
 namespace vistrel {
 
+class NSAlert;
 class NSPopUpButton;
 class NSView;
+
+/// Posted by a window on the default centre when the keyboard comes to it or leaves it.
+inline constexpr const char* NSWindowDidBecomeKeyNotification = "NSWindowDidBecomeKeyNotification";
+inline constexpr const char* NSWindowDidResignKeyNotification = "NSWindowDidResignKeyNotification";
 
 enum class NSWindowStyleMask : unsigned { Borderless = 0, Titled = 1, Closable = 2 };
 [[nodiscard]] constexpr unsigned operator|(NSWindowStyleMask a, NSWindowStyleMask b) {
@@ -74,12 +79,16 @@ class NSWindow : public NSResponder,
 
   void makeKeyAndOrderFront(NSObject* sender);
   void orderOut(NSObject* sender);
-  /// Asks as the close button does; `close` obeys.
+  /// Asks as the close button does, in vain while a sheet is attached; `close` obeys and aborts the sheet.
   virtual void performClose(NSObject* sender);
   void close();
   void activate();
   [[nodiscard]] bool isVisible() const { return isVisible_; }
   [[nodiscard]] bool isKeyWindow() const { return isVisible_ && isKey_; }
+
+  /// The alert that waits on this window for an answer.
+  [[nodiscard]] const std::shared_ptr<NSAlert>& attachedSheet() const { return sheet_; }
+  void setAttachedSheet(std::shared_ptr<NSAlert> sheet) { sheet_ = std::move(sheet); }
 
   /// Moves the keyboard focus; null takes it from every view. False when the present or the new first
   /// responder refuses.
@@ -116,6 +125,7 @@ class NSWindow : public NSResponder,
 
  private:
   void updateCloseButton();
+  void setKey(bool isKey);
   void saveFrame() const;
   void tellTrackingOwners(NSEventType type);
 
@@ -128,6 +138,7 @@ class NSWindow : public NSResponder,
   std::optional<NSAppearance> appearance_;
   std::shared_ptr<NSView> contentView_;
   std::shared_ptr<NSButton> closeButton_;
+  std::shared_ptr<NSAlert> sheet_;
   NSResponder* firstResponder_ = nullptr;
   std::unique_ptr<host::NativeWindow> native_;
   bool isVisible_ = false;
