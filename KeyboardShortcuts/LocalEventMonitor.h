@@ -1,0 +1,27 @@
+#pragma once
+
+#include <memory>
+
+#include "appkit/NSEvent.h"
+
+namespace vistrel::KeyboardShortcuts {
+
+/// Watches this program's events before they are dispatched, from `start` until its death.
+class LocalEventMonitor : public std::enable_shared_from_this<LocalEventMonitor> {
+ public:
+  /// `callback` answers the event to go on with, or none to swallow it; it may let go of this monitor.
+  LocalEventMonitor(NSEventMask events, NSEvent::Handler callback);
+  LocalEventMonitor(const LocalEventMonitor&) = delete;
+  LocalEventMonitor& operator=(const LocalEventMonitor&) = delete;
+  ~LocalEventMonitor();
+
+  /// Once an object. Answers the monitor itself.
+  std::shared_ptr<LocalEventMonitor> start();
+
+ private:
+  NSEventMask events_;
+  NSEvent::Handler callback_;
+  std::weak_ptr<NSEvent::Monitor> monitor_;
+};
+
+}  // namespace vistrel::KeyboardShortcuts

@@ -1,0 +1,51 @@
+#include "KeyboardShortcuts/ModifierFlags.h"
+
+#include <array>
+
+namespace vistrel::KeyboardShortcuts {
+
+namespace {
+
+struct Modifier {
+  std::int64_t carbonBit;
+  std::uint64_t eventFlag;
+  const char* symbol;
+};
+
+// In the order of display.
+constexpr std::array<Modifier, 4> kModifiers = {{
+    {kControlBit, NSEventModifierFlags::kControl, "⌃"},
+    {kOptionBit, NSEventModifierFlags::kOption, "⌥"},
+    {kShiftBit, NSEventModifierFlags::kShift, "⇧"},
+    {kCommandBit, NSEventModifierFlags::kCommand, "⌘"},
+}};
+
+}  // namespace
+
+std::int64_t carbon(NSEventModifierFlags flags) {
+  std::int64_t bits = 0;
+  for (const auto& modifier : kModifiers) {
+    if (flags.contains(modifier.eventFlag)) bits |= modifier.carbonBit;
+  }
+  return bits;
+}
+
+NSEventModifierFlags modifierFlags(std::int64_t carbon) {
+  NSEventModifierFlags flags;
+  for (const auto& modifier : kModifiers) {
+    if ((carbon & modifier.carbonBit) != 0) flags.rawValue |= modifier.eventFlag;
+  }
+  return flags;
+}
+
+std::int64_t normalized(std::int64_t carbonBits) { return carbon(modifierFlags(carbonBits)); }
+
+std::string description(NSEventModifierFlags flags) {
+  std::string text;
+  for (const auto& modifier : kModifiers) {
+    if (flags.contains(modifier.eventFlag)) text += modifier.symbol;
+  }
+  return text;
+}
+
+}  // namespace vistrel::KeyboardShortcuts
