@@ -30,11 +30,12 @@ Json toJson(const WindowFacts& window) {
 }
 
 Json toJson(const Sighting& sighting) {
-  return {{"place", toJson(sighting.place)},   {"mirrored", sighting.isMirrored},
-          {"upright", sighting.isUpright},     {"frames", sighting.frames},
-          {"fps", sighting.framesPerSecond()}, {"skipped", sighting.skipped},
-          {"unreadable", sighting.unreadable}, {"age", sighting.age(50)},
-          {"age95", sighting.age(95)},         {"ageMax", sighting.age(100)}};
+  return {{"place", toJson(sighting.place)}, {"mirrored", sighting.isMirrored},
+          {"upright", sighting.isUpright},   {"softness", sighting.softness},
+          {"frames", sighting.frames},       {"fps", sighting.framesPerSecond()},
+          {"skipped", sighting.skipped},     {"unreadable", sighting.unreadable},
+          {"age", sighting.age(50)},         {"age95", sighting.age(95)},
+          {"ageMax", sighting.age(100)}};
 }
 
 Json require(bool isDone, const char* what) {

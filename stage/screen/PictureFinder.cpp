@@ -115,4 +115,19 @@ bool isUpright(const Image& image, Rectangle place, bool isMirrored) {
   return hueAt(image, x, place.y + place.height / 6) == Hue::Green;
 }
 
+double softness(const Image& image, Rectangle place) {
+  constexpr int kDark = 48;
+  constexpr int kBright = 207;
+  const int y = place.y + (clock::rowTop(place.height, 0) + clock::rowTop(place.height, 1)) / 2;
+  int between = 0;
+  int borders = 0;
+  bool wasLight = image.isLight(place.x, y);
+  for (int x = place.x + 1; x < place.x + place.width - 1; ++x) {
+    if (image.isLight(x, y) != wasLight) ++borders;
+    wasLight = image.isLight(x, y);
+    if (image.green(x, y) > kDark && image.green(x, y) < kBright) ++between;
+  }
+  return borders == 0 ? 0 : static_cast<double>(between) / borders;
+}
+
 }  // namespace vistrel::stage

@@ -16,4 +16,8 @@ namespace vistrel::stage {
 /// True when the green block is in the upper corner that belongs to a picture of that way round.
 [[nodiscard]] bool isUpright(const Image& image, Rectangle place, bool isMirrored);
 
+/// How many pixels the border between a light and a dark cell takes on average; above two, the picture was
+/// enlarged after it was scaled.
+[[nodiscard]] double softness(const Image& image, Rectangle place);
+
 }  // namespace vistrel::stage

@@ -68,7 +68,9 @@ std::optional<Sighting> watchPicture(const Screen& screen, std::optional<Rectang
     std::this_thread::sleep_for(kBetweenLooks);
   }
   sighting.seconds = std::chrono::duration<double>(latest - first).count();
-  sighting.isUpright = isUpright(screen.capture(screen.whole()), *place, sighting.isMirrored);
+  const Image image = screen.capture(screen.whole());
+  sighting.isUpright = isUpright(image, *place, sighting.isMirrored);
+  sighting.softness = softness(image, *place);
   std::sort(sighting.ages.begin(), sighting.ages.end());
   return sighting;
 }

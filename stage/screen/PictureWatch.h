@@ -14,6 +14,7 @@ struct Sighting {
   Rectangle place;
   bool isMirrored = false;
   bool isUpright = false;
+  double softness = 0;
   int frames = 0;         ///< different ones
   int skipped = 0;        ///< frames of the camera in between that were never seen
   int unreadable = 0;     ///< looks that found no clock
