@@ -1,0 +1,10 @@
+#include "app/ShortcutNames.h"
+
+namespace vistrel::shortcutName {
+
+const KeyboardShortcuts::Name& toggleShortcutMode() {
+  static const KeyboardShortcuts::Name name("toggleShortcutMode");
+  return name;
+}
+
+}  // namespace vistrel::shortcutName

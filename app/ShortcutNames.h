@@ -1,0 +1,11 @@
+#pragma once
+
+#include "KeyboardShortcuts/Name.h"
+
+/// The names under which the program stores shortcuts of the user's choice.
+namespace vistrel::shortcutName {
+
+/// Opens the mirror, or closes it; without a default.
+[[nodiscard]] const KeyboardShortcuts::Name& toggleShortcutMode();
+
+}  // namespace vistrel::shortcutName
