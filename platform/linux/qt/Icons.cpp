@@ -1,0 +1,25 @@
+#include "qt/Icons.h"
+
+#include <QPainter>
+#include <QSvgRenderer>
+
+namespace vistrel::qt {
+
+QPixmap drawn(const NSImage& image, QSize size, double scale, const QColor& colour) {
+  QSvgRenderer renderer(QString::fromStdString(image.path()));
+  if (!renderer.isValid()) return {};
+  renderer.setAspectRatioMode(Qt::KeepAspectRatio);
+  QPixmap pixmap((QSizeF(size) * scale).toSize());
+  pixmap.fill(Qt::transparent);
+  QPainter painter(&pixmap);
+  renderer.render(&painter);
+  if (image.isTemplate()) {
+    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    painter.fillRect(pixmap.rect(), colour);
+  }
+  painter.end();
+  pixmap.setDevicePixelRatio(scale);
+  return pixmap;
+}
+
+}  // namespace vistrel::qt

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QColor>
+#include <QPalette>
+
+#include "appkit/NSAppearance.h"
+
+namespace vistrel::qt {
+
+/// The colours of windows and menus in an appearance: the desktop's own where they agree with it.
+[[nodiscard]] QPalette paletteFor(const NSAppearance& appearance);
+
+/// The surface of the glass while there is no picture.
+[[nodiscard]] QColor neutralGlass(const NSAppearance& appearance);
+
+/// The line around a popover and its tip.
+[[nodiscard]] QColor chromeLine(const NSAppearance& appearance);
+
+}  // namespace vistrel::qt

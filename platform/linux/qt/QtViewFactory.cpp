@@ -1,0 +1,36 @@
+#include "qt/QtViewFactory.h"
+
+#include <array>
+
+#include "qt/QtControls.h"
+
+namespace vistrel::qt {
+
+namespace {
+
+using Maker = std::unique_ptr<QtView> (*)(NSView& view, QtViewClient& client);
+
+template <class View, class Widget>
+std::unique_ptr<QtView> make(NSView& view, QtViewClient& client) {
+  auto* known = dynamic_cast<View*>(&view);
+  return known ? std::make_unique<Widget>(*known, client) : nullptr;
+}
+
+// Subclasses before their bases.
+constexpr std::array<Maker, 4> kMakers = {
+    make<NSPopUpButton, QtPopUpButton>,
+    make<NSButton, QtPushButton>,
+    make<NSTextField, QtTextField>,
+    make<NSImageView, QtImageView>,
+};
+
+}  // namespace
+
+std::unique_ptr<QtView> makeQtView(NSView& view, QtViewClient& client) {
+  for (const Maker maker : kMakers) {
+    if (auto widget = maker(view, client)) return widget;
+  }
+  return std::make_unique<QtView>(view, client);
+}
+
+}  // namespace vistrel::qt

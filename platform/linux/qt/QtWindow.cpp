@@ -1,0 +1,262 @@
+#include "qt/QtWindow.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QCursor>
+#include <QWindow>
+#include <utility>
+
+#include "appkit/NSPopUpButton.h"
+#include "appkit/NSView.h"
+#include "qt/Geometry.h"
+#include "qt/Palette.h"
+#include "qt/PopoverShape.h"
+#include "qt/QtControls.h"
+#include "qt/QtEvents.h"
+
+namespace vistrel::qt {
+
+namespace {
+
+// An ordinary window can be closed and moved; nothing of ours gains from another size or from being
+// minimised.
+constexpr Qt::WindowFlags kTitledFlags = Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                                         Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint;
+// The same for an attached and a torn-off popover: Qt takes a window down to change its flags.
+constexpr Qt::WindowFlags kPopoverFlags =
+    Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::NoDropShadowWindowHint;
+
+}  // namespace
+
+QtWindow::QtWindow(NSWindow& window, host::WindowClient& client, X11Windows& x11)
+    : window_(window),
+      client_(client),
+      x11_(x11),
+      shell_(new QtShell(*this)),
+      tree_(shell_->content(), *this),
+      shownKind_(window.kind()) {
+  const Obeying obeying(*this);
+  shell_->setWindowFlags(hasChrome() ? kPopoverFlags : kTitledFlags);
+  attributesDidChange();
+}
+
+QtWindow::~QtWindow() {
+  if (menu_) menu_->close();
+  shell_->retire();
+}
+
+bool QtWindow::hasChrome() const { return window_.kind() != NSWindowKind::Titled; }
+
+void QtWindow::contentDidChange() {
+  const Obeying obeying(*this);
+  tree_.build(window_.contentView().get());
+  addCloseButton();
+  firstResponderDidChange(dynamic_cast<NSView*>(window_.firstResponder()));
+  // A new content under a resting pointer has not been told of it.
+  const bool isOther = std::exchange(builtContent_, window_.contentView()) != window_.contentView();
+  if (isOther && std::exchange(isPointerInside_, false)) tellPointer(true);
+}
+
+void QtWindow::addCloseButton() {
+  const auto& button = window_.closeButton();
+  if (!button || !hasChrome() || tree_.find(button.get())) return;
+  tree_.add(*button, std::make_unique<QtCloseButton>(*button, static_cast<QtViewClient&>(*this)));
+}
+
+void QtWindow::show() {
+  const Obeying obeying(*this);
+  if (!shell_->isVisible()) {
+    margins_ = hasChrome() ? PopoverShape::margins(window_.tip()) : QMargins();
+    attributesDidChange();
+    shell_->winId();
+    applyChrome();
+    const bool isAccessory = window_.kind() == NSWindowKind::Popover;
+    x11_.setListed(*shell_->windowHandle(),
+                   isAccessory ? X11Windows::ListedAs::Accessory : X11Windows::ListedAs::Window);
+    x11_.noteUserAction();
+    shell_->show();
+  }
+  activate();
+  firstResponderDidChange(dynamic_cast<NSView*>(window_.firstResponder()));
+}
+
+void QtWindow::hide() {
+  const Obeying obeying(*this);
+  if (menu_) menu_->close();
+  shell_->hide();
+  tellPointer(false);
+}
+
+void QtWindow::activate() {
+  const Obeying obeying(*this);
+  x11_.noteUserAction();
+  shell_->raise();
+  shell_->activateWindow();
+}
+
+void QtWindow::attributesDidChange() {
+  const Obeying obeying(*this);
+  shell_->setWindowTitle(QString::fromStdString(window_.title()));
+  applyLook();
+  applyFrame();
+  addCloseButton();
+  const bool isOtherKind = std::exchange(shownKind_, window_.kind()) != window_.kind();
+  if (shell_->isVisible() && hasChrome()) applyChrome();
+  if (isOtherKind && shell_->isVisible()) {
+    x11_.setListed(*shell_->windowHandle(), X11Windows::ListedAs::Window);
+  }
+}
+
+void QtWindow::applyLook() {
+  const QPalette palette = paletteFor(window_.effectiveAppearance());
+  if (shell_->testAttribute(Qt::WA_SetPalette) && shell_->palette() == palette) return;
+  shell_->setPalette(palette);
+  tree_.refreshAll();
+}
+
+void QtWindow::applyFrame() {
+  const QRect content = toQt(window_.frame());
+  const QRect outer = content.marginsAdded(margins_);
+  if (outer.isEmpty()) return;
+  if (shell_->geometry() != outer) {
+    shell_->setFixedSize(outer.size());
+    shell_->setGeometry(outer);
+  }
+  shell_->content().setGeometry(QRect(QPoint(margins_.left(), margins_.top()), content.size()));
+}
+
+void QtWindow::applyChrome() {
+  if (!hasChrome()) return;
+  const auto tip = window_.kind() == NSWindowKind::Popover ? window_.tip() : std::nullopt;
+  const PopoverShape shape(shell_->content().geometry(), tip, shell_->geometry().topLeft());
+  shell_->setChrome(shape.outline(), chromeLine(window_.effectiveAppearance()));
+  x11_.setShape(*shell_->windowHandle(), shape.region(shell_->devicePixelRatioF()));
+}
+
+void QtWindow::viewDidChange(NSView& view) {
+  QtView* widget = tree_.find(&view);
+  if (!widget) return;
+  const Obeying obeying(*this);
+  widget->refresh();
+  // A control that was hidden could not take the focus that it has.
+  if (&view == window_.firstResponder()) firstResponderDidChange(&view);
+}
+
+void QtWindow::firstResponderDidChange(NSView* view) {
+  const Obeying obeying(*this);
+  const QtView* widget = tree_.find(view);
+  if (widget && widget->control()) {
+    widget->control()->setFocus(Qt::OtherFocusReason);
+  } else if (QWidget* focused = shell_->focusWidget()) {
+    focused->clearFocus();
+  }
+}
+
+void QtWindow::popUpMenu(NSPopUpButton& button) {
+  const QtView* widget = tree_.find(&button);
+  if (!widget || !shell_->isVisible()) return;
+  if (menu_) menu_->close();
+  const auto kept = std::static_pointer_cast<NSPopUpButton>(button.shared_from_this());
+  menu_ = new QtPopUpMenu(button.menu(), button.pullsDown() ? 1 : 0, shell_->palette(),
+                          [kept](const auto& item) { kept->itemChosen(item); });
+  QObject::connect(
+      menu_, &QMenu::aboutToHide, &context_, [this] { menuClosed(); }, Qt::QueuedConnection);
+  if (auto* face = qobject_cast<QAbstractButton*>(widget->control())) {
+    face->setDown(true);
+    QObject::connect(menu_, &QMenu::aboutToHide, face, [face] { face->setDown(false); });
+  }
+  const QRect anchor(widget->mapToGlobal(QPoint(0, 0)), widget->size());
+  menu_->popUpBeside(anchor, wasKeyLast_ ? QtPopUpMenu::OpenedBy::Keyboard : QtPopUpMenu::OpenedBy::Pointer);
+}
+
+// While a menu is open the pointer is neither in the content nor away from it.
+void QtWindow::menuClosed() {
+  if (menu_ && menu_->isVisible()) return;
+  const QWidget* under = QApplication::widgetAt(QCursor::pos());
+  tellPointer(under && (under == &shell_->content() || shell_->content().isAncestorOf(under)));
+}
+
+void QtWindow::tellPointer(bool isInside) {
+  if (std::exchange(isPointerInside_, isInside) == isInside) return;
+  const auto tell = [this, isInside] { isInside ? client_.pointerDidEnter() : client_.pointerDidLeave(); };
+  if (commands_ == 0) {
+    tell();
+  } else {
+    QMetaObject::invokeMethod(&context_, tell, Qt::QueuedConnection);
+  }
+}
+
+Rect QtWindow::contentOnDesktop() const { return fromQt(shell_->geometry().marginsRemoved(margins_)); }
+
+bool QtWindow::covers(QPoint place) const {
+  if (!shell_->isVisible()) return false;
+  if (!hasChrome()) return shell_->geometry().contains(place);
+  const auto tip = window_.kind() == NSWindowKind::Popover ? window_.tip() : std::nullopt;
+  const PopoverShape shape(shell_->content().geometry(), tip, shell_->geometry().topLeft());
+  return shape.outline().contains(place - shell_->geometry().topLeft());
+}
+
+void QtWindow::shellCloseRequested() {
+  QMetaObject::invokeMethod(
+      &context_, [this] { client_.closeRequested(); }, Qt::QueuedConnection);
+}
+
+void QtWindow::shellActivated() { client_.didGainFocus(); }
+
+void QtWindow::shellDeactivated() {
+  // A key that another program has grabbed looks like a lost focus while it is held.
+  if (shell_->windowHandle() && x11_.hasFocus(*shell_->windowHandle())) return;
+  client_.didLoseFocus();
+}
+
+void QtWindow::shellMoved() {
+  if (commands_ > 0 || !shell_->isVisible() || contentOnDesktop() == window_.frame()) return;
+  client_.didMove(contentOnDesktop());
+}
+
+void QtWindow::shellScaled() { applyChrome(); }
+
+void QtWindow::shellDragBegan() {
+  if (hasChrome()) client_.dragDidBegin();
+}
+
+void QtWindow::shellDragged(QPoint position) {
+  if (window_.kind() != NSWindowKind::Detached) return;
+  {
+    const Obeying obeying(*this);
+    shell_->move(position);
+  }
+  client_.didMove(contentOnDesktop());
+}
+
+void QtWindow::shellPointerEntered() {
+  if (!menu_ || !menu_->isVisible()) tellPointer(true);
+}
+
+void QtWindow::shellPointerLeft() {
+  if (!menu_ || !menu_->isVisible()) tellPointer(false);
+}
+
+bool QtWindow::shellFilter(QEvent& event) {
+  wasKeyLast_ = event.type() == QEvent::KeyPress;
+  const auto translation = translated(event);
+  return translation && client_.handleEvent(translation);
+}
+
+std::shared_ptr<NSEvent> QtWindow::translated(QEvent& event) {
+  if (auto* key = dynamic_cast<QKeyEvent*>(&event)) return keyEvent(*key, window_);
+  auto* press = dynamic_cast<QMouseEvent*>(&event);
+  return press ? buttonEvent(*press, shell_->content().pos(), window_) : nullptr;
+}
+
+void QtWindow::focusWanted(NSView& view) {
+  if (commands_ > 0) return;
+  client_.focusWanted(&view);
+  if (window_.firstResponder() != &view) {
+    firstResponderDidChange(dynamic_cast<NSView*>(window_.firstResponder()));
+  }
+}
+
+void QtWindow::clicked(NSView& view) { client_.viewClicked(view); }
+
+}  // namespace vistrel::qt
