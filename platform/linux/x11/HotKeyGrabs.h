@@ -1,0 +1,54 @@
+#pragma once
+
+#include <xcb/xcb.h>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "host/Keyboard.h"
+#include "x11/ModifierMap.h"
+#include "x11/X11Connection.h"
+
+namespace vistrel::x11 {
+
+/// Hot keys by passive grabs on the root window, one for every state of the lock keys. No timer runs but
+/// while a hot key is held down.
+class HotKeyGrabs final : public host::HotKeyHost {
+ public:
+  explicit HotKeyGrabs(X11Connection& connection);
+  ~HotKeyGrabs() override;
+
+  bool grab(std::uint32_t token, host::HotKeyCombination combination) override;
+  void release(std::uint32_t token) override;
+  void setHandler(std::function<void(std::uint32_t, host::HotKeyPhase)> handler) override;
+
+ private:
+  struct Entry {
+    std::uint32_t token;
+    std::uint32_t modifiers;
+    xcb_keycode_t key;
+    bool isHeld;
+  };
+  void eventCame(const xcb_generic_event_t& event);
+  void keyPressed(const xcb_key_press_event_t& event);
+  void keyReleased(xcb_keycode_t key);
+  void checkHeldKeys();
+  void watchHeldKeys();
+  void renew();
+  bool take(const Entry& entry);
+  void giveBack(const Entry& entry);
+  [[nodiscard]] bool isShared(const Entry& entry) const;
+  void tell(std::uint32_t token, host::HotKeyPhase phase) const;
+
+  X11Connection& connection_;
+  ModifierMap modifiers_;
+  std::vector<Entry> entries_;
+  std::function<void(std::uint32_t, host::HotKeyPhase)> handler_;
+  std::shared_ptr<X11Connection::Handler> subscription_;
+  std::unique_ptr<desktop::Registration> heldWatch_;
+  std::unique_ptr<desktop::Registration> renewal_;
+};
+
+}  // namespace vistrel::x11

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <xcb/xcb.h>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "x11/X11Connection.h"
+
+namespace vistrel::x11 {
+
+/// A press of a mouse button anywhere on the desktop, whoever gets it.
+struct RawPress {
+  int button = 1;  ///< 1 left, 2 middle, 3 right; the wheel's turns are not told
+  int x = 0;       ///< pixels on the root window
+  int y = 0;
+  std::vector<xcb_window_t> windows;  ///< under the pointer, from the top-level one inwards
+};
+
+/// Watches every press on the desktop (XInput 2), only while somebody listens. Main thread only.
+class RawPresses {
+ public:
+  explicit RawPresses(X11Connection& connection);
+  RawPresses(const RawPresses&) = delete;
+  RawPresses& operator=(const RawPresses&) = delete;
+  ~RawPresses();
+
+  /// Who is told, from the main loop; an empty function ends the watching.
+  using Handler = std::function<void(const RawPress&)>;
+  void setHandler(Handler handler);
+
+ private:
+  enum class Watching { Off, On };
+  void select(Watching watching);
+  void eventCame(const xcb_generic_event_t& event);
+  [[nodiscard]] RawPress locate(int button);
+
+  X11Connection& connection_;
+  std::uint8_t extension_ = 0;
+  Handler handler_;
+  std::shared_ptr<X11Connection::Handler> subscription_;
+};
+
+}  // namespace vistrel::x11

@@ -1,0 +1,41 @@
+#include "x11/X11Keyboard.h"
+
+#include "carbon/KeyCodes.h"
+#include "x11/DesktopShortcuts.h"
+
+namespace vistrel::x11 {
+
+X11Keyboard::X11Keyboard(X11Connection& connection, xcb_connection_t* toolkit)
+    : connection_(connection), toolkit_(toolkit), keymap_(connection) {}
+
+std::optional<std::string> X11Keyboard::displayCharacter(std::uint16_t keyCode) {
+  const auto evdev = evdevFromVirtualKeyCode(keyCode);
+  // Event code 0 is no key: asked nonetheless, for a keyboard without keymap answers nothing at all.
+  return keymap_.text(evdev.value_or(0));
+}
+
+std::optional<std::vector<std::map<std::string, std::any>>> X11Keyboard::symbolicHotKeys() {
+  return readDesktopShortcuts(keymap_);
+}
+
+void X11Keyboard::beep() {
+  constexpr std::int8_t kUsualVolume = 0;
+  xcb_bell(connection_.get(), kUsualVolume);
+  connection_.flush();
+}
+
+bool X11Keyboard::setKeyboardCaptured(bool isCaptured) {
+  if (!toolkit_) return false;
+  if (!isCaptured) {
+    xcb_ungrab_keyboard(toolkit_, XCB_CURRENT_TIME);
+    xcb_flush(toolkit_);
+    return true;
+  }
+  // Owner events: what the focused window of ours would get it still gets, and nobody else gets anything.
+  const auto cookie = xcb_grab_keyboard(toolkit_, 1, connection_.root(), XCB_CURRENT_TIME,
+                                        XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+  const Reply<xcb_grab_keyboard_reply_t> reply(xcb_grab_keyboard_reply(toolkit_, cookie, nullptr));
+  return reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
+}
+
+}  // namespace vistrel::x11

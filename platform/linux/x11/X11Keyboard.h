@@ -1,0 +1,27 @@
+#pragma once
+
+#include "host/Keyboard.h"
+#include "x11/Keymap.h"
+#include "x11/X11Connection.h"
+
+namespace vistrel::x11 {
+
+/// The keyboard of an X server.
+class X11Keyboard final : public host::KeyboardHost {
+ public:
+  /// `toolkit` is the connection on which the program's windows get their keys: the server hands a captured
+  /// keyboard to one connection only. Null where there is none; then nothing can be captured.
+  X11Keyboard(X11Connection& connection, xcb_connection_t* toolkit);
+
+  [[nodiscard]] std::optional<std::string> displayCharacter(std::uint16_t keyCode) override;
+  [[nodiscard]] std::optional<std::vector<std::map<std::string, std::any>>> symbolicHotKeys() override;
+  void beep() override;
+  bool setKeyboardCaptured(bool isCaptured) override;
+
+ private:
+  X11Connection& connection_;
+  xcb_connection_t* toolkit_;
+  Keymap keymap_;
+};
+
+}  // namespace vistrel::x11
