@@ -2,9 +2,12 @@
 
 #include <utility>
 
+#include "KeyboardShortcuts/KeyboardShortcuts.h"
+#include "app/AuxiliaryWindows.h"
 #include "app/CameraMenu.h"
 #include "app/Notifications.h"
 #include "app/PreferenceKeys.h"
+#include "app/ShortcutNames.h"
 #include "appkit/NSStatusBar.h"
 #include "foundation/Log.h"
 #include "host/Host.h"
@@ -28,6 +31,8 @@ AppDelegate::AppDelegate() : defaults_(UserDefaults::standard()) {
   implement("clickedStatusBarButton:", [this](NSObject*) { clickedStatusBarButton(); });
   implement("switchCameraInputWithSender:",
             [this](NSObject* sender) { switchCameraInputWithSender(sender); });
+  implement("openAboutWithSender:", [](NSObject*) { openAboutWindow(); });
+  implement("openPreferencesWithSender:", [](NSObject*) { openPreferencesWindow(); });
   implement("quitWithSender:", [](NSObject* sender) { NSApplication::shared().terminate(sender); });
 }
 
@@ -55,7 +60,9 @@ void AppDelegate::observeChanges() {
       NotificationCenter::Queue::Main);
 }
 
-void AppDelegate::attachShortcut() {}
+void AppDelegate::attachShortcut() {
+  KeyboardShortcuts::onKeyUp(shortcutName::toggleShortcutMode(), [this] { togglePopover(this); });
+}
 
 void AppDelegate::registerPreferenceDefaults() {
   defaults_.registerDefaults({{preference::kSelectedMirroring, true}});

@@ -3,6 +3,7 @@
 #include <any>
 #include <utility>
 
+#include "app/AuxiliaryWindows.h"
 #include "app/CameraMenu.h"
 #include "app/Notifications.h"
 #include "app/PreferenceKeys.h"
@@ -45,6 +46,8 @@ std::shared_ptr<CALayer> makeBacking(const CGColor& color, double radius) {
 CameraViewController::CameraViewController() : defaults_(UserDefaults::standard()) {
   implement("switchCameraInputWithSender:",
             [this](NSObject* sender) { switchCameraInputWithSender(sender); });
+  implement("openAboutWithSender:", [](NSObject*) { openAboutWindow(); });
+  implement("openPreferencesWithSender:", [this](NSObject*) { prefsWindow_ = openPreferencesWindow(); });
   implement("quitWithSender:", [](NSObject* sender) { NSApplication::shared().terminate(sender); });
 }
 

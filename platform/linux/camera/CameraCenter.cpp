@@ -7,7 +7,6 @@
 #include "linux/camera/Attachment.h"
 #include "linux/camera/CaptureStream.h"
 #include "linux/camera/PipeWireProvider.h"
-#include "linux/camera/V4l2Provider.h"
 
 namespace vistrel::capture {
 namespace {
@@ -48,7 +47,7 @@ CameraCenter::CameraCenter(Reactor& reactor)
 CameraCenter::~CameraCenter() { graph_->setLostHandler(nullptr); }
 
 std::vector<host::CameraDevice> CameraCenter::devices() {
-  auto entries = provider_->cameras();
+  auto entries = provider_ ? provider_->cameras() : std::vector<CameraEntry>{};
   std::sort(entries.begin(), entries.end(), isListedBefore);
   std::vector<host::CameraDevice> devices;
   for (auto& entry : entries) devices.push_back(std::move(entry.device));
@@ -56,6 +55,7 @@ std::vector<host::CameraDevice> CameraCenter::devices() {
 }
 
 Result<std::unique_ptr<host::CameraStream>> CameraCenter::open(const std::string& id) {
+  if (!provider_) return Error{"The camera is no longer connected."};
   auto device = provider_->open(id);
   if (!device) return device.error();
   return std::unique_ptr<host::CameraStream>(
@@ -76,11 +76,7 @@ void CameraCenter::connect(int attempts) {
     retry_ = reactor_.after(kBetweenAttempts, [this, attempts] { connect(attempts - 1); });
 }
 
-// An opened stream outlives its provider.
-void CameraCenter::useV4l2() {
-  if (!dynamic_cast<V4l2Provider*>(provider_.get()))
-    provider_ = std::make_unique<V4l2Provider>(reactor_, V4l2System::kernel(), "/dev");
-}
+void CameraCenter::useV4l2() { provider_.reset(); }
 
 void CameraCenter::watchForDaemon() {
   const auto socket = daemonSocket();

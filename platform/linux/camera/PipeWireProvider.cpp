@@ -7,7 +7,6 @@
 
 #include "linux/camera/Attachment.h"
 #include "linux/camera/PipeWireDevice.h"
-#include "linux/camera/Problem.h"
 
 namespace vistrel::capture {
 namespace {
@@ -71,10 +70,10 @@ Result<std::unique_ptr<CaptureDevice>> PipeWireProvider::open(const std::string&
   graph_->refresh();
   for (const auto& node : graph_->nodes()) {
     if (idOf(*node) != id) continue;
-    if (node->isInError()) return errorOfMessage(node->lastError());
+    if (node->isInError()) return Error{describeProblem(node->lastError())};
     return std::unique_ptr<CaptureDevice>(std::make_unique<PipeWireDevice>(graph_, *node));
   }
-  return errorOf(Problem::Gone);
+  return Error{"The camera is no longer connected."};
 }
 
 }  // namespace vistrel::capture

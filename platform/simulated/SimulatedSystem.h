@@ -1,0 +1,115 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "foundation/FatalError.h"
+#include "host/Host.h"
+
+namespace vistrel::simulated {
+
+/// The preferences file in memory, with a disk that can be told to fail.
+class SimulatedUserFiles final : public host::UserFiles {
+ public:
+  Result<std::optional<std::string>> readPreferences() override { return preferences; }
+  Result<void> editPreferences(const Edit& edit) override;
+  Result<std::string> setPreferencesAside() override;
+
+  std::optional<std::string> preferences;
+  std::vector<std::string> setAside;
+  std::string writeError;
+};
+
+/// Resources: files given by a test, else those of a real folder.
+class SimulatedResources final : public host::Resources {
+ public:
+  explicit SimulatedResources(std::string directory) : directory_(std::move(directory)) {}
+  [[nodiscard]] std::string resourceDirectory() const override { return directory_; }
+  [[nodiscard]] std::string executablePath() const override { return directory_ + "/../vistrel"; }
+  [[nodiscard]] std::optional<std::string> read(const std::string& path) const override;
+  [[nodiscard]] bool isDirectory(const std::string& path) const override;
+  [[nodiscard]] std::string preferredLanguage() const override { return language; }
+
+  /// By path below the resource folder; an empty optional hides a real file.
+  std::map<std::string, std::optional<std::string>> overrides;
+  std::string language;
+
+ private:
+  std::string directory_;
+};
+
+class SimulatedLoginItems final : public host::LoginItems {
+ public:
+  Result<std::vector<host::LoginItem>> items() override;
+  Result<void> setEnabled(const std::string& label, bool isEnabled) override;
+
+  std::vector<host::LoginItem> entries;
+  std::string readError;
+  std::string writeError;
+};
+
+class SimulatedHotKeys final : public host::HotKeyHost {
+ public:
+  bool grab(std::uint32_t token, host::HotKeyCombination combination) override;
+  void release(std::uint32_t token) override { grabs.erase(token); }
+  void setHandler(std::function<void(std::uint32_t, host::HotKeyPhase)> handler) override {
+    handler_ = std::move(handler);
+  }
+
+  /// Presses and releases the keys of every grab of that combination; false when nobody holds it.
+  bool press(host::HotKeyCombination combination);
+  bool send(host::HotKeyCombination combination, host::HotKeyPhase phase);
+
+  std::map<std::uint32_t, host::HotKeyCombination> grabs;
+  /// Combinations that another program holds.
+  std::vector<host::HotKeyCombination> taken;
+
+ private:
+  std::function<void(std::uint32_t, host::HotKeyPhase)> handler_;
+};
+
+class SimulatedKeyboard final : public host::KeyboardHost {
+ public:
+  SimulatedKeyboard();
+  [[nodiscard]] std::optional<std::string> displayCharacter(std::uint16_t keyCode) override;
+  [[nodiscard]] std::optional<std::vector<std::map<std::string, std::any>>> symbolicHotKeys() override {
+    return symbolic;
+  }
+  void beep() override { ++beeps; }
+  bool setKeyboardCaptured(bool wanted) override {
+    isCaptured = wanted && !refusesCapture;
+    return isCaptured == wanted;
+  }
+
+  /// Unshifted texts by virtual key code; a key that is missing types nothing.
+  std::map<std::uint16_t, std::string> layout;
+  bool hasLayout = true;
+  std::optional<std::vector<std::map<std::string, std::any>>> symbolic;
+  int beeps = 0;
+  bool isCaptured = false;
+  bool refusesCapture = false;
+};
+
+class SimulatedSession final : public host::SessionHost {
+ public:
+  void setClient(host::SessionClient* client) override { client_ = client; }
+  [[nodiscard]] std::vector<host::Screen> screens() override { return screenList; }
+  [[nodiscard]] Point pointerLocation() override { return pointer; }
+  [[nodiscard]] bool isDark() override { return dark; }
+  [[nodiscard]] Version platformVersion() override { return version; }
+  bool openUrl(const std::string& url) override;
+  [[nodiscard]] host::SessionClient& client() const;
+
+  std::vector<host::Screen> screenList = {{"main", {0, 0, 1280, 800}, {0, 28, 1280, 772}, 1, true}};
+  Point pointer{640, 400};
+  bool dark = false;
+  bool hasBrowser = true;
+  Version version{12, 0, 0};
+  std::vector<std::string> openedUrls;
+
+ private:
+  host::SessionClient* client_ = nullptr;
+};
+
+}  // namespace vistrel::simulated

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/Windows.h"
+
+namespace vistrel::simulated {
+
+class SimulatedWindows;
+
+/// A window that is on screen when it says so, with the commands that it was given.
+class SimulatedWindow final : public host::NativeWindow {
+ public:
+  SimulatedWindow(SimulatedWindows& owner, NSWindow& window, host::WindowClient& client);
+  ~SimulatedWindow() override;
+
+  void contentDidChange() override {}
+  void show() override { isOnScreen_ = true; }
+  void hide() override { isOnScreen_ = false; }
+  void attributesDidChange() override {}
+  void viewDidChange(NSView& /*view*/) override {}
+  void firstResponderDidChange(NSView* view) override { focused_ = view; }
+  void popUpMenu(NSPopUpButton& button) override { openMenu_ = &button; }
+  void activate() override { ++activations_; }
+
+  [[nodiscard]] bool isOnScreen() const { return isOnScreen_; }
+  [[nodiscard]] NSWindow& window() const { return window_; }
+  [[nodiscard]] host::WindowClient& client() const { return client_; }
+  [[nodiscard]] NSView* focused() const { return focused_; }
+  /// The button whose menu is open; null when none is.
+  [[nodiscard]] NSPopUpButton* openMenu() const { return openMenu_; }
+  void closeMenu() { openMenu_ = nullptr; }
+  [[nodiscard]] int activations() const { return activations_; }
+
+ private:
+  SimulatedWindows& owner_;
+  NSWindow& window_;
+  host::WindowClient& client_;
+  NSView* focused_ = nullptr;
+  NSPopUpButton* openMenu_ = nullptr;
+  int activations_ = 0;
+  bool isOnScreen_ = false;
+};
+
+/// The windows of the simulated desktop.
+class SimulatedWindows final : public host::WindowSystem {
+ public:
+  std::unique_ptr<host::NativeWindow> makeWindow(NSWindow& window, host::WindowClient& client) override;
+  void setOutsidePressClient(host::OutsidePressClient* client) override { outsideClient_ = client; }
+  void showAlert(const std::shared_ptr<NSAlert>& alert, NSWindow* parent) override;
+
+  /// The windows on screen, the newest last.
+  [[nodiscard]] std::vector<SimulatedWindow*> onScreen() const;
+  /// The newest window on screen of that title; stops the program when there is none.
+  [[nodiscard]] SimulatedWindow& titled(const std::string& title) const;
+  /// Where a press is reported that hits none of the program's windows. Reports nothing when nobody listens.
+  void pressOutside(Point location);
+
+  /// Alerts that wait for an answer.
+  std::vector<std::shared_ptr<NSAlert>> alerts;
+
+ private:
+  friend class SimulatedWindow;
+  std::vector<SimulatedWindow*> windows_;
+  host::OutsidePressClient* outsideClient_ = nullptr;
+};
+
+}  // namespace vistrel::simulated

@@ -1,0 +1,96 @@
+#include "camera/CameraManagement.h"
+
+#include <gtest/gtest.h>
+
+#include "app/PreferenceKeys.h"
+#include "simulated/SimulatedDesktop.h"
+
+namespace vistrel {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+struct Case {
+  std::string description;
+  std::vector<std::string> cameras;
+  std::string stored;
+  std::string selectedId;
+  Lines log;
+};
+
+Lines withoutRefreshLines(Lines lines) {
+  std::erase_if(lines, [](const auto& line) { return line.starts_with("📷"); });
+  return lines;
+}
+
+TEST(CameraManagement, settlesTheSelection) {
+  const std::string fallback = "Could't find default camera, reverting to system setting";
+  const std::string composed = "Caf\u00e9";
+  const std::string decomposed = "Cafe\u0301";
+  const std::vector<Case> cases = {
+      {"nothing stored", {"A", "D"}, "", "camera1", {}},
+      {"the stored one", {"A", "D"}, "D", "camera2", {"Detected a user preference: D"}},
+      {"the stored one is away", {"A", "D"}, "X", "camera1", {"Detected a user preference: X", fallback}},
+      {"case counts", {"A", "d"}, "D", "camera1", {"Detected a user preference: D", fallback}},
+      {"the last of one name", {"D", "A", "D"}, "D", "camera3", {"Detected a user preference: D"}},
+      {"composed or not",
+       {"A", composed},
+       decomposed,
+       "camera2",
+       {"Detected a user preference: " + decomposed}},
+      {"an empty name", {"A", ""}, "A", "camera1", {"Detected a user preference: A"}},
+      {"no camera", {}, "", "", {}},
+      {"no camera, one stored", {}, "D", "", {"Detected a user preference: D", fallback}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.description);
+    simulated::SimulatedDesktop desktop(VISTREL_RESOURCES);
+    for (const auto& name : c.cameras) desktop.cameraHost.plug(name);
+    if (!c.stored.empty()) UserDefaults::standard().setString(c.stored, preference::kDefaultCamera);
+    const CameraManagement cameras;
+    EXPECT_EQ(cameras.selectedDevice() ? cameras.selectedDevice()->uniqueID() : "", c.selectedId);
+    EXPECT_EQ(withoutRefreshLines(desktop.takeLog()), c.log);
+    EXPECT_EQ(UserDefaults::standard().stringForKey(preference::kDefaultCamera).value_or(""), c.stored);
+  }
+}
+
+TEST(CameraManagement, listsWhatIsConnectedAndAwake) {
+  simulated::SimulatedDesktop desktop(VISTREL_RESOURCES);
+  desktop.cameraHost.plug("A");
+  desktop.cameraHost.plug("B").device.isSuspended = true;
+  desktop.cameraHost.plug("C").device.isConnected = false;
+  desktop.cameraHost.plug("two\nlines");
+  CameraManagement cameras;
+  const std::string line =
+      "📷 Refreshed Devices — available cameras: "
+      "[<AVCaptureDevice: A [camera1]>, <AVCaptureDevice: two lines [camera4]>]";
+  EXPECT_EQ(desktop.takeLog(), Lines{line});
+
+  const auto selected = cameras.selectedDevice();
+  desktop.cameraHost.unplug("A");
+  desktop.cameraHost.unplug("two\nlines");
+  cameras.refreshDevices();
+  EXPECT_EQ(desktop.takeLog(), Lines{"📷 Refreshed Devices — available cameras: []"});
+  EXPECT_EQ(cameras.selectedDevice(), selected);
+  EXPECT_FALSE(selected->isConnected());
+  cameras.selectDefaultCamera();
+  EXPECT_EQ(cameras.selectedDevice(), nullptr);
+}
+
+TEST(CameraManagement, savesTheChosenCamera) {
+  simulated::SimulatedDesktop desktop(VISTREL_RESOURCES);
+  for (const char* name : {"A", "twin", "twin"}) desktop.cameraHost.plug(name);
+  CameraManagement cameras;
+  desktop.takeLog();
+  cameras.saveDefaultCamera("nobody");
+  EXPECT_EQ(desktop.takeLog(), Lines{});
+  EXPECT_EQ(UserDefaults::standard().stringForKey(preference::kDefaultCamera), std::nullopt);
+  cameras.saveDefaultCamera("twin");
+  const std::string line = "⚠️ Saving default camera: twin";
+  EXPECT_EQ(desktop.takeLog(), (Lines{line, line}));
+  EXPECT_EQ(cameras.selectedDevice()->uniqueID(), "camera3");
+  EXPECT_EQ(UserDefaults::standard().stringForKey(preference::kDefaultCamera), "twin");
+}
+
+}  // namespace
+}  // namespace vistrel
