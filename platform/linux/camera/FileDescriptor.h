@@ -1,35 +1,9 @@
 #pragma once
 
-#include <unistd.h>
-
-#include <utility>
+#include "linux/FileDescriptor.h"
 
 namespace vistrel::capture {
 
-/// Owns a file descriptor.
-class FileDescriptor {
- public:
-  FileDescriptor() = default;
-  explicit FileDescriptor(int fd) : fd_(fd) {}
-  ~FileDescriptor() { reset(); }
-  FileDescriptor(FileDescriptor&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
-  FileDescriptor& operator=(FileDescriptor&& other) noexcept {
-    if (this != &other) {
-      reset();
-      fd_ = std::exchange(other.fd_, -1);
-    }
-    return *this;
-  }
-
-  [[nodiscard]] int get() const { return fd_; }
-  [[nodiscard]] explicit operator bool() const { return fd_ >= 0; }
-  void reset() {
-    if (fd_ >= 0) ::close(fd_);
-    fd_ = -1;
-  }
-
- private:
-  int fd_ = -1;
-};
+using desktop::FileDescriptor;
 
 }  // namespace vistrel::capture

@@ -1,0 +1,80 @@
+#include "qt/ColourScheme.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QGuiApplication>
+#include <QPalette>
+#include <utility>
+
+#include "foundation/Log.h"
+
+namespace vistrel::qt {
+
+namespace {
+
+constexpr const char* kService = "org.freedesktop.portal.Desktop";
+constexpr const char* kPath = "/org/freedesktop/portal/desktop";
+constexpr const char* kInterface = "org.freedesktop.portal.Settings";
+constexpr const char* kNamespace = "org.freedesktop.appearance";
+constexpr const char* kKey = "color-scheme";
+constexpr uint kPreferDark = 1;
+
+// Portals wrap the answer to Read twice and the signal's value once.
+uint unwrapped(QVariant value) {
+  while (value.canConvert<QDBusVariant>()) value = value.value<QDBusVariant>().variant();
+  return value.toUInt();
+}
+
+bool startedDark() { return QGuiApplication::palette().color(QPalette::Window).lightness() < 128; }
+
+}  // namespace
+
+ColourScheme::ColourScheme(std::function<void()> handler)
+    : handler_(std::move(handler)),
+      portal_(kService, QDBusConnection::sessionBus(), QDBusServiceWatcher::WatchForRegistration),
+      isDark_(startedDark()) {
+  connect(&portal_, &QDBusServiceWatcher::serviceRegistered, this, [this] { askPortal(); });
+  connectPortal();
+  askPortal();
+}
+
+void ColourScheme::connectPortal() {
+  // Without a name for the type Qt refuses a slot that takes it.
+  qRegisterMetaType<QDBusVariant>("QDBusVariant");
+  auto bus = QDBusConnection::sessionBus();
+  if (!bus.isConnected()) return;
+  if (!bus.connect(kService, kPath, kInterface, "SettingChanged", this,
+                   SLOT(settingChanged(QString, QString, QDBusVariant)))) {
+    Log::warning("Vistrel cannot hear of changes between light and dark");
+  }
+}
+
+void ColourScheme::askPortal() {
+  auto message = QDBusMessage::createMethodCall(kService, kPath, kInterface, "Read");
+  message << kNamespace << kKey;
+  auto* call = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(message), this);
+  connect(call, &QDBusPendingCallWatcher::finished, this, [this, call] {
+    call->deleteLater();
+    const QDBusPendingReply<QDBusVariant> reply = *call;
+    if (reply.isError()) return useGnomeSettings();
+    gnome_.reset();
+    set(unwrapped(reply.value().variant()) == kPreferDark);
+  });
+}
+
+void ColourScheme::settingChanged(const QString& nameSpace, const QString& key, const QDBusVariant& value) {
+  if (nameSpace == kNamespace && key == kKey) set(unwrapped(value.variant()) == kPreferDark);
+}
+
+void ColourScheme::useGnomeSettings() {
+  if (!gnome_) gnome_ = GnomeSettings::open([this](bool isDark) { set(isDark); });
+  if (gnome_) set(gnome_->prefersDark());
+}
+
+void ColourScheme::set(bool isDark) {
+  if (std::exchange(isDark_, isDark) != isDark) handler_();
+}
+
+}  // namespace vistrel::qt

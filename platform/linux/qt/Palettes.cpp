@@ -1,0 +1,53 @@
+#include "qt/Palettes.h"
+
+namespace vistrel::qt {
+
+namespace {
+
+struct Colours {
+  QRgb window;
+  QRgb base;
+  QRgb button;
+  QRgb text;
+  QRgb dimmed;
+  QRgb link;
+  QRgb accent;
+};
+
+constexpr Colours kLight{0xfff2f2f2, 0xffffffff, 0xfff7f7f7, 0xff1c1c1e, 0xff8a8a8e, 0xff1a5fb4, 0xff3584e4};
+constexpr Colours kDark{0xff2b2b2d, 0xff1e1e20, 0xff3a3a3c, 0xfff2f2f2, 0xff8e8e93, 0xff78aeed, 0xff3584e4};
+
+void setDisabled(QPalette& palette, QColor dimmed) {
+  for (const auto role :
+       {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::HighlightedText}) {
+    palette.setColor(QPalette::Disabled, role, dimmed);
+  }
+}
+
+// Qt derives the shades of frames and edges from the button's and the window's colour.
+QPalette make(const Colours& colours) {
+  QPalette palette(QColor(colours.button), QColor(colours.window));
+  for (const auto role :
+       {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText}) {
+    palette.setColor(role, QColor(colours.text));
+  }
+  palette.setColor(QPalette::Base, QColor(colours.base));
+  palette.setColor(QPalette::AlternateBase, QColor(colours.window));
+  palette.setColor(QPalette::ToolTipBase, QColor(colours.base));
+  palette.setColor(QPalette::PlaceholderText, QColor(colours.dimmed));
+  palette.setColor(QPalette::Highlight, QColor(colours.accent));
+  palette.setColor(QPalette::HighlightedText, Qt::white);
+  palette.setColor(QPalette::Link, QColor(colours.link));
+  palette.setColor(QPalette::LinkVisited, QColor(colours.link));
+  setDisabled(palette, QColor(colours.dimmed));
+  palette.setColor(QPalette::Disabled, QPalette::Highlight, QColor(colours.button));
+  return palette;
+}
+
+}  // namespace
+
+QPalette lightPalette() { return make(kLight); }
+
+QPalette darkPalette() { return make(kDark); }
+
+}  // namespace vistrel::qt

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "linux/Reactor.h"
+
+namespace vistrel::host {
+class MainLoop;
+}
+
+namespace vistrel::qt {
+
+/// Qt's event loop for the parts of the backend that know no toolkit.
+class QtReactor final : public desktop::Reactor {
+ public:
+  explicit QtReactor(host::MainLoop& loop) : loop_(loop) {}
+
+  [[nodiscard]] std::unique_ptr<desktop::Registration> watch(int fd, std::function<void()> handler) override;
+  [[nodiscard]] std::unique_ptr<desktop::Registration> after(std::chrono::milliseconds delay,
+                                                             std::function<void()> handler) override;
+  void post(std::function<void()> work) override;
+
+ private:
+  host::MainLoop& loop_;
+};
+
+}  // namespace vistrel::qt

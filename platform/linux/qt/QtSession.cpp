@@ -1,0 +1,84 @@
+#include "qt/QtSession.h"
+
+#include <QApplication>
+#include <QCursor>
+#include <QDesktopServices>
+#include <QEvent>
+#include <QSessionManager>
+#include <QToolTip>
+#include <QUrl>
+#include <utility>
+
+#include "qt/Geometry.h"
+#include "qt/Palettes.h"
+#include "qt/SingleInstance.h"
+
+namespace vistrel::qt {
+
+using host::SessionClient;
+
+QtSession::QtSession(desktop::Reactor& reactor, SingleInstance& instance)
+    : reactor_(reactor),
+      instance_(instance),
+      screenWatch_([this] {
+        if (screenHandler_) screenHandler_();
+        report(&SessionClient::screensDidChange);
+      }),
+      activation_({.didBecomeActive = [this] { report(&SessionClient::didBecomeActive); },
+                   .willResignActive = [this] { report(&SessionClient::willResignActive); }}),
+      colourScheme_([this] {
+        applyColours();
+        report(&SessionClient::appearanceDidChange);
+      }),
+      signals_(reactor, [this] { report(&SessionClient::terminateRequested); }) {
+  instance.setReopenHandler([this] { report(&SessionClient::reopen); });
+  applyColours();
+  watchEndOfSession();
+}
+
+void QtSession::setClient(SessionClient* client) {
+  client_ = client;
+  if (client && !std::exchange(isLaunched_, true)) reactor_.post([this] { launch(); });
+}
+
+// What the bus delivers in the turn of the launch belongs to it.
+void QtSession::launch() {
+  report(&SessionClient::didFinishLaunching);
+  reactor_.post([this] {
+    QCoreApplication::sendPostedEvents();
+    instance_.didFinishStart();
+  });
+}
+
+void QtSession::report(Report what) {
+  if (client_) (client_->*what)();
+}
+
+Point QtSession::pointerLocation() { return fromQt(QCursor::pos()); }
+
+bool QtSession::openUrl(const std::string& url) {
+  return QDesktopServices::openUrl(QUrl(QString::fromStdString(url)));
+}
+
+void QtSession::applyColours() {
+  const QPalette palette = isDark() ? darkPalette() : lightPalette();
+  QApplication::setPalette(palette);
+  QToolTip::setPalette(palette);
+}
+
+// A session manager that starts the program again would show it to a user who has quit it.
+void QtSession::watchEndOfSession() {
+  const auto never = [](QSessionManager& manager) { manager.setRestartHint(QSessionManager::RestartNever); };
+  QObject::connect(qApp, &QGuiApplication::commitDataRequest, this, never, Qt::DirectConnection);
+  QObject::connect(qApp, &QGuiApplication::saveStateRequest, this, never, Qt::DirectConnection);
+  qApp->installEventFilter(this);
+}
+
+// Qt's own way to quit, which a session manager's end takes, goes through the terminate step instead.
+bool QtSession::eventFilter(QObject* watched, QEvent* event) {
+  if (watched != qApp || event->type() != QEvent::Quit) return false;
+  reactor_.post([this] { report(&SessionClient::terminateRequested); });
+  return true;
+}
+
+}  // namespace vistrel::qt

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QObject>
+
+#include "host/Session.h"
+#include "linux/Reactor.h"
+#include "qt/ActivationWatch.h"
+#include "qt/ColourScheme.h"
+#include "qt/ScreenWatch.h"
+#include "qt/TerminationSignals.h"
+
+namespace vistrel::qt {
+
+class SingleInstance;
+
+/// The program's place in the user's session on an X11 desktop.
+class QtSession final : public QObject, public host::SessionHost {
+ public:
+  QtSession(desktop::Reactor& reactor, SingleInstance& instance);
+
+  /// The first client is launched in the next turn of the main loop.
+  void setClient(host::SessionClient* client) override;
+  [[nodiscard]] std::vector<host::Screen> screens() override { return ScreenWatch::screens(); }
+  [[nodiscard]] Point pointerLocation() override;
+  [[nodiscard]] bool isDark() override { return colourScheme_.isDark(); }
+  [[nodiscard]] Version platformVersion() override { return {12, 0, 0}; }
+  bool openUrl(const std::string& url) override;
+
+  /// Told of changed screens before the client is.
+  void setScreenHandler(std::function<void()> handler) { screenHandler_ = std::move(handler); }
+
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  using Report = void (host::SessionClient::*)();
+  void report(Report what);
+  void launch();
+  void applyColours();
+  void watchEndOfSession();
+
+  desktop::Reactor& reactor_;
+  SingleInstance& instance_;
+  host::SessionClient* client_ = nullptr;
+  std::function<void()> screenHandler_;
+  bool isLaunched_ = false;
+  ScreenWatch screenWatch_;
+  ActivationWatch activation_;
+  ColourScheme colourScheme_;
+  TerminationSignals signals_;
+};
+
+}  // namespace vistrel::qt

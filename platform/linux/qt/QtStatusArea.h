@@ -1,0 +1,59 @@
+#pragma once
+
+#include <QSystemTrayIcon>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "host/StatusArea.h"
+#include "qt/MirroredMenu.h"
+#include "qt/PopUpMenu.h"
+#include "qt/TrayHostWatch.h"
+#include "qt/TrayImage.h"
+
+namespace vistrel::host {
+class SessionHost;
+}
+
+namespace vistrel::qt {
+
+/// The tray icon: one native icon for as long as the program runs, changed in place. It is made when the
+/// desktop has a place for it, however late.
+class QtStatusArea final : public host::StatusArea {
+ public:
+  explicit QtStatusArea(host::SessionHost& session);
+  ~QtStatusArea() override;
+
+  void setClient(host::StatusAreaClient* client) override { client_ = client; }
+  void setIcon(const std::string& imagePath) override;
+  void hideIcon() override;
+  void setHighlighted(bool isHighlighted) override;
+  void mirrorMenu(std::shared_ptr<NSMenu> menu) override;
+  void popUpMenu(std::shared_ptr<NSMenu> menu) override;
+  void dismissMenu() override;
+  [[nodiscard]] std::optional<Rect> iconFrame() override;
+
+  /// The desktop's screens changed: where the icon was last pressed tells nothing any more.
+  void forgetIconFrame() { guessedFrame_.reset(); }
+
+ private:
+  void makeIcon();
+  void update();
+  void pressed(QSystemTrayIcon::ActivationReason reason);
+  void report(host::PointerButton button);
+  void hostWillOpenMenu();
+  void rememberPointer();
+
+  host::SessionHost& session_;
+  host::StatusAreaClient* client_ = nullptr;
+  std::unique_ptr<QSystemTrayIcon> icon_;
+  std::unique_ptr<TrayHostWatch> hosts_;
+  MirroredMenu mirror_;
+  std::unique_ptr<PopUpMenu> popUp_;
+  TrayImage image_;
+  bool isShown_ = false;
+  bool isHighlighted_ = false;
+  std::optional<Rect> guessedFrame_;
+};
+
+}  // namespace vistrel::qt

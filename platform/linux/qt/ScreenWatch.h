@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QObject>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "host/Session.h"
+#include "qt/SingleShot.h"
+
+class QScreen;
+
+namespace vistrel::qt {
+
+/// The screens, and word of their changes: one for a burst of them, none for a panel that changes its strut.
+class ScreenWatch {
+ public:
+  explicit ScreenWatch(std::function<void()> handler);
+
+  [[nodiscard]] static std::vector<host::Screen> screens();
+
+ private:
+  void watch(QScreen* screen);
+  void checkSoon();
+  void check();
+
+  std::function<void()> handler_;
+  std::vector<host::Screen> known_;
+  std::unique_ptr<SingleShot> check_;
+  QObject context_;
+};
+
+}  // namespace vistrel::qt

@@ -1,0 +1,66 @@
+#include "qt/SingleInstance.h"
+
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QVariantMap>
+
+namespace vistrel::qt {
+
+namespace {
+
+constexpr const char* kName = "org.vistrel.Vistrel";
+constexpr const char* kPath = "/org/vistrel/Vistrel";
+constexpr const char* kInterface = "org.freedesktop.Application";
+// A first program that is busy gets the message all the same; the second one does not wait for it.
+constexpr int kHandOverPatience = 500;
+
+constexpr const char* kDescription = R"(<interface name="org.freedesktop.Application">
+  <method name="Activate"><arg type="a{sv}" direction="in"/></method>
+  <method name="Open"><arg type="as" direction="in"/><arg type="a{sv}" direction="in"/></method>
+  <method name="ActivateAction">
+    <arg type="s" direction="in"/><arg type="av" direction="in"/><arg type="a{sv}" direction="in"/>
+  </method>
+</interface>)";
+
+void handOver(const QDBusConnection& bus) {
+  auto message = QDBusMessage::createMethodCall(kName, kPath, kInterface, "Activate");
+  message << QVariantMap();
+  bus.call(message, QDBus::Block, kHandOverPatience);
+}
+
+}  // namespace
+
+SingleInstance::SingleInstance() = default;
+
+// The object stands before the name is asked for: whoever waits for the name may call at once.
+SingleInstance::Role SingleInstance::claim() {
+  auto bus = QDBusConnection::sessionBus();
+  if (!bus.isConnected()) return Role::WithoutBus;
+  bus.registerVirtualObject(kPath, this);
+  const auto reply = bus.interface()->registerService(kName, QDBusConnectionInterface::DontQueueService);
+  if (!reply.isValid()) return Role::WithoutBus;
+  if (reply.value() != QDBusConnectionInterface::ServiceRegistered) {
+    handOver(bus);
+    return Role::Second;
+  }
+  // The bus sends what waited for the name before it answers this: an activation that belongs to the start is
+  // in our queue afterwards.
+  (void)bus.interface()->isServiceRegistered(kName);
+  return Role::First;
+}
+
+QString SingleInstance::introspect(const QString& /*path*/) const { return kDescription; }
+
+bool SingleInstance::handleMessage(const QDBusMessage& message, const QDBusConnection& connection) {
+  if (message.interface() != kInterface) return false;
+  if (message.member() == "ActivateAction") {
+    return connection.send(message.createErrorReply(QDBusError::InvalidArgs, "Vistrel has no such action"));
+  }
+  if (message.member() != "Activate" && message.member() != "Open") return false;
+  if (message.isReplyRequired()) connection.send(message.createReply());
+  if (isStarted_ && reopen_) reopen_();
+  return true;
+}
+
+}  // namespace vistrel::qt

@@ -1,0 +1,80 @@
+#include "qt/TrayHostWatch.h"
+
+#include <xcb/xcb.h>
+
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QGuiApplication>
+#include <cstdlib>
+#include <string>
+#include <utility>
+
+namespace vistrel::qt {
+
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr const char* kWatcher = "org.kde.StatusNotifierWatcher";
+// Panels that speak both announce the embedding first; the better one follows within this time.
+constexpr milliseconds kPatience{1000};
+
+xcb_connection_t* connection() {
+  const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+  return x11 ? x11->connection() : nullptr;
+}
+
+template <class T>
+std::unique_ptr<T, decltype(&std::free)> owned(T* reply) {
+  return {reply, &std::free};
+}
+
+xcb_atom_t atom(const std::string& name) {
+  const auto cookie = xcb_intern_atom(connection(), 0, name.size(), name.c_str());
+  const auto reply = owned(xcb_intern_atom_reply(connection(), cookie, nullptr));
+  return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+}
+
+bool hasEmbeddingHost() {
+  const auto cookie = xcb_get_selection_owner(connection(), atom("_NET_SYSTEM_TRAY_S0"));
+  const auto reply = owned(xcb_get_selection_owner_reply(connection(), cookie, nullptr));
+  return reply && reply->owner != XCB_NONE;
+}
+
+bool hasBusHost() {
+  const auto* bus = QDBusConnection::sessionBus().interface();
+  return bus && bus->isServiceRegistered(kWatcher);
+}
+
+}  // namespace
+
+TrayHostWatch::TrayHostWatch(std::function<void()> handler)
+    : handler_(std::move(handler)),
+      busHosts_(kWatcher, QDBusConnection::sessionBus(), QDBusServiceWatcher::WatchForRegistration) {
+  QObject::connect(&busHosts_, &QDBusServiceWatcher::serviceRegistered, [this] { ready(milliseconds(0)); });
+  qApp->installNativeEventFilter(this);
+  if (hasBusHost()) {
+    ready(milliseconds(0));
+  } else if (hasEmbeddingHost()) {
+    embeddingHostCame();
+  }
+}
+
+TrayHostWatch::~TrayHostWatch() { qApp->removeNativeEventFilter(this); }
+
+// A new owner of a manager selection announces itself to the root window (ICCCM 2.8).
+bool TrayHostWatch::nativeEventFilter(const QByteArray& /*type*/, void* message, qintptr* /*result*/) {
+  const auto* event = static_cast<xcb_generic_event_t*>(message);
+  if ((event->response_type & 0x7f) != XCB_CLIENT_MESSAGE) return false;
+  const auto* announcement = static_cast<xcb_client_message_event_t*>(message);
+  if (announcement->type == atom("MANAGER") && hasEmbeddingHost()) embeddingHostCame();
+  return false;
+}
+
+void TrayHostWatch::embeddingHostCame() {
+  if (!ready_) ready(QDBusConnection::sessionBus().isConnected() ? kPatience : milliseconds(0));
+}
+
+void TrayHostWatch::ready(milliseconds delay) { ready_ = std::make_unique<SingleShot>(delay, handler_); }
+
+}  // namespace vistrel::qt
