@@ -1,0 +1,154 @@
+#include "linux/files/Autostart.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <filesystem>
+#include <set>
+#include <string_view>
+#include <utility>
+
+#include "linux/files/DesktopEntry.h"
+#include "linux/files/FileTools.h"
+
+namespace vistrel::files {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kSuffix = ".desktop";
+constexpr const char* kHidden = "Hidden";
+constexpr const char* kDesktopEnabled = "X-GNOME-Autostart-enabled";
+constexpr const char* kDefaultSystemFolders = "/etc/xdg";
+// Far more than any entry needs; what is larger is none.
+constexpr std::uintmax_t kLargestEntry = 1U << 20U;
+
+constexpr std::array<std::string_view, 9> kOwnKeys = {"Type",    "Version", "Name",     "Comment", "Exec",
+                                                      "TryExec", "Icon",    "Terminal", kHidden};
+
+std::optional<DesktopEntry> readEntry(const std::string& path) {
+  std::error_code error;
+  // Whatever else bears such a name (a folder, a pipe) is never opened.
+  if (!fs::is_regular_file(path, error) || fs::file_size(path, error) > kLargestEntry) return std::nullopt;
+  const auto content = readFile(path);
+  if (!content || !content.value()) return std::nullopt;
+  return DesktopEntry::parse(*content.value());
+}
+
+bool isProgramThere(const DesktopEntry& entry) {
+  const auto program = entry.value("TryExec");
+  return !program || !program->starts_with('/') || ::access(program->c_str(), X_OK) == 0;
+}
+
+bool startsSomething(const std::string& path) {
+  const auto entry = readEntry(path);
+  if (!entry || entry->boolean(kHidden).value_or(false) || !entry->boolean(kDesktopEnabled).value_or(true)) {
+    return false;
+  }
+  return !entry->value("Exec").value_or("").empty() && isProgramThere(*entry);
+}
+
+/// The entries of a folder by file name; an error when it cannot be read. A folder that is missing is empty.
+Result<std::set<std::string>> entriesIn(const std::string& folder) {
+  std::set<std::string> names;
+  std::error_code error;
+  fs::directory_iterator entry(folder, error);
+  if (error == std::errc::no_such_file_or_directory) return names;
+  for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+    const std::string name = entry->path().filename().string();
+    if (name.size() > kSuffix.size() && name.ends_with(kSuffix)) names.insert(name);
+  }
+  if (error) return Error{folder + ": " + error.message()};
+  return names;
+}
+
+bool hasForeignKeys(const DesktopEntry& entry) {
+  const auto keys = entry.keys();
+  return std::any_of(keys.begin(), keys.end(), [](const std::string& key) {
+    return std::find(kOwnKeys.begin(), kOwnKeys.end(), key) == kOwnKeys.end();
+  });
+}
+
+}  // namespace
+
+AutostartFolders AutostartFolders::fromEnvironment() {
+  AutostartFolders result{configurationFolder() + "/autostart", {}};
+  std::string configured = environment("XDG_CONFIG_DIRS");
+  if (configured.empty()) configured = kDefaultSystemFolders;
+  for (std::size_t start = 0; start <= configured.size();) {
+    const auto end = std::min(configured.find(':', start), configured.size());
+    const std::string folder = configured.substr(start, end - start);
+    if (folder.starts_with('/')) result.ofSystem.push_back(folder + "/autostart");
+    start = end + 1;
+  }
+  return result;
+}
+
+Autostart::Autostart(AutostartFolders folders, std::string program)
+    : folders_(std::move(folders)), program_(std::move(program)) {}
+
+Result<std::vector<host::LoginItem>> Autostart::items() {
+  std::vector<host::LoginItem> found;
+  std::set<std::string> seen;
+  std::optional<Error> failure;
+  std::vector<std::string> folders = folders_.ofSystem;
+  folders.insert(folders.begin(), folders_.ofUser);
+  for (const auto& folder : folders) {
+    const auto names = entriesIn(folder);
+    if (!names && !failure) failure = names.error();
+    if (!names) continue;
+    for (const auto& name : names.value()) {
+      if (!seen.insert(name).second) continue;
+      found.push_back({name.substr(0, name.size() - kSuffix.size()), startsSomething(folder + "/" + name)});
+    }
+  }
+  if (found.empty() && failure) return *failure;
+  return found;
+}
+
+bool Autostart::isInSystem(const std::string& fileName) const {
+  std::error_code error;
+  return std::any_of(folders_.ofSystem.begin(), folders_.ofSystem.end(),
+                     [&](const std::string& folder) { return fs::exists(folder + "/" + fileName, error); });
+}
+
+Result<void> Autostart::setEnabled(const std::string& label, bool isEnabled) {
+  const std::string fileName = label + std::string(kSuffix);
+  const std::string path = folders_.ofUser + "/" + fileName;
+  return isEnabled ? enable(path) : disable(path, fileName);
+}
+
+Result<void> Autostart::enable(const std::string& path) {
+  if (auto made = makeFolders(folders_.ofUser); !made) return made;
+  DesktopEntry entry = readEntry(path).value_or(DesktopEntry());
+  entry.set("Type", "Application");
+  entry.set("Name", "Vistrel");
+  entry.set("Comment", "A pocket mirror for the desktop");
+  entry.set("Exec", DesktopEntry::quotedArgument(program_));
+  entry.set("TryExec", program_);
+  entry.set("Icon", "org.vistrel.Vistrel");
+  entry.set("Terminal", "false");
+  if (entry.value(kHidden)) entry.set(kHidden, "false");
+  if (entry.value(kDesktopEnabled)) entry.set(kDesktopEnabled, "true");
+  return replaceFile(path, entry.text());
+}
+
+Result<void> Autostart::disable(const std::string& path, const std::string& fileName) {
+  auto entry = readEntry(path);
+  const bool liesOverSystem = isInSystem(fileName);
+  if (liesOverSystem || (entry && hasForeignKeys(*entry))) {
+    if (!entry) entry.emplace();
+    entry->set("Type", "Application");
+    if (!entry->value("Name")) entry->set("Name", "Vistrel");
+    entry->set(kHidden, "true");
+    if (auto made = makeFolders(folders_.ofUser); !made) return made;
+    return replaceFile(path, entry->text());
+  }
+  if (::unlink(path.c_str()) != 0 && errno != ENOENT && errno != ENOTDIR) return systemError(path);
+  return {};
+}
+
+}  // namespace vistrel::files

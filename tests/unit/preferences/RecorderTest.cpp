@@ -1,0 +1,258 @@
+#include "KeyboardShortcuts/RecorderCocoa.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "KeyboardShortcuts/KeyboardShortcuts.h"
+#include "KeyboardShortcuts/resource_bundle_accessor.h"
+#include "appkit/NSAlert.h"
+#include "appkit/NSApplication.h"
+#include "appkit/NSMenu.h"
+#include "appkit/NSWindow.h"
+#include "foundation/UserDefaults.h"
+#include "simulated/SimulatedDesktop.h"
+
+namespace vistrel::KeyboardShortcuts {
+namespace {
+
+using Flags = NSEventModifierFlags;
+
+constexpr std::uint16_t kA = 0;
+constexpr std::uint16_t kSpace = 49;
+constexpr std::uint16_t kTab = 48;
+constexpr std::uint16_t kEscape = 53;
+constexpr std::uint16_t kBackspace = 51;
+constexpr std::uint16_t kDeleteForward = 117;
+constexpr std::uint16_t kF5 = 96;
+constexpr const char* kIdle = "Record Shortcut";
+constexpr const char* kListening = "Press Shortcut";
+
+class RecorderTest : public ::testing::Test {
+ protected:
+  RecorderTest() {
+    resetForNewProcess();
+    desktop.keys.layout[kA] = "a";
+    window->setContentView(content);
+    recorder->setLayout(layoutAt({100, 50, 130, 22}));
+    content->addSubview(recorder);
+    window->makeKeyAndOrderFront(nullptr);
+  }
+
+  static ViewLayout layoutAt(const Rect& frame) {
+    ViewLayout layout;
+    layout.left = frame.x;
+    layout.top = frame.y;
+    layout.width = frame.width;
+    layout.height = frame.height;
+    return layout;
+  }
+  void record() { window->makeFirstResponder(recorder.get()); }
+  bool press(std::uint16_t keyCode, std::uint64_t flags = 0) {
+    return window->handleEvent(
+        NSEvent::keyEvent({.modifierFlags = {flags}, .keyCode = keyCode}, window.get()));
+  }
+  bool releaseAt(Point place) {
+    return window->handleEvent(
+        NSEvent::mouseEvent({.type = NSEventType::LeftMouseUp, .location = place}, window.get()));
+  }
+  // All that must agree about whether it records.
+  void expectRecording(bool isRecording, const std::string& what) {
+    EXPECT_EQ(recorder->isRecording(), isRecording) << what;
+    EXPECT_EQ(isPaused(), isRecording) << what;
+    EXPECT_EQ(desktop.keys.isCaptured, isRecording) << what;
+    EXPECT_EQ(recorder->placeholderString(), isRecording ? kListening : kIdle) << what;
+    EXPECT_EQ(window->firstResponder() == recorder.get(), isRecording) << what;
+    EXPECT_EQ(recorder->showsCancelButton(), !recorder->stringValue().empty()) << what;
+  }
+  void takeBySystem(const Shortcut& shortcut) {
+    desktop.keys.symbolic = {{{"kHISymbolicHotKeyEnabled", true},
+                              {"kHISymbolicHotKeyCode", shortcut.carbonKeyCode()},
+                              {"kHISymbolicHotKeyModifiers", shortcut.carbonModifiers()}}};
+  }
+
+  simulated::SimulatedDesktop desktop{VISTREL_RESOURCES};
+  Name name{"unitTest"};
+  std::vector<std::optional<Shortcut>> changes;
+  std::shared_ptr<NSView> content = std::make_shared<NSView>();
+  std::shared_ptr<NSWindow> window =
+      NSWindow::create({0, 0, 480, 360}, 3, NSBackingStoreType::Buffered, false);
+  std::shared_ptr<RecorderCocoa> recorder = std::make_shared<RecorderCocoa>(
+      name, [this](const std::optional<Shortcut>& shortcut) { changes.push_back(shortcut); });
+  const Shortcut commandA{kA, 0x100};
+};
+
+TEST_F(RecorderTest, DecidesAboutEachKey) {
+  struct Case {
+    const char* what;
+    std::uint16_t keyCode;
+    std::uint64_t flags;
+    bool isSwallowed;
+    bool staysRecording;
+    int beeps;
+    const char* textAfter;
+  };
+  const Case cases[] = {
+      {"a letter alone", kA, 0, true, true, 1, "⌘A"},
+      {"a letter with lock, keypad and function flags", kA,
+       Flags::kCapsLock | Flags::kNumericPad | Flags::kFunction, true, true, 1, "⌘A"},
+      {"a function key alone", kF5, Flags::kFunction, true, false, 0, "F5"},
+      {"a letter with a modifier", kA, Flags::kControl | Flags::kCapsLock, true, false, 0, "⌃A"},
+      {"three keys", kSpace, Flags::kControl | Flags::kOption, true, false, 0, "⌃⌥⎵"},
+      {"Tab alone", kTab, 0, false, false, 0, "⌘A"},
+      {"Shift and Tab", kTab, Flags::kShift, true, false, 0, "⇧⇥"},
+      {"Escape alone", kEscape, 0, true, false, 0, "⌘A"},
+      {"Escape with a modifier", kEscape, Flags::kCommand, true, false, 0, "⌘⎋"},
+      {"Backspace", kBackspace, 0, true, true, 0, ""},
+      {"Delete", kDeleteForward, Flags::kFunction, true, true, 0, ""},
+      {"Delete with a modifier", kDeleteForward, Flags::kOption, true, false, 0, "⌥⌦"},
+  };
+  for (const auto& c : cases) {
+    setShortcut(commandA, name);
+    desktop.keys.beeps = 0;
+    record();
+    expectRecording(true, c.what);
+    EXPECT_EQ(press(c.keyCode, c.flags), c.isSwallowed) << c.what;
+    expectRecording(c.staysRecording, c.what);
+    EXPECT_EQ(desktop.keys.beeps, c.beeps) << c.what;
+    EXPECT_EQ(recorder->stringValue(), c.textAfter) << c.what;
+    const auto stored = getShortcut(name);
+    EXPECT_EQ(stored ? stored->description() : "", c.textAfter) << c.what;
+    window->makeFirstResponder(nullptr);
+  }
+}
+
+TEST_F(RecorderTest, TellsOfEachRecordingAndEachClear) {
+  record();
+  press(kDeleteForward);
+  EXPECT_TRUE(changes.empty()) << "nothing is shown, so there is nothing to clear";
+  press(kA, Flags::kCommand);
+  recorder->userChangedText("");
+  expectRecording(true, "the clear button was clicked while idle");
+  EXPECT_EQ(changes, (std::vector<std::optional<Shortcut>>{commandA, std::nullopt}));
+  EXPECT_FALSE(UserDefaults::standard().boolForKey("KeyboardShortcuts_unitTest"));
+  EXPECT_TRUE(desktop.hotKeyHost.grabs.empty());
+}
+
+TEST_F(RecorderTest, EndsAtAReleaseOutsideItsMargin) {
+  struct Case {
+    Point place;
+    bool staysRecording;
+  };
+  for (const auto& [place, stays] : {Case{{98, 60}, true}, Case{{96, 60}, false}, Case{{232, 74}, true},
+                                     Case{{150, 76}, false}, Case{{165, 61}, true}}) {
+    record();
+    EXPECT_TRUE(releaseAt(place)) << "the release is swallowed";
+    expectRecording(stays, std::to_string(place.x) + ", " + std::to_string(place.y));
+  }
+  record();
+  const auto other = NSWindow::create({600, 0, 480, 360}, 3, NSBackingStoreType::Buffered, false);
+  other->handleEvent(
+      NSEvent::mouseEvent({.type = NSEventType::RightMouseUp, .location = {165, 61}}, other.get()));
+  expectRecording(false, "the same place in another window");
+}
+
+TEST_F(RecorderTest, RefusesWhatTheMenuOrTheSystemUses) {
+  auto menu = std::make_shared<NSMenu>();
+  auto submenu = std::make_shared<NSMenu>();
+  auto item = std::make_shared<NSMenuItem>("Find 100%…", "find:", "a");
+  item->setKeyEquivalentModifierMask({Flags::kCommand});
+  submenu->addItem(item);
+  menu->addItem(std::make_shared<NSMenuItem>("Edit"));
+  menu->itemArray().front()->setSubmenu(submenu);
+  NSApplication::shared().setMainMenu(menu);
+  takeBySystem(commandA);
+
+  std::vector<std::string> titles;
+  const auto answer = [&] {
+    const auto alert = desktop.windowSystem.alerts.back();
+    titles.push_back(alert->messageText());
+    EXPECT_EQ(window->attachedSheet(), alert);
+    EXPECT_FALSE(isPaused()) << "recording has ended while the alert is up";
+    window->closeRequested();
+    EXPECT_TRUE(window->isVisible()) << "the window waits for its sheet";
+    alert->respond(NSModalResponse::FirstButton);
+  };
+  record();
+  desktop.loop.onceModal(answer);
+  EXPECT_TRUE(press(kA, Flags::kCommand));
+  expectRecording(true, "after the menu's alert");
+  NSApplication::shared().setMainMenu(nullptr);
+  desktop.loop.onceModal(answer);
+  press(kA, Flags::kCommand);
+  expectRecording(true, "after the system's alert");
+  ASSERT_EQ(titles.size(), 2U);
+  EXPECT_NE(titles[0].find("“Find 100%…”"), std::string::npos) << titles[0];
+  EXPECT_NE(titles[1].find("desktop"), std::string::npos) << titles[1];
+  EXPECT_EQ(getShortcut(name), std::nullopt);
+  EXPECT_TRUE(changes.empty());
+}
+
+TEST_F(RecorderTest, LeavesNothingSwitchedOnHoweverItEnds) {
+  record();
+  window->close();
+  expectRecording(false, "the window closed under it");
+  window->makeKeyAndOrderFront(nullptr);
+
+  takeBySystem(commandA);
+  record();
+  desktop.loop.onceModal([&] { window->close(); });
+  press(kA, Flags::kCommand);
+  expectRecording(false, "the window closed under its alert");
+  window->makeKeyAndOrderFront(nullptr);
+
+  record();
+  window->didLoseFocus();
+  EXPECT_FALSE(desktop.keys.isCaptured) << "another window took the focus by force";
+  window->didGainFocus();
+  expectRecording(true, "the focus came back");
+  recorder->removeFromSuperview();
+  EXPECT_FALSE(isPaused());
+  EXPECT_FALSE(desktop.keys.isCaptured);
+
+  content->addSubview(recorder);
+  desktop.keys.refusesCapture = true;
+  record();
+  EXPECT_TRUE(recorder->isRecording()) << "a refused capture costs no more than itself";
+  recorder->removeFromSuperview();
+  recorder->becomeFirstResponder();
+  recorder.reset();
+  EXPECT_FALSE(isPaused()) << "the control died while it recorded without a window";
+}
+
+TEST_F(RecorderTest, ShowsTheShortcutOfItsName) {
+  setShortcut(commandA, Name("another"));
+  EXPECT_EQ(recorder->stringValue(), "");
+  setShortcut(commandA, name);
+  EXPECT_EQ(recorder->stringValue(), "⌘A");
+  record();
+  recorder->setShortcutName(Name(name.rawValue(), Shortcut(kF5)));
+  desktop.loop.settle();
+  expectRecording(true, "a name of equal raw value");
+  recorder->setShortcutName(Name("unknown"));
+  EXPECT_EQ(recorder->stringValue(), "");
+  expectRecording(true, "the focus goes in a later turn");
+  desktop.loop.settle();
+  expectRecording(false, "a name of another raw value");
+}
+
+TEST_F(RecorderTest, SpeaksTheUsersLanguage) {
+  const std::string table = "KeyboardShortcuts_KeyboardShortcuts.bundle/de.lproj/Localizable.json";
+  desktop.resourceFolder.overrides[table] = R"({"record_shortcut": "Kürzel aufnehmen"})";
+  desktop.resourceFolder.language = "de_DE";
+  const auto german = std::make_shared<RecorderCocoa>(name);
+  EXPECT_EQ(german->placeholderString(), "Kürzel aufnehmen");
+  german->becomeFirstResponder();
+  EXPECT_EQ(german->placeholderString(), kListening) << "English where the table has no entry";
+  EXPECT_EQ(resourceBundle().localizedString("unknown_key"), "unknown_key");
+}
+
+TEST_F(RecorderTest, StopsTheProgramWithoutItsTexts) {
+  simulated::SimulatedDesktop bare("/nonexistent");
+  EXPECT_FALSE(findResourceBundle());
+  EXPECT_DEATH(RecorderCocoa::initWithCoder(), "Fatal error: .*has not been implemented");
+}
+
+}  // namespace
+}  // namespace vistrel::KeyboardShortcuts
