@@ -1,0 +1,143 @@
+#include "linux/camera/V4l2Device.h"
+
+#include <utility>
+
+#include "linux/camera/Problem.h"
+#include "linux/camera/V4l2Formats.h"
+
+namespace vistrel::capture {
+namespace {
+
+constexpr std::chrono::milliseconds kClosingPatience{90};
+
+// Setting the format that is set already changes nothing, but a device that somebody else streams from
+// refuses.
+int checkFree(V4l2System& system, int fd) {
+  v4l2_format format{};
+  format.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
+  if (system.ioctl(fd, VIDIOC_G_FMT, &format) < 0) return 0;
+  return system.ioctl(fd, VIDIOC_S_FMT, &format);
+}
+
+}  // namespace
+
+Result<std::unique_ptr<CaptureDevice>> V4l2Device::open(Reactor& reactor, V4l2System& system,
+                                                        const std::string& path) {
+  const int fd = system.open(path);
+  if (fd < 0) return errorOfCall(-fd);
+  if (const int result = checkFree(system, fd); result < 0) {
+    system.close(fd);
+    return errorOfCall(-result);
+  }
+  return std::unique_ptr<CaptureDevice>(new V4l2Device(reactor, system, path, fd));
+}
+
+V4l2Device::V4l2Device(Reactor& reactor, V4l2System& system, std::string path, int fd)
+    : reactor_(reactor), system_(system), path_(std::move(path)), modes_(modesOf(system, fd)), fd_(fd) {}
+
+V4l2Device::~V4l2Device() {
+  stop();
+  if (fd_ >= 0) system_.close(fd_);
+}
+
+host::StreamStart V4l2Device::start(const ModeChoice& mode, CaptureClient& client,
+                                    std::chrono::milliseconds patience) {
+  stop();
+  client_ = &client;
+  mode_ = mode;
+  frameCount_ = 0;
+  self_ = std::make_shared<V4l2Device*>(this);
+  const int fd = fd_ >= 0 ? std::exchange(fd_, -1) : system_.open(path_);
+  if (fd < 0) return failLater(errorOfCall(-fd));
+  run_ = std::make_shared<V4l2Run>(system_, fd);
+  run_->begin(mode, [&reactor = reactor_, self = std::weak_ptr(self_)] {
+    reactor.post([self] {
+      if (const auto device = self.lock()) (*device)->settle();
+    });
+  });
+  const auto state = run_->await(patience);
+  isStartUntold_ = state == V4l2Run::State::Starting;
+  if (isStartUntold_) return host::StreamStart::Pending;
+  if (state != V4l2Run::State::Running) return failLater(run_->error());
+  watchFrames();
+  return host::StreamStart::Running;
+}
+
+void V4l2Device::stop() {
+  close();
+  client_ = nullptr;
+  failure_.reset();
+}
+
+void V4l2Device::close() {
+  self_.reset();
+  registration_.reset();
+  held_.reset();
+  isStartUntold_ = false;
+  if (run_) run_->end(kClosingPatience);
+  run_.reset();
+}
+
+host::StreamStart V4l2Device::failLater(Error error) {
+  close();
+  failure_ = std::move(error);
+  self_ = std::make_shared<V4l2Device*>(this);
+  reactor_.post([self = std::weak_ptr(self_)] {
+    if (const auto device = self.lock()) (*device)->tellFailure();
+  });
+  return host::StreamStart::Failed;
+}
+
+// The last thing that happens: the client may destroy this device.
+void V4l2Device::tellFailure() {
+  const Error error = *std::exchange(failure_, std::nullopt);
+  if (auto* client = std::exchange(client_, nullptr)) client->captureFailed(error);
+}
+
+// A start that was pending has come to an end.
+void V4l2Device::settle() {
+  if (!std::exchange(isStartUntold_, false)) return;
+  if (run_->await({}) != V4l2Run::State::Running) {
+    failLater(run_->error());
+    return;
+  }
+  watchFrames();
+  client_->captureStarted();
+}
+
+void V4l2Device::watchFrames() {
+  registration_ = reactor_.watch(run_->fd(), [this] { takeFrames(); });
+}
+
+void V4l2Device::takeFrames() {
+  const auto before = frameCount_;
+  while (true) {
+    const auto filled = run_->take();
+    if (!filled) {
+      failLater(filled.error());
+      return;
+    }
+    if (!filled.value()) break;
+    hold(*filled.value());
+  }
+  if (frameCount_ != before) client_->frameArrived();
+}
+
+void V4l2Device::hold(const V4l2Run::Filled& filled) {
+  if (filled.isDamaged) return run_->giveBack(filled.index);
+  if (held_) run_->giveBack(held_->index);
+  held_ = filled;
+  ++frameCount_;
+}
+
+std::optional<Frame> V4l2Device::frame() const {
+  if (!held_) return std::nullopt;
+  if (mode_->format == PixelFormat::Mjpeg) return held_->bytes;
+  const auto& format = run_->format();
+  const PlaneMemory memory{held_->bytes, static_cast<int>(format.bytesperline)};
+  const auto picture =
+      pictureIn({&memory, 1}, mode_->format, mode_->size, decideColour(mode_->format, colourOf(format)));
+  return picture ? std::optional<Frame>(*picture) : std::nullopt;
+}
+
+}  // namespace vistrel::capture

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "linux/camera/CaptureDevice.h"
+#include "linux/camera/Reactor.h"
+#include "linux/camera/V4l2Run.h"
+#include "linux/camera/V4l2System.h"
+
+namespace vistrel::capture {
+
+/// A camera opened directly. Frames stay in the driver's mapped buffers; only the newest is held.
+class V4l2Device final : public CaptureDevice {
+ public:
+  /// Opens the camera at `path`; the error tells whether it is gone, busy or denied.
+  static Result<std::unique_ptr<CaptureDevice>> open(Reactor& reactor, V4l2System& system,
+                                                     const std::string& path);
+  ~V4l2Device() override;
+
+  [[nodiscard]] const std::vector<VideoMode>& modes() const override { return modes_; }
+  host::StreamStart start(const ModeChoice& mode, CaptureClient& client,
+                          std::chrono::milliseconds patience) override;
+  void stop() override;
+  [[nodiscard]] std::optional<Frame> frame() const override;
+  [[nodiscard]] std::uint64_t frameCount() const override { return frameCount_; }
+
+ private:
+  V4l2Device(Reactor& reactor, V4l2System& system, std::string path, int fd);
+
+  host::StreamStart failLater(Error error);
+  void settle();
+  void tellFailure();
+  void watchFrames();
+  void takeFrames();
+  void hold(const V4l2Run::Filled& filled);
+  void close();
+
+  Reactor& reactor_;
+  V4l2System& system_;
+  std::string path_;
+  std::vector<VideoMode> modes_;
+  int fd_ = -1;  // opened, but not handed to a run
+  CaptureClient* client_ = nullptr;
+  std::optional<ModeChoice> mode_;
+  std::shared_ptr<V4l2Run> run_;
+  std::unique_ptr<Registration> registration_;
+  std::optional<V4l2Run::Filled> held_;
+  std::uint64_t frameCount_ = 0;
+  bool isStartUntold_ = false;
+  std::optional<Error> failure_;
+  /// Lives as long as a run may call back.
+  std::shared_ptr<V4l2Device*> self_;
+};
+
+}  // namespace vistrel::capture

@@ -1,0 +1,204 @@
+#include "ScriptedV4l2.h"
+
+#include <fcntl.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+
+namespace vistrel::capture {
+namespace {
+
+constexpr std::size_t kBufferBytes = 64 * 48 * 2;
+
+template <class T>
+T& as(void* argument) {
+  return *static_cast<T*>(argument);
+}
+
+}  // namespace
+
+void ScriptedV4l2::deliver(std::uint8_t value, std::uint32_t flags) {
+  const std::lock_guard lock(mutex_);
+  if (free_.empty()) return;
+  v4l2_buffer buffer{};
+  buffer.index = free_.front();
+  buffer.bytesused = kBufferBytes;
+  buffer.flags = flags;
+  free_.pop_front();
+  std::fill(buffers_[buffer.index].begin(), buffers_[buffer.index].end(), value);
+  filled_.push_back(buffer);
+  signal(1);
+}
+
+void ScriptedV4l2::unplug() {
+  const std::lock_guard lock(mutex_);
+  isUnplugged_ = true;
+  signal(1);
+}
+
+void ScriptedV4l2::holdStreaming(bool isHeld) {
+  const std::lock_guard lock(mutex_);
+  isHeld_ = isHeld;
+  released_.notify_all();
+}
+
+int ScriptedV4l2::openCount() {
+  const std::lock_guard lock(mutex_);
+  return static_cast<int>(opened_.size());
+}
+
+int ScriptedV4l2::mappedCount() {
+  const std::lock_guard lock(mutex_);
+  return static_cast<int>(mapped_.size());
+}
+
+std::size_t ScriptedV4l2::queuedCount() {
+  const std::lock_guard lock(mutex_);
+  return free_.size();
+}
+
+std::vector<std::string> ScriptedV4l2::nodes() {
+  std::vector<std::string> paths;
+  for (const auto& [path, node] : script) paths.push_back(path);
+  return paths;
+}
+
+V4l2System::Label ScriptedV4l2::label(const std::string& path) {
+  return {script[path].card, script[path].index};
+}
+
+// Every opening shares one descriptor underneath, as a device has one queue.
+int ScriptedV4l2::open(const std::string& path) {
+  const std::lock_guard lock(mutex_);
+  const auto node = script.find(path);
+  if (node == script.end()) return -ENOENT;
+  if (node->second.openResult < 0) return node->second.openResult;
+  if (!ready_) ready_ = FileDescriptor(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK | EFD_SEMAPHORE));
+  const int fd = ::fcntl(ready_.get(), F_DUPFD_CLOEXEC, 0);
+  opened_[fd] = path;
+  return fd;
+}
+
+void ScriptedV4l2::close(int fd) {
+  const std::lock_guard lock(mutex_);
+  opened_.erase(fd);
+  ::close(fd);
+}
+
+int ScriptedV4l2::ioctl(int fd, unsigned long request, void* argument) {
+  if (request == VIDIOC_STREAMON) return streamOn();
+  const std::lock_guard lock(mutex_);
+  const ScriptedNode& node = script.at(opened_.at(fd));
+  switch (request) {
+    case VIDIOC_G_FMT:
+      return 0;
+    case VIDIOC_S_FMT:
+      return setFormat(node, as<v4l2_format>(argument));
+    case VIDIOC_REQBUFS:
+      as<v4l2_requestbuffers>(argument).count = 3;
+      buffers_.assign(3, std::vector<std::uint8_t>(kBufferBytes));
+      free_.clear();
+      filled_.clear();
+      return 0;
+    case VIDIOC_QUERYBUF:
+      as<v4l2_buffer>(argument).length = kBufferBytes;
+      as<v4l2_buffer>(argument).m.offset = as<v4l2_buffer>(argument).index;
+      return 0;
+    case VIDIOC_QBUF:
+      return queue(as<v4l2_buffer>(argument));
+    case VIDIOC_DQBUF:
+      return dequeue(as<v4l2_buffer>(argument));
+    case VIDIOC_S_PARM:
+    case VIDIOC_STREAMOFF:
+      return 0;
+    default:
+      return enumerate(node, request, argument);
+  }
+}
+
+int ScriptedV4l2::enumerate(const ScriptedNode& node, unsigned long request, void* argument) {
+  if (request == VIDIOC_QUERYCAP) {
+    auto& capability = as<v4l2_capability>(argument);
+    node.card.copy(reinterpret_cast<char*>(capability.card), sizeof capability.card);
+    capability.capabilities =
+        V4L2_CAP_VIDEO_CAPTURE | V4L2_CAP_STREAMING | V4L2_CAP_META_CAPTURE | V4L2_CAP_DEVICE_CAPS;
+    capability.device_caps = node.deviceCaps;
+    return 0;
+  }
+  // A mode is a format of its own here, with one size.
+  const auto find = [&](std::uint32_t format) {
+    return std::find_if(node.modes.begin(), node.modes.end(),
+                        [&](auto& mode) { return mode.format == format; });
+  };
+  if (request == VIDIOC_ENUM_FMT) {
+    auto& description = as<v4l2_fmtdesc>(argument);
+    if (description.index >= node.modes.size()) return -EINVAL;
+    description.pixelformat = node.modes[description.index].format;
+    return 0;
+  }
+  if (request == VIDIOC_ENUM_FRAMESIZES) {
+    auto& size = as<v4l2_frmsizeenum>(argument);
+    if (size.index > 0) return -EINVAL;
+    const auto mode = find(size.pixel_format);
+    size.type = V4L2_FRMSIZE_TYPE_DISCRETE;
+    size.discrete = {mode->width, mode->height};
+    return 0;
+  }
+  if (request != VIDIOC_ENUM_FRAMEINTERVALS) return -ENOTTY;
+  auto& interval = as<v4l2_frmivalenum>(argument);
+  const auto mode = find(interval.pixel_format);
+  if (interval.index >= mode->rates.size()) return -EINVAL;
+  interval.type = V4L2_FRMIVAL_TYPE_DISCRETE;
+  interval.discrete = {1, mode->rates[interval.index]};
+  return 0;
+}
+
+int ScriptedV4l2::setFormat(const ScriptedNode& node, v4l2_format& format) const {
+  if (node.formatResult < 0) return node.formatResult;
+  if (node.grantsOtherSize) format.fmt.pix.width /= 2;
+  format.fmt.pix.bytesperline = format.fmt.pix.width * 2;
+  return 0;
+}
+
+int ScriptedV4l2::queue(v4l2_buffer& buffer) {
+  free_.push_back(buffer.index);
+  return 0;
+}
+
+int ScriptedV4l2::dequeue(v4l2_buffer& buffer) {
+  if (isUnplugged_) return -ENODEV;
+  if (filled_.empty()) return -EAGAIN;
+  buffer = filled_.front();
+  filled_.pop_front();
+  signal(-1);
+  return 0;
+}
+
+int ScriptedV4l2::streamOn() {
+  std::unique_lock lock(mutex_);
+  released_.wait(lock, [this] { return !isHeld_; });
+  return 0;
+}
+
+void ScriptedV4l2::signal(int change) {
+  std::uint64_t count = 1;
+  if (change > 0)
+    (void)!::write(ready_.get(), &count, sizeof count);
+  else
+    (void)!::read(ready_.get(), &count, sizeof count);
+}
+
+const void* ScriptedV4l2::map(int, std::size_t, std::size_t offset) {
+  const std::lock_guard lock(mutex_);
+  mapped_.insert(buffers_[offset].data());
+  return buffers_[offset].data();
+}
+
+void ScriptedV4l2::unmap(const void* memory, std::size_t) {
+  const std::lock_guard lock(mutex_);
+  mapped_.erase(memory);
+}
+
+}  // namespace vistrel::capture

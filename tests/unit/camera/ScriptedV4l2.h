@@ -1,0 +1,79 @@
+#pragma once
+
+#include <linux/videodev2.h>
+
+#include <condition_variable>
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <mutex>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "linux/camera/FileDescriptor.h"
+#include "linux/camera/V4l2System.h"
+
+namespace vistrel::capture {
+
+/// What a scripted node is and how it behaves.
+struct ScriptedNode {
+  std::string card = "Camera";
+  std::uint32_t deviceCaps = V4L2_CAP_VIDEO_CAPTURE | V4L2_CAP_STREAMING;
+  struct Mode {
+    std::uint32_t format = V4L2_PIX_FMT_YUYV;
+    std::uint32_t width = 64;
+    std::uint32_t height = 48;
+    std::vector<std::uint32_t> rates{30};
+  };
+  std::vector<Mode> modes{Mode{}};
+  int index = 0;
+  int openResult = 0;    ///< or a negative errno
+  int formatResult = 0;  ///< of setting a format
+  bool grantsOtherSize = false;
+};
+
+/// A kernel with cameras by script. Readiness is a real descriptor, so that a real loop can wait for it.
+class ScriptedV4l2 final : public V4l2System {
+ public:
+  std::map<std::string, ScriptedNode> script;
+
+  /// Fills the next free buffer of the running node with bytes of one value.
+  void deliver(std::uint8_t value, std::uint32_t flags = 0);
+  void unplug();
+  /// While held, switching a stream on does not return.
+  void holdStreaming(bool isHeld);
+
+  [[nodiscard]] int openCount();
+  [[nodiscard]] int mappedCount();
+  [[nodiscard]] std::size_t queuedCount();
+
+  std::vector<std::string> nodes() override;
+  Label label(const std::string& path) override;
+  int open(const std::string& path) override;
+  void close(int fd) override;
+  int ioctl(int fd, unsigned long request, void* argument) override;
+  const void* map(int fd, std::size_t length, std::size_t offset) override;
+  void unmap(const void* memory, std::size_t length) override;
+
+ private:
+  int enumerate(const ScriptedNode& node, unsigned long request, void* argument);
+  int setFormat(const ScriptedNode& node, v4l2_format& format) const;
+  int queue(v4l2_buffer& buffer);
+  int dequeue(v4l2_buffer& buffer);
+  int streamOn();
+  void signal(int change);
+
+  std::mutex mutex_;
+  std::condition_variable released_;
+  bool isHeld_ = false;
+  bool isUnplugged_ = false;
+  std::map<int, std::string> opened_;
+  FileDescriptor ready_;
+  std::vector<std::vector<std::uint8_t>> buffers_;
+  std::deque<std::uint32_t> free_;
+  std::deque<v4l2_buffer> filled_;
+  std::set<const void*> mapped_;
+};
+
+}  // namespace vistrel::capture

@@ -1,0 +1,165 @@
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+
+#include "PollReactor.h"
+#include "ScriptedV4l2.h"
+#include "linux/camera/V4l2Provider.h"
+
+namespace vistrel::capture {
+namespace {
+
+namespace fs = std::filesystem;
+using std::chrono::milliseconds;
+
+constexpr PixelSize kSize{64, 48};
+constexpr milliseconds kPatience{2000};
+
+class V4l2Test : public testing::Test, public CaptureClient {
+ protected:
+  V4l2Test() { fs::create_directories(folder_); }
+  ~V4l2Test() override { fs::remove_all(folder_); }
+
+  std::string node(int number) { return folder_ / ("video" + std::to_string(number)); }
+  std::vector<std::string> names() {
+    std::vector<std::string> names;
+    for (const auto& entry : provider_->cameras()) names.push_back(entry.device.localizedName);
+    return names;
+  }
+  void makeProvider() { provider_ = std::make_unique<V4l2Provider>(reactor_, system_, folder_); }
+  std::string openError(int number) {
+    makeProvider();
+    const auto device = provider_->open("v4l2:" + node(number));
+    return device ? "" : device.error().message;
+  }
+  // Opens and starts the scripted camera.
+  host::StreamStart start(milliseconds patience) {
+    makeProvider();
+    device_ = std::move(provider_->open("v4l2:" + node(0))).value();
+    return device_->start(chooseMode(device_->modes(), kSize).value(), *this, patience);
+  }
+  bool runUntil(const std::function<bool()>& isDone) { return reactor_.runUntil(isDone); }
+  int firstByte() { return std::get<Picture>(device_->frame().value()).planes[0].data[0]; }
+
+  void captureStarted() override { ++started_; }
+  void frameArrived() override { ++arrived_; }
+  void captureFailed(const Error& error) override { failures_.push_back(error.message); }
+
+  const fs::path folder_ = fs::temp_directory_path() / ("v4l2-test-" + std::to_string(::getpid()));
+  PollReactor reactor_;
+  ScriptedV4l2 system_;
+  std::unique_ptr<V4l2Provider> provider_;
+  std::unique_ptr<CaptureDevice> device_;
+  int started_ = 0;
+  int arrived_ = 0;
+  std::vector<std::string> failures_;
+};
+
+TEST_F(V4l2Test, ListsEachUsableCameraOnce) {
+  system_.script[node(0)] = {.card = "UVC"};
+  system_.script[node(1)] = {.card = "UVC", .deviceCaps = V4L2_CAP_META_CAPTURE | V4L2_CAP_STREAMING};
+  system_.script[node(2)] = {.card = "Infrared",
+                             .modes = {{.format = V4L2_PIX_FMT_GREY}, {.format = V4L2_PIX_FMT_Y10}}};
+  system_.script[node(3)] = {.card = "Locked", .openResult = -EACCES};
+  system_.script[node(4)] = {.card = "Locked", .index = 1, .openResult = -EACCES};
+  system_.script[node(5)] = {.card = "Dead", .openResult = -ENXIO};
+  system_.script[node(6)] = {.card = "<b>&\n", .modes = {{.format = V4L2_PIX_FMT_MJPEG, .rates = {}}}};
+  makeProvider();
+  EXPECT_EQ(names(), (std::vector<std::string>{"UVC", "Locked", "<b>&\n"}));
+  EXPECT_EQ(system_.openCount(), 0);
+}
+
+TEST_F(V4l2Test, NoticesNodesThatComeAndGo) {
+  makeProvider();
+  EXPECT_TRUE(names().empty());
+  system_.script[node(0)] = {.card = "Late"};
+  std::ofstream(node(0)).close();
+  EXPECT_EQ(names(), std::vector<std::string>{"Late"});
+  system_.script.clear();
+  fs::remove(node(0));
+  EXPECT_TRUE(names().empty());
+}
+
+TEST_F(V4l2Test, TellsWhyACameraCannotBeOpened) {
+  system_.script[node(0)] = {};
+  system_.script[node(1)] = {.openResult = -EACCES};
+  system_.script[node(2)] = {.openResult = -EBUSY};
+  system_.script[node(3)] = {.formatResult = -EBUSY};
+  const std::string texts[] = {
+      "", "Access to the camera is denied.", "The camera is in use by another program.",
+      "The camera is in use by another program.", "The camera is no longer connected."};
+  for (int i = 0; i < 5; ++i) EXPECT_EQ(openError(i), texts[i]) << i;
+  EXPECT_EQ(system_.openCount(), 0);
+}
+
+TEST_F(V4l2Test, HoldsTheNewestFrameAndGivesTheOthersBack) {
+  system_.script[node(0)] = {};
+  ASSERT_EQ(start(kPatience), host::StreamStart::Running);
+  system_.deliver(1);
+  system_.deliver(2);
+  EXPECT_TRUE(runUntil([&] { return arrived_ > 0; }));
+  EXPECT_EQ(arrived_, 1);
+  EXPECT_EQ(device_->frameCount(), 2U);
+  EXPECT_EQ(firstByte(), 2);
+  EXPECT_EQ(system_.queuedCount(), 2U);
+  system_.deliver(3, V4L2_BUF_FLAG_ERROR);
+  system_.deliver(4);
+  EXPECT_TRUE(runUntil([&] { return arrived_ > 1; }));
+  EXPECT_EQ(firstByte(), 4);
+  EXPECT_EQ(device_->frameCount(), 3U);
+  device_->stop();
+  EXPECT_EQ(system_.openCount(), 0);
+  EXPECT_EQ(system_.mappedCount(), 0);
+}
+
+TEST_F(V4l2Test, GoesOnStartingByItself) {
+  system_.script[node(0)] = {};
+  system_.holdStreaming(true);
+  ASSERT_EQ(start(milliseconds(1)), host::StreamStart::Pending);
+  EXPECT_EQ(started_, 0);
+  system_.holdStreaming(false);
+  EXPECT_TRUE(runUntil([&] { return started_ > 0; }));
+  system_.deliver(9);
+  EXPECT_TRUE(runUntil([&] { return arrived_ > 0; }));
+}
+
+TEST_F(V4l2Test, StopsWithoutWaitingForADriverThatHangs) {
+  system_.script[node(0)] = {};
+  system_.holdStreaming(true);
+  ASSERT_EQ(start(milliseconds(1)), host::StreamStart::Pending);
+  device_->stop();
+  EXPECT_EQ(system_.openCount(), 1);
+  system_.holdStreaming(false);
+  EXPECT_TRUE(reactor_.runUntil([&] {
+    reactor_.turn(milliseconds(1));
+    return system_.openCount() == 0;
+  }));
+  EXPECT_EQ(started_, 0);
+}
+
+TEST_F(V4l2Test, ReportsARefusedFormatFromTheMainLoop) {
+  system_.script[node(0)] = {.grantsOtherSize = true};
+  EXPECT_EQ(start(kPatience), host::StreamStart::Failed);
+  EXPECT_TRUE(failures_.empty());
+  EXPECT_TRUE(runUntil([&] { return !failures_.empty(); }));
+  EXPECT_EQ(failures_, std::vector<std::string>{"The camera refused the picture format."});
+}
+
+TEST_F(V4l2Test, ReportsAnUnpluggedCameraOnce) {
+  system_.script[node(0)] = {};
+  ASSERT_EQ(start(kPatience), host::StreamStart::Running);
+  system_.deliver(1);
+  EXPECT_TRUE(runUntil([&] { return arrived_ > 0; }));
+  system_.unplug();
+  EXPECT_TRUE(runUntil([&] { return !failures_.empty(); }));
+  EXPECT_FALSE(device_->frame());
+  bool isLater = false;
+  reactor_.post([&] { isLater = true; });
+  EXPECT_TRUE(runUntil([&] { return isLater; }));
+  EXPECT_EQ(failures_, std::vector<std::string>{"The camera is no longer connected."});
+}
+
+}  // namespace
+}  // namespace vistrel::capture
