@@ -7,6 +7,7 @@
 #include "linux/camera/Attachment.h"
 #include "linux/camera/CaptureStream.h"
 #include "linux/camera/PipeWireProvider.h"
+#include "linux/camera/V4l2Provider.h"
 
 namespace vistrel::capture {
 namespace {
@@ -47,7 +48,7 @@ CameraCenter::CameraCenter(Reactor& reactor)
 CameraCenter::~CameraCenter() { graph_->setLostHandler(nullptr); }
 
 std::vector<host::CameraDevice> CameraCenter::devices() {
-  auto entries = provider_ ? provider_->cameras() : std::vector<CameraEntry>{};
+  auto entries = provider_->cameras();
   std::sort(entries.begin(), entries.end(), isListedBefore);
   std::vector<host::CameraDevice> devices;
   for (auto& entry : entries) devices.push_back(std::move(entry.device));
@@ -55,7 +56,6 @@ std::vector<host::CameraDevice> CameraCenter::devices() {
 }
 
 Result<std::unique_ptr<host::CameraStream>> CameraCenter::open(const std::string& id) {
-  if (!provider_) return Error{"The camera is no longer connected."};
   auto device = provider_->open(id);
   if (!device) return device.error();
   return std::unique_ptr<host::CameraStream>(
@@ -76,7 +76,11 @@ void CameraCenter::connect(int attempts) {
     retry_ = reactor_.after(kBetweenAttempts, [this, attempts] { connect(attempts - 1); });
 }
 
-void CameraCenter::useV4l2() { provider_.reset(); }
+// An opened stream outlives its provider.
+void CameraCenter::useV4l2() {
+  if (!dynamic_cast<V4l2Provider*>(provider_.get()))
+    provider_ = std::make_unique<V4l2Provider>(reactor_, V4l2System::kernel(), "/dev");
+}
 
 void CameraCenter::watchForDaemon() {
   const auto socket = daemonSocket();

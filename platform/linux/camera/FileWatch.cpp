@@ -16,11 +16,11 @@ FileWatch::FileWatch(Reactor& reactor, const std::string& folder,
                      std::function<void(const std::string&)> handler)
     : handler_(std::move(handler)), inotify_(::inotify_init1(IN_CLOEXEC | IN_NONBLOCK)) {
   if (!inotify_ || ::inotify_add_watch(inotify_.get(), folder.c_str(), kChanges) < 0) return;
-  registration_ = reactor.watch(inotify_.get(), [this] { read(); });
+  registration_ = reactor.watch(inotify_.get(), [this] { drain(); });
 }
 
 // The handler may destroy this watch: everything is read before it is told.
-void FileWatch::read() {
+void FileWatch::drain() {
   std::vector<std::string> names;
   alignas(inotify_event) char buffer[4096];
   for (ssize_t size = 0; (size = ::read(inotify_.get(), buffer, sizeof buffer)) > 0;) {

@@ -17,9 +17,10 @@ class FileWatch {
   FileWatch(Reactor& reactor, const std::string& folder,
             std::function<void(const std::string& name)> handler);
 
- private:
-  void read();
+  /// Takes in what has happened already, without waiting for the main loop.
+  void drain();
 
+ private:
   std::function<void(const std::string&)> handler_;
   FileDescriptor inotify_;
   std::unique_ptr<Registration> registration_;

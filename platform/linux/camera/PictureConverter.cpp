@@ -2,19 +2,13 @@
 
 #include <libyuv.h>
 
-#include <algorithm>
+#include <cmath>
 
 namespace vistrel::capture {
 namespace {
 
-// Rows that are converted before they are mirrored: few enough to stay in the first cache, even for 4:2:0.
-constexpr int kBandRows = 8;
-
-const std::uint8_t* rowOf(Plane plane, std::int64_t index) { return plane.data + index * plane.stride; }
-
-std::uint8_t* rowOf(const GlassTarget& target, std::int64_t index) {
-  return target.pixels + index * target.stride;
-}
+// Between the rows that are split into one block, so that each starts on a cache line.
+constexpr int kAlignment = 64;
 
 int half(int value) { return (value + 1) / 2; }
 
@@ -34,196 +28,133 @@ const libyuv::YuvConstants* constantsOf(YuvColour colour) {
 bool isRgb(PixelFormat format) { return format >= PixelFormat::Bgrx; }
 bool isRgb24(PixelFormat format) { return format == PixelFormat::Bgr24 || format == PixelFormat::Rgb24; }
 bool isPacked(PixelFormat format) { return format == PixelFormat::Yuy2 || format == PixelFormat::Uyvy; }
+bool isGrey(const Picture& picture) { return picture.format == PixelFormat::I420 && !picture.planes[1].data; }
 
-struct ChromaShift {
-  bool isHalfWide = false;
-  bool isHalfHigh = false;
-};
-
-ChromaShift shiftOf(const Picture& picture) {
-  return {picture.chromaSize.width < picture.size.width, picture.chromaSize.height < picture.size.height};
-}
-
-// The chroma resolution at the glass: the source's own subsampling, where the painter knows it.
-PixelSize chromaAtGlass(const Picture& picture, PixelSize glass) {
-  const ChromaShift shift = shiftOf(picture);
-  if (!shift.isHalfWide) return glass;
-  return {half(glass.width), shift.isHalfHigh ? half(glass.height) : glass.height};
-}
-
-void paintRows(const Picture& p, int first, int count, std::uint8_t* out, int stride) {
-  const auto* constants = constantsOf(p.colour);
-  const auto* luma = rowOf(p.planes[0], first);
-  const int width = p.size.width;
-  if (!p.planes[1].data) {
-    libyuv::I400ToARGBMatrix(luma, p.planes[0].stride, out, stride, constants, width, count);
-    return;
-  }
-  const ChromaShift shift = shiftOf(p);
-  const int chromaRow = shift.isHalfHigh ? first / 2 : first;
-  const auto* u = rowOf(p.planes[1], chromaRow);
-  if (p.format == PixelFormat::Nv12) {
-    libyuv::NV12ToARGBMatrix(luma, p.planes[0].stride, u, p.planes[1].stride, out, stride, constants, width,
-                             count);
-    return;
-  }
-  const auto convert = shift.isHalfHigh   ? libyuv::I420ToARGBMatrix
-                       : shift.isHalfWide ? libyuv::I422ToARGBMatrix
-                                          : libyuv::I444ToARGBMatrix;
-  convert(luma, p.planes[0].stride, u, p.planes[1].stride, rowOf(p.planes[2], chromaRow), p.planes[2].stride,
-          out, stride, constants, width, count);
-}
-
-bool fitsPainter(const Picture& picture, PixelSize glass) {
-  return picture.size == glass &&
-         (!picture.planes[1].data || picture.chromaSize == chromaAtGlass(picture, glass));
-}
-
-// Brings the bytes of a row into the glass's order. Works in place.
-void reorder(PixelFormat format, std::uint8_t* row, int width) {
-  switch (format) {
-    case PixelFormat::Rgbx:
-      libyuv::ABGRToARGB(row, 0, row, 0, width, 1);
-      break;
-    case PixelFormat::Xrgb:
-      libyuv::BGRAToARGB(row, 0, row, 0, width, 1);
-      break;
-    case PixelFormat::Xbgr:
-      libyuv::RGBAToARGB(row, 0, row, 0, width, 1);
-      break;
-    default:
-      break;
-  }
-  for (int i = 0; i < width; ++i) row[4 * i + 3] = 255;
-}
-
-void splitPacked(const Picture& p, std::uint8_t* y, std::uint8_t* u, std::uint8_t* v, bool isHalfHigh) {
-  const int w = p.size.width;
-  const int c = half(w);
-  const auto* in = p.planes[0].data;
-  const bool isYuy2 = p.format == PixelFormat::Yuy2;
-  const auto split = isHalfHigh ? (isYuy2 ? libyuv::YUY2ToI420 : libyuv::UYVYToI420)
-                                : (isYuy2 ? libyuv::YUY2ToI422 : libyuv::UYVYToI422);
-  split(in, p.planes[0].stride, y, w, u, c, v, c, w, p.size.height);
+// How many pixels a chroma sample stands for.
+int stepOf(int pixels, int samples) {
+  return samples > 0 ? static_cast<int>(std::lround(static_cast<double>(pixels) / samples)) : 1;
 }
 
 }  // namespace
 
 void PictureConverter::convert(const Picture& picture, const GlassTarget& target) {
-  if (isRgb(picture.format)) return paintRgb(toRgb32(picture, target.size), target);
-  const Picture planar = isPacked(picture.format) ? toPlanar(picture, target.size) : picture;
-  paintYuv(fitsPainter(planar, target.size) ? planar : scaled(planar, target.size), target);
-}
-
-// Packed 4:2:2: after a strong reduction of the rows that are left are split as they are; otherwise chroma is
-// averaged over two rows while it is split, unless the glass shows every row.
-Picture PictureConverter::toPlanar(const Picture& picture, PixelSize glass) {
-  Picture packed = picture;
-  const int rowBytes = half(picture.size.width) * 4;
-  const bool isStrong = isStrongReduction(picture.size.height, glass.height);
-  if (isStrong) {
-    auto* rows = rows_.take(static_cast<std::size_t>(rowBytes) * glass.height);
-    reduceRows(picture.planes[0], picture.size.height, rowBytes, rows, rowBytes, glass.height);
-    packed.planes[0] = {rows, rowBytes};
-    packed.size.height = glass.height;
-  }
-  const bool isHalfHigh = !isStrong && picture.size.height > glass.height;
-  const PixelSize luma = packed.size;
-  const PixelSize chroma{half(luma.width), isHalfHigh ? half(luma.height) : luma.height};
-  const auto lumaBytes = static_cast<std::size_t>(luma.width) * luma.height;
-  const auto chromaBytes = static_cast<std::size_t>(chroma.width) * chroma.height;
-  auto* y = planar_.take(lumaBytes + 2 * chromaBytes);
-  auto* u = y + lumaBytes;
-  auto* v = u + chromaBytes;
-  splitPacked(packed, y, u, v, isHalfHigh);
-  return {PixelFormat::I420,
-          luma,
-          chroma,
-          {{{y, luma.width}, {u, chroma.width}, {v, chroma.width}}},
-          picture.colour};
-}
-
-Picture PictureConverter::scaled(const Picture& picture, PixelSize glass) {
-  if (picture.format == PixelFormat::Nv12) return scaledSemiPlanar(picture, glass);
-  const bool isGrey = !picture.planes[1].data;
-  const PixelSize chroma = chromaAtGlass(picture, glass);
-  const auto lumaBytes = static_cast<std::size_t>(glass.width) * glass.height;
-  const auto chromaBytes = static_cast<std::size_t>(chroma.width) * chroma.height;
-  auto* y = scaled_.take(lumaBytes + 2 * chromaBytes);
-  scaler_.scale(picture.planes[0], picture.size, y, glass.width, glass);
-  Picture result{PixelFormat::I420, glass, chroma, {{{y, glass.width}, {}, {}}}, picture.colour};
-  for (int i = 1; i < 3 && !isGrey; ++i) {
-    auto* out = y + lumaBytes + (i - 1) * chromaBytes;
-    scaler_.scale(picture.planes[i], picture.chromaSize, out, chroma.width, chroma);
-    result.planes[i] = {out, chroma.width};
-  }
-  return result;
-}
-
-Picture PictureConverter::scaledSemiPlanar(const Picture& picture, PixelSize glass) {
-  const PixelSize chroma{half(glass.width), half(glass.height)};
-  const int uvStride = chroma.width * 2;
-  const auto lumaBytes = static_cast<std::size_t>(glass.width) * glass.height;
-  auto* y = scaled_.take(lumaBytes + static_cast<std::size_t>(uvStride) * chroma.height);
-  auto* uv = y + lumaBytes;
-  scaler_.scale(picture.planes[0], picture.size, y, glass.width, glass);
-  Plane source = picture.planes[1];
-  PixelSize from = picture.chromaSize;
-  if (isStrongReduction(from.height, chroma.height)) {
-    auto* rows = rows_.take(static_cast<std::size_t>(from.width) * 2 * chroma.height);
-    reduceRows(source, from.height, from.width * 2, rows, from.width * 2, chroma.height);
-    source = {rows, from.width * 2};
-    from.height = chroma.height;
-  }
-  libyuv::UVScale(source.data, source.stride, from.width, from.height, uv, uvStride, chroma.width,
-                  chroma.height, libyuv::kFilterBox);
-  return {PixelFormat::Nv12, glass, chroma, {{{y, glass.width}, {uv, uvStride}, {}}}, picture.colour};
-}
-
-void PictureConverter::paintYuv(const Picture& picture, const GlassTarget& target) {
-  const PixelSize size = target.size;
-  if (!target.isMirrored) return paintRows(picture, 0, size.height, target.pixels, target.stride);
-  const int stride = size.width * 4;
-  auto* band = band_.take(static_cast<std::size_t>(stride) * kBandRows);
-  for (int y = 0; y < size.height; y += kBandRows) {
-    const int rows = std::min(kBandRows, size.height - y);
-    paintRows(picture, y, rows, band, stride);
-    libyuv::ARGBMirror(band, stride, rowOf(target, y), target.stride, size.width, rows);
-  }
-}
-
-Picture PictureConverter::toRgb32(const Picture& picture, PixelSize glass) {
-  Picture source = picture;
-  const int rowBytes = source.size.width * (isRgb24(source.format) ? 3 : 4);
-  if (isStrongReduction(source.size.height, glass.height)) {
-    auto* rows = rows_.take(static_cast<std::size_t>(rowBytes) * glass.height);
-    reduceRows(source.planes[0], source.size.height, rowBytes, rows, rowBytes, glass.height);
-    source.planes[0] = {rows, rowBytes};
-    source.size.height = glass.height;
-  }
-  if (isRgb24(source.format)) {
-    const int stride = source.size.width * 4;
-    auto* wide = planar_.take(static_cast<std::size_t>(stride) * source.size.height);
-    const auto widen = source.format == PixelFormat::Bgr24 ? libyuv::RGB24ToARGB : libyuv::RAWToARGB;
-    widen(source.planes[0].data, source.planes[0].stride, wide, stride, source.size.width,
-          source.size.height);
-    source.planes[0] = {wide, stride};
-    source.format = PixelFormat::Bgrx;
-  }
-  if (source.size == glass) return source;
-  auto* out = scaled_.take(static_cast<std::size_t>(glass.width) * 4 * glass.height);
-  libyuv::ARGBScale(source.planes[0].data, source.planes[0].stride, source.size.width, source.size.height,
-                    out, glass.width * 4, glass.width, glass.height, libyuv::kFilterBox);
-  source.planes[0] = {out, glass.width * 4};
-  source.size = glass;
-  return source;
-}
-
-void PictureConverter::paintRgb(const Picture& picture, const GlassTarget& target) {
-  const auto move = target.isMirrored ? libyuv::ARGBMirror : libyuv::ARGBCopy;
+  prepare(picture, target);
   for (int y = 0; y < target.size.height; ++y) {
-    move(rowOf(picture.planes[0], y), 0, rowOf(target, y), 0, target.size.width, 1);
-    reorder(picture.format, rowOf(target, y), target.size.width);
+    Rows rows = rowsAt(picture, y);
+    for (int i = 0; i < kChannels; ++i)
+      if (rows[i]) rows[i] = channels_[i].resampler.apply(rows[i]);
+    paintRow(picture, rows, target.pixels + static_cast<std::ptrdiff_t>(y) * target.stride,
+             target.size.width);
+  }
+}
+
+void PictureConverter::prepare(const Picture& picture, const GlassTarget& target) {
+  const PixelSize size = picture.size;
+  const bool isFull = isRgb(picture.format) || isGrey(picture);
+  const PixelSize chroma = isFull                     ? size
+                           : isPacked(picture.format) ? PixelSize{half(size.width), size.height}
+                                                      : picture.chromaSize;
+  const Direction direction = target.isMirrored ? Direction::Mirrored : Direction::AsIs;
+  for (int i = 0; i < kChannels; ++i) {
+    const PixelSize samples = i == 0 ? size : chroma;
+    const int step = stepOf(size.width, samples.width);
+    auto& channel = channels_[i];
+    channel.across = {samples.width, size.width, step, target.size.width, step > 1 ? 2 : 1};
+    channel.down = {samples.height, size.height, stepOf(size.height, samples.height), target.size.height, 1};
+    channel.resampler.prepare(channel.across, direction);
+  }
+}
+
+PictureConverter::Rows PictureConverter::rowsAt(const Picture& picture, int y) {
+  if (isRgb(picture.format)) return rgbRows(picture, y);
+  if (isPacked(picture.format)) return packedRows(picture, y);
+  return picture.format == PixelFormat::Nv12 ? semiPlanarRows(picture, y) : planarRows(picture, y);
+}
+
+PictureConverter::Rows PictureConverter::planarRows(const Picture& picture, int y) {
+  Rows rows{};
+  for (int i = 0; i < kChannels; ++i) {
+    auto& channel = channels_[i];
+    if (picture.planes[i].data)
+      rows[i] = channel.sampler.row(picture.planes[i], channel.across.samples, channel.down, y);
+  }
+  return rows;
+}
+
+PictureConverter::Rows PictureConverter::semiPlanarRows(const Picture& picture, int y) {
+  auto& luma = channels_[0];
+  auto& chroma = channels_[1];
+  const int width = chroma.across.samples;
+  const auto* uv = chroma.sampler.row(picture.planes[1], 2 * width, chroma.down, y);
+  const SplitRows split = splitRows(width);
+  libyuv::SplitUVPlane(uv, 0, split[1], 0, split[2], 0, width, 1);
+  return {luma.sampler.row(picture.planes[0], luma.across.samples, luma.down, y), split[1], split[2]};
+}
+
+PictureConverter::Rows PictureConverter::packedRows(const Picture& picture, int y) {
+  auto& luma = channels_[0];
+  const int width = luma.across.samples;
+  const auto* packed = luma.sampler.row(picture.planes[0], half(width) * 4, luma.down, y);
+  const SplitRows split = splitRows(width);
+  const auto separate = picture.format == PixelFormat::Yuy2 ? libyuv::YUY2ToI422 : libyuv::UYVYToI422;
+  separate(packed, 0, split[0], 0, split[1], 0, split[2], 0, width, 1);
+  return {split[0], split[1], split[2]};
+}
+
+// Red, green and blue, whatever their order in memory: the library splits by place, so the rows are handed to
+// it in the order of the bytes.
+PictureConverter::Rows PictureConverter::rgbRows(const Picture& picture, int y) {
+  auto& channel = channels_[0];
+  const int width = channel.across.samples;
+  const int rowBytes = width * (isRgb24(picture.format) ? 3 : 4);
+  const auto* row = channel.sampler.row(picture.planes[0], rowBytes, channel.down, y);
+  const auto [red, green, blue, unused] = splitRows(width);
+  const auto split24 = [&](auto* first, auto* second, auto* third) {
+    libyuv::SplitRGBPlane(row, 0, first, 0, second, 0, third, 0, width, 1);
+  };
+  const auto split32 = [&](auto* first, auto* second, auto* third, auto* fourth) {
+    libyuv::SplitARGBPlane(row, 0, third, 0, second, 0, first, 0, fourth, 0, width, 1);
+  };
+  switch (picture.format) {
+    case PixelFormat::Rgb24:
+      split24(red, green, blue);
+      break;
+    case PixelFormat::Bgr24:
+      split24(blue, green, red);
+      break;
+    case PixelFormat::Rgbx:
+      split32(red, green, blue, unused);
+      break;
+    case PixelFormat::Xrgb:
+      split32(unused, red, green, blue);
+      break;
+    case PixelFormat::Xbgr:
+      split32(unused, blue, green, red);
+      break;
+    default:
+      split32(blue, green, red, unused);
+      break;
+  }
+  return {red, green, blue};
+}
+
+PictureConverter::SplitRows PictureConverter::splitRows(int width) {
+  const auto stride = static_cast<std::size_t>(width + kAlignment) / kAlignment * kAlignment;
+  auto* memory = split_.take(4 * stride);
+  return {memory, memory + stride, memory + 2 * stride, memory + 3 * stride};
+}
+
+void PictureConverter::paintRow(const Picture& picture, const Rows& rows, std::uint8_t* out,
+                                int width) const {
+  const auto* constants = constantsOf(picture.colour);
+  if (isRgb(picture.format)) {
+    libyuv::MergeARGBPlane(rows[0], 0, rows[1], 0, rows[2], 0, nullptr, 0, out, 0, width, 1);
+  } else if (isGrey(picture)) {
+    libyuv::I400ToARGBMatrix(rows[0], 0, out, 0, constants, width, 1);
+  } else {
+    const auto convert =
+        channels_[1].across.toStep == 1 ? libyuv::I444ToARGBMatrix : libyuv::I422ToARGBMatrix;
+    convert(rows[0], 0, rows[1], 0, rows[2], 0, out, 0, constants, width, 1);
   }
 }
 

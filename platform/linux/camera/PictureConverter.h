@@ -1,32 +1,46 @@
 #pragma once
 
+#include <array>
+
 #include "linux/camera/GlassSource.h"
 #include "linux/camera/Picture.h"
-#include "linux/camera/PlaneScaler.h"
+#include "linux/camera/RowResampler.h"
+#include "linux/camera/RowSampler.h"
 #include "linux/camera/Scratch.h"
 
 namespace vistrel::capture {
 
-/// Scales, converts and mirrors a picture into a glass, all at the glass's size. Keeps its working memory
-/// from one picture to the next.
+/// Scales, converts and mirrors a picture into a glass. Works row by row, so that all that lies between the
+/// frame and the glass stays in the first cache; keeps its working memory from one picture to the next.
 class PictureConverter {
  public:
   /// Fills all of `target`, whose size must not be empty.
   void convert(const Picture& picture, const GlassTarget& target);
 
  private:
-  [[nodiscard]] Picture toPlanar(const Picture& picture, PixelSize glass);
-  [[nodiscard]] Picture scaled(const Picture& picture, PixelSize glass);
-  [[nodiscard]] Picture scaledSemiPlanar(const Picture& picture, PixelSize glass);
-  [[nodiscard]] Picture toRgb32(const Picture& picture, PixelSize glass);
-  void paintYuv(const Picture& picture, const GlassTarget& target);
-  void paintRgb(const Picture& picture, const GlassTarget& target);
+  static constexpr int kChannels = 3;
+  using Rows = std::array<const std::uint8_t*, kChannels>;
+  using SplitRows = std::array<std::uint8_t*, kChannels + 1>;
 
-  PlaneScaler scaler_;
-  Scratch rows_;
-  Scratch planar_;
-  Scratch scaled_;
-  Scratch band_;
+  void prepare(const Picture& picture, const GlassTarget& target);
+  /// The three channels of a row of the glass, still at the picture's width.
+  [[nodiscard]] Rows rowsAt(const Picture& picture, int y);
+  [[nodiscard]] Rows planarRows(const Picture& picture, int y);
+  [[nodiscard]] Rows semiPlanarRows(const Picture& picture, int y);
+  [[nodiscard]] Rows packedRows(const Picture& picture, int y);
+  [[nodiscard]] Rows rgbRows(const Picture& picture, int y);
+  /// Room for the channels of a packed row, and for a byte without meaning.
+  [[nodiscard]] SplitRows splitRows(int width);
+  void paintRow(const Picture& picture, const Rows& rows, std::uint8_t* out, int width) const;
+
+  struct Channel {
+    Axis across;
+    Axis down;
+    RowSampler sampler;
+    RowResampler resampler;
+  };
+  std::array<Channel, kChannels> channels_;
+  Scratch split_;
 };
 
 }  // namespace vistrel::capture

@@ -1,11 +1,11 @@
 #include "linux/camera/PipeWireDevice.h"
 
 #include <spa/buffer/meta.h>
-#include <spa/utils/result.h>
 
 #include <array>
-#include <string_view>
 #include <utility>
+
+#include "linux/camera/Problem.h"
 
 namespace vistrel::capture {
 namespace {
@@ -37,18 +37,7 @@ std::string targetOf(const PipeWireNode& node) {
   return serial ? *serial : std::to_string(node.globalId());
 }
 
-bool contains(std::string_view text, std::string_view part) {
-  return text.find(part) != std::string_view::npos;
-}
-
 }  // namespace
-
-std::string describeProblem(const std::string& text) {
-  if (contains(text, "busy")) return "The camera is in use by another program.";
-  if (contains(text, "ermission")) return "Access to the camera is denied.";
-  const bool isGone = text.empty() || contains(text, "target") || contains(text, "connection");
-  return isGone ? "The camera was disconnected." : "The camera reported an error: " + text;
-}
 
 PipeWireDevice::PipeWireDevice(std::shared_ptr<PipeWireGraph> graph, const PipeWireNode& node)
     : graph_(std::move(graph)), nodeId_(node.globalId()), target_(targetOf(node)), modes_(node.modes()) {
@@ -92,10 +81,10 @@ bool PipeWireDevice::openStream(const ModeChoice& mode) {
     return e;
   }();
   const PipeWireNode* node = graph_->find(nodeId_);
-  if (!graph_->isConnected() || !node) return fail("The camera is no longer connected."), false;
+  if (!graph_->isConnected() || !node) return fail(errorOf(Problem::Gone)), false;
   errorsBefore_ = node->errorCount();
   stream_.reset(pw_stream_new(graph_->core(), "Vistrel", streamProperties(target_)));
-  if (!stream_) return fail("PipeWire made no stream for the camera."), false;
+  if (!stream_) return fail({"PipeWire made no stream for the camera."}), false;
   pw_stream_add_listener(stream_.get(), &listener_, &events, this);
   state_ = PW_STREAM_STATE_CONNECTING;
   std::array<std::uint8_t, 512> memory{};
@@ -107,7 +96,7 @@ bool PipeWireDevice::openStream(const ModeChoice& mode) {
   const int result =
       pw_stream_connect(stream_.get(), PW_DIRECTION_INPUT, PW_ID_ANY, flags, offers.data(), offers.size());
   if (result >= 0) return true;
-  fail(std::string("The camera could not be started: ") + spa_strerror(result));
+  fail(errorOfCall(-result));
   return false;
 }
 
@@ -124,9 +113,9 @@ void PipeWireDevice::closeStream() {
   stateError_.clear();
 }
 
-void PipeWireDevice::fail(std::string message) {
+void PipeWireDevice::fail(Error error) {
   closeStream();
-  failure_ = Error{std::move(message)};
+  failure_ = std::move(error);
   graph_->loop().deliverLater();
 }
 
@@ -195,12 +184,12 @@ void PipeWireDevice::afterIteration() {
   if (!stream_) return;
   const PipeWireNode* node = graph_->find(nodeId_);
   const bool hasEnded = state_ == PW_STREAM_STATE_ERROR || state_ == PW_STREAM_STATE_UNCONNECTED;
-  if (node && node->errorCount() != errorsBefore_) return fail(describeProblem(node->lastError()));
-  if (hasEnded || !node) fail(describeProblem(stateError_));
+  if (node && node->errorCount() != errorsBefore_) return fail(errorOfMessage(node->lastError()));
+  if (hasEnded || !node) fail(errorOfMessage(stateError_));
 }
 
 void PipeWireDevice::connectionLost() {
-  if (stream_) fail("The connection to PipeWire was lost.");
+  if (stream_) fail({"The connection to PipeWire was lost."});
 }
 
 // The client may destroy this device in any of the calls, so each is the last thing that touches it.

@@ -16,9 +16,6 @@ struct StreamDeleter {
   void operator()(pw_stream* stream) const { pw_stream_destroy(stream); }
 };
 
-/// A problem in PipeWire's words, in ours: whether the camera is busy, denied, gone or broken.
-[[nodiscard]] std::string describeProblem(const std::string& text);
-
 /// A camera through a PipeWire stream. Of the buffers only the one with the newest frame is held.
 class PipeWireDevice final : public CaptureDevice, private PipeWireClient {
  public:
@@ -44,7 +41,7 @@ class PipeWireDevice final : public CaptureDevice, private PipeWireClient {
 
   bool openStream(const ModeChoice& mode);
   void closeStream();
-  void fail(std::string message);
+  void fail(Error error);
   void hold(pw_buffer* buffer);
   [[nodiscard]] std::optional<Frame> frameIn(const spa_buffer& buffer) const;
 

@@ -7,6 +7,7 @@
 
 #include "linux/camera/Attachment.h"
 #include "linux/camera/PipeWireDevice.h"
+#include "linux/camera/Problem.h"
 
 namespace vistrel::capture {
 namespace {
@@ -70,10 +71,10 @@ Result<std::unique_ptr<CaptureDevice>> PipeWireProvider::open(const std::string&
   graph_->refresh();
   for (const auto& node : graph_->nodes()) {
     if (idOf(*node) != id) continue;
-    if (node->isInError()) return Error{describeProblem(node->lastError())};
+    if (node->isInError()) return errorOfMessage(node->lastError());
     return std::unique_ptr<CaptureDevice>(std::make_unique<PipeWireDevice>(graph_, *node));
   }
-  return Error{"The camera is no longer connected."};
+  return errorOf(Problem::Gone);
 }
 
 }  // namespace vistrel::capture

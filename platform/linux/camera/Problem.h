@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+
+#include "foundation/Result.h"
+
+namespace vistrel::capture {
+
+/// Why a camera cannot be had.
+enum class Problem { Gone, Busy, Denied };
+
+[[nodiscard]] Error errorOf(Problem problem);
+/// What a failed system call means for a camera.
+[[nodiscard]] Error errorOfCall(int errorNumber);
+/// What a message of PipeWire's means for a camera; an empty one means that it is gone.
+[[nodiscard]] Error errorOfMessage(const std::string& message);
+
+}  // namespace vistrel::capture

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+
+#include "linux/camera/Picture.h"
+#include "linux/camera/Scratch.h"
+
+namespace vistrel::capture {
+
+/// One direction of a plane and of the glass. A subsampled plane has one sample for every `fromStep` pixels
+/// of the picture; the glass wants one for every `toStep` of its pixels.
+struct Axis {
+  int samples = 0;  ///< of the plane
+  int from = 0;     ///< pixels of the picture
+  int fromStep = 1;
+  int to = 0;  ///< pixels of the glass
+  int toStep = 1;
+  bool operator==(const Axis&) const = default;
+
+  /// Samples that the glass wants.
+  [[nodiscard]] int wanted() const { return (to + toStep - 1) / toStep; }
+  /// Plane samples for each wanted one.
+  [[nodiscard]] double ratio() const {
+    return static_cast<double>(from) * toStep / (static_cast<double>(to) * fromStep);
+  }
+};
+
+/// Takes rows out of a plane at the glass's height, whatever their bytes mean. Enlarging and mild reductions
+/// interpolate between two rows; for stronger ones two rows of the covered ones are averaged, so that the
+/// rest of a large frame is never read.
+class RowSampler {
+ public:
+  /// Row `index` of the glass: a row of the plane itself where that is enough. Valid until the next call.
+  const std::uint8_t* row(Plane plane, int rowBytes, const Axis& axis, int index);
+
+ private:
+  Scratch blend_;
+};
+
+}  // namespace vistrel::capture

@@ -1,0 +1,144 @@
+#include "linux/camera/V4l2Formats.h"
+
+#include <optional>
+
+namespace vistrel::capture {
+namespace {
+
+// A driver that never ends its lists must not hang the program.
+constexpr std::uint32_t kLongestList = 256;
+
+std::optional<PixelFormat> formatOf(std::uint32_t code) {
+  switch (code) {
+    case V4L2_PIX_FMT_YUV420:
+      return PixelFormat::I420;
+    case V4L2_PIX_FMT_YVU420:
+      return PixelFormat::Yv12;
+    case V4L2_PIX_FMT_NV12:
+      return PixelFormat::Nv12;
+    case V4L2_PIX_FMT_YUYV:
+      return PixelFormat::Yuy2;
+    case V4L2_PIX_FMT_UYVY:
+      return PixelFormat::Uyvy;
+    case V4L2_PIX_FMT_XBGR32:
+    case V4L2_PIX_FMT_ABGR32:
+    case V4L2_PIX_FMT_BGR32:
+      return PixelFormat::Bgrx;
+    case V4L2_PIX_FMT_RGBX32:
+    case V4L2_PIX_FMT_RGBA32:
+      return PixelFormat::Rgbx;
+    case V4L2_PIX_FMT_XRGB32:
+    case V4L2_PIX_FMT_ARGB32:
+    case V4L2_PIX_FMT_RGB32:
+      return PixelFormat::Xrgb;
+    case V4L2_PIX_FMT_BGRX32:
+    case V4L2_PIX_FMT_BGRA32:
+      return PixelFormat::Xbgr;
+    case V4L2_PIX_FMT_BGR24:
+      return PixelFormat::Bgr24;
+    case V4L2_PIX_FMT_RGB24:
+      return PixelFormat::Rgb24;
+    case V4L2_PIX_FMT_MJPEG:
+    case V4L2_PIX_FMT_JPEG:
+      return PixelFormat::Mjpeg;
+    default:
+      return std::nullopt;
+  }
+}
+
+PixelSize sizeOf(std::uint32_t width, std::uint32_t height) {
+  return {static_cast<int>(width), static_cast<int>(height)};
+}
+
+// The driver counts seconds a frame.
+FrameRate rateOf(const v4l2_fract& interval) { return {interval.denominator, interval.numerator}; }
+
+void readRates(V4l2System& system, int fd, VideoMode& mode) {
+  for (std::uint32_t i = 0; i < kLongestList; ++i) {
+    v4l2_frmivalenum interval{};
+    interval.index = i;
+    interval.pixel_format = mode.nativeFormat;
+    interval.width = static_cast<std::uint32_t>(mode.largest.width);
+    interval.height = static_cast<std::uint32_t>(mode.largest.height);
+    if (system.ioctl(fd, VIDIOC_ENUM_FRAMEINTERVALS, &interval) < 0) return;
+    if (interval.type != V4L2_FRMIVAL_TYPE_DISCRETE) {
+      mode.isRateRange = true;
+      mode.rates = {rateOf(interval.stepwise.max), rateOf(interval.stepwise.min)};
+      return;
+    }
+    mode.rates.push_back(rateOf(interval.discrete));
+  }
+}
+
+void appendMode(V4l2System& system, int fd, VideoMode mode, std::vector<VideoMode>& modes) {
+  readRates(system, fd, mode);
+  modes.push_back(std::move(mode));
+}
+
+// An old driver that lists no sizes has the one that is set.
+void appendPresentSize(V4l2System& system, int fd, VideoMode mode, std::vector<VideoMode>& modes) {
+  v4l2_format format{};
+  format.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
+  if (system.ioctl(fd, VIDIOC_G_FMT, &format) < 0) return;
+  mode.smallest = mode.largest = sizeOf(format.fmt.pix.width, format.fmt.pix.height);
+  appendMode(system, fd, mode, modes);
+}
+
+void appendSizes(V4l2System& system, int fd, VideoMode mode, std::vector<VideoMode>& modes) {
+  for (std::uint32_t i = 0; i < kLongestList; ++i) {
+    v4l2_frmsizeenum size{};
+    size.index = i;
+    size.pixel_format = mode.nativeFormat;
+    if (system.ioctl(fd, VIDIOC_ENUM_FRAMESIZES, &size) < 0) {
+      if (i == 0) appendPresentSize(system, fd, mode, modes);
+      return;
+    }
+    if (size.type == V4L2_FRMSIZE_TYPE_DISCRETE) {
+      mode.smallest = mode.largest = sizeOf(size.discrete.width, size.discrete.height);
+      appendMode(system, fd, mode, modes);
+      continue;
+    }
+    mode.smallest = sizeOf(size.stepwise.min_width, size.stepwise.min_height);
+    mode.largest = sizeOf(size.stepwise.max_width, size.stepwise.max_height);
+    mode.step = sizeOf(size.stepwise.step_width, size.stepwise.step_height);
+    return appendMode(system, fd, mode, modes);
+  }
+}
+
+}  // namespace
+
+bool capturesPictures(const v4l2_capability& capability) {
+  const bool hasOwn = (capability.capabilities & V4L2_CAP_DEVICE_CAPS) != 0;
+  const auto caps = hasOwn ? capability.device_caps : capability.capabilities;
+  return (caps & V4L2_CAP_VIDEO_CAPTURE) && (caps & V4L2_CAP_STREAMING);
+}
+
+std::vector<VideoMode> modesOf(V4l2System& system, int fd) {
+  std::vector<VideoMode> modes;
+  for (std::uint32_t i = 0; i < kLongestList; ++i) {
+    v4l2_fmtdesc description{};
+    description.index = i;
+    description.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
+    if (system.ioctl(fd, VIDIOC_ENUM_FMT, &description) < 0) break;
+    const auto format = formatOf(description.pixelformat);
+    if (!format) continue;
+    VideoMode mode;
+    mode.format = *format;
+    mode.nativeFormat = description.pixelformat;
+    appendSizes(system, fd, mode, modes);
+  }
+  return modes;
+}
+
+SourceColour colourOf(const v4l2_pix_format& format) {
+  SourceColour colour;
+  if (format.quantization == V4L2_QUANTIZATION_FULL_RANGE) colour.range = ColourRange::Full;
+  if (format.quantization == V4L2_QUANTIZATION_LIM_RANGE) colour.range = ColourRange::Limited;
+  const bool saysDefault = format.ycbcr_enc == V4L2_YCBCR_ENC_DEFAULT;
+  if (format.ycbcr_enc == V4L2_YCBCR_ENC_601) colour.matrix = ColourMatrix::Bt601;
+  if (format.ycbcr_enc == V4L2_YCBCR_ENC_709 || (saysDefault && format.colorspace == V4L2_COLORSPACE_REC709))
+    colour.matrix = ColourMatrix::Bt709;
+  return colour;
+}
+
+}  // namespace vistrel::capture

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <linux/videodev2.h>
+
+#include <string>
+#include <vector>
+
+#include "foundation/Result.h"
+#include "linux/camera/Colour.h"
+#include "linux/camera/V4l2System.h"
+#include "linux/camera/VideoMode.h"
+
+namespace vistrel::capture {
+
+/// True for a node that delivers pictures; the second node of a UVC camera delivers metadata, which only
+/// `device_caps` tells.
+[[nodiscard]] bool capturesPictures(const v4l2_capability& capability);
+
+/// Every mode of an opened device that can be shown; none for an infrared- or grey-only sensor.
+[[nodiscard]] std::vector<VideoMode> modesOf(V4l2System& system, int fd);
+
+/// What the driver says of the colours of its pictures.
+[[nodiscard]] SourceColour colourOf(const v4l2_pix_format& format);
+
+}  // namespace vistrel::capture

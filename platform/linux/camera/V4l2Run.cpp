@@ -1,0 +1,156 @@
+#include "linux/camera/V4l2Run.h"
+
+#include <algorithm>
+#include <cerrno>
+
+#include "linux/camera/Problem.h"
+
+namespace vistrel::capture {
+namespace {
+
+// One is on the glass, one arrives, the driver fills others.
+constexpr std::uint32_t kBuffers = 4;
+constexpr std::uint32_t kFewestBuffers = 2;
+constexpr auto kType = V4L2_BUF_TYPE_VIDEO_CAPTURE;
+
+v4l2_buffer bufferAt(std::uint32_t index) {
+  v4l2_buffer buffer{};
+  buffer.index = index;
+  buffer.type = kType;
+  buffer.memory = V4L2_MEMORY_MMAP;
+  return buffer;
+}
+
+}  // namespace
+
+void V4l2Run::begin(const ModeChoice& mode, std::function<void()> onSettled) {
+  thread_ =
+      std::thread([self = shared_from_this(), mode, done = std::move(onSettled)] { self->run(mode, done); });
+}
+
+V4l2Run::State V4l2Run::await(std::chrono::milliseconds patience) {
+  std::unique_lock lock(mutex_);
+  changed_.wait_for(lock, patience, [this] { return state_ != State::Starting; });
+  return state_;
+}
+
+void V4l2Run::end(std::chrono::milliseconds patience) {
+  if (!thread_.joinable()) return close();
+  bool hasEnded = false;
+  {
+    std::unique_lock lock(mutex_);
+    shallEnd_ = true;
+    changed_.notify_all();
+    hasEnded = changed_.wait_for(lock, patience, [this] { return state_ == State::Ended; });
+  }
+  // The thread holds this object, so that a driver that hangs can be left to itself.
+  if (hasEnded)
+    thread_.join();
+  else
+    thread_.detach();
+}
+
+void V4l2Run::run(const ModeChoice& mode, const std::function<void()>& onSettled) {
+  const auto result = prepare(mode);
+  if (!result) error_ = result.error();
+  setState(result ? State::Running : State::Failed);
+  onSettled();
+  {
+    std::unique_lock lock(mutex_);
+    changed_.wait(lock, [this] { return shallEnd_; });
+  }
+  close();
+  setState(State::Ended);
+}
+
+void V4l2Run::setState(State state) {
+  const std::lock_guard lock(mutex_);
+  state_ = state;
+  changed_.notify_all();
+}
+
+Result<void> V4l2Run::prepare(const ModeChoice& mode) {
+  if (const auto result = setFormat(mode); !result) return result;
+  setRate(mode);
+  int result = makeBuffers();
+  int type = kType;
+  if (result >= 0) result = system_.ioctl(fd_, VIDIOC_STREAMON, &type);
+  return result >= 0 ? Result<void>() : errorOfCall(-result);
+}
+
+// Drivers answer a format that they do not like with another one.
+Result<void> V4l2Run::setFormat(const ModeChoice& mode) {
+  v4l2_format format{};
+  format.type = kType;
+  format.fmt.pix.width = static_cast<std::uint32_t>(mode.size.width);
+  format.fmt.pix.height = static_cast<std::uint32_t>(mode.size.height);
+  format.fmt.pix.pixelformat = mode.nativeFormat;
+  format.fmt.pix.field = V4L2_FIELD_ANY;
+  const int result = system_.ioctl(fd_, VIDIOC_S_FMT, &format);
+  if (result < 0) return errorOfCall(-result);
+  format_ = format.fmt.pix;
+  const bool isGranted = format_.pixelformat == mode.nativeFormat &&
+                         static_cast<int>(format_.width) == mode.size.width &&
+                         static_cast<int>(format_.height) == mode.size.height;
+  return isGranted ? Result<void>() : Error{"The camera refused the picture format."};
+}
+
+// A driver without a settable rate delivers at its own.
+void V4l2Run::setRate(const ModeChoice& mode) {
+  if (!mode.rate) return;
+  v4l2_streamparm parameters{};
+  parameters.type = kType;
+  parameters.parm.capture.timeperframe = {mode.rate->denominator, mode.rate->numerator};
+  system_.ioctl(fd_, VIDIOC_S_PARM, &parameters);
+}
+
+int V4l2Run::makeBuffers() {
+  v4l2_requestbuffers request{};
+  request.count = kBuffers;
+  request.type = kType;
+  request.memory = V4L2_MEMORY_MMAP;
+  if (const int result = system_.ioctl(fd_, VIDIOC_REQBUFS, &request); result < 0) return result;
+  if (request.count < kFewestBuffers) return -ENOMEM;
+  for (std::uint32_t i = 0; i < request.count; ++i)
+    if (const int result = mapBuffer(i); result < 0) return result;
+  return 0;
+}
+
+int V4l2Run::mapBuffer(std::uint32_t index) {
+  auto buffer = bufferAt(index);
+  if (const int result = system_.ioctl(fd_, VIDIOC_QUERYBUF, &buffer); result < 0) return result;
+  const void* memory = system_.map(fd_, buffer.length, buffer.m.offset);
+  if (!memory) return -ENOMEM;
+  buffers_.push_back({memory, buffer.length});
+  return system_.ioctl(fd_, VIDIOC_QBUF, &buffer);
+}
+
+Result<std::optional<V4l2Run::Filled>> V4l2Run::take() {
+  auto buffer = bufferAt(0);
+  const int result = system_.ioctl(fd_, VIDIOC_DQBUF, &buffer);
+  if (result == -EAGAIN) return std::optional<Filled>();
+  if (result < 0) return errorOfCall(-result);
+  if (buffer.index >= buffers_.size()) return errorOfCall(EPROTO);
+  const Buffer& memory = buffers_[buffer.index];
+  const auto used = std::min<std::size_t>(buffer.bytesused, memory.length);
+  const bool isDamaged = (buffer.flags & V4L2_BUF_FLAG_ERROR) != 0 || used == 0;
+  return std::optional(
+      Filled{buffer.index, {static_cast<const std::uint8_t*>(memory.memory), used}, isDamaged});
+}
+
+void V4l2Run::giveBack(std::uint32_t index) {
+  auto buffer = bufferAt(index);
+  system_.ioctl(fd_, VIDIOC_QBUF, &buffer);
+}
+
+void V4l2Run::close() {
+  if (fd_ < 0) return;
+  int type = kType;
+  system_.ioctl(fd_, VIDIOC_STREAMOFF, &type);
+  for (const Buffer& buffer : buffers_) system_.unmap(buffer.memory, buffer.length);
+  buffers_.clear();
+  system_.close(fd_);
+  fd_ = -1;
+}
+
+}  // namespace vistrel::capture

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace vistrel::capture {
+
+/// The system calls that V4L2 is made of, so that a test can stand in for the kernel. Calls answer a negative
+/// errno for a failure. May be called from two threads at once.
+class V4l2System {
+ public:
+  virtual ~V4l2System() = default;
+
+  /// The real one.
+  [[nodiscard]] static V4l2System& kernel();
+
+  /// Every "/dev/video" node.
+  [[nodiscard]] virtual std::vector<std::string> nodes() = 0;
+  /// The kernel's name for a node and its number among those of its device, readable without opening it.
+  struct Label {
+    std::string name;
+    int index = 0;
+  };
+  [[nodiscard]] virtual Label label(const std::string& path) = 0;
+
+  virtual int open(const std::string& path) = 0;
+  virtual void close(int fd) = 0;
+  virtual int ioctl(int fd, unsigned long request, void* argument) = 0;
+  /// Maps a buffer for reading; nullptr on failure.
+  virtual const void* map(int fd, std::size_t length, std::size_t offset) = 0;
+  virtual void unmap(const void* memory, std::size_t length) = 0;
+};
+
+}  // namespace vistrel::capture
