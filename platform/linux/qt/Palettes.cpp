@@ -50,4 +50,16 @@ QPalette lightPalette() { return make(kLight); }
 
 QPalette darkPalette() { return make(kDark); }
 
+QPalette paletteFor(const NSAppearance& appearance) {
+  return appearance.isDark() ? darkPalette() : lightPalette();
+}
+
+QColor neutralGlass(const NSAppearance& appearance) {
+  return appearance.isDark() ? QColor(0x24, 0x25, 0x28) : QColor(0xd9, 0xda, 0xdd);
+}
+
+QColor chromeLine(const NSAppearance& appearance) {
+  return appearance.isDark() ? QColor(0x55, 0x57, 0x5c) : QColor(0xb4, 0xb5, 0xb9);
+}
+
 }  // namespace vistrel::qt

@@ -1,11 +1,21 @@
 #pragma once
 
+#include <QColor>
 #include <QPalette>
+
+#include "appkit/NSAppearance.h"
 
 namespace vistrel::qt {
 
 /// The colours of the program's windows and menus on a light desktop and on a dark one.
 [[nodiscard]] QPalette lightPalette();
 [[nodiscard]] QPalette darkPalette();
+[[nodiscard]] QPalette paletteFor(const NSAppearance& appearance);
+
+/// The surface of the glass while there is no picture.
+[[nodiscard]] QColor neutralGlass(const NSAppearance& appearance);
+
+/// The line around a popover and its tip.
+[[nodiscard]] QColor chromeLine(const NSAppearance& appearance);
 
 }  // namespace vistrel::qt

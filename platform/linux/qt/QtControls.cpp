@@ -8,7 +8,7 @@
 
 #include "appkit/NSWindow.h"
 #include "qt/Icons.h"
-#include "qt/MenuText.h"
+#include "qt/TrayLabel.h"
 
 namespace vistrel::qt {
 
@@ -70,7 +70,7 @@ QtPushButton::QtPushButton(NSButton& button, QtViewClient& client)
 
 void QtPushButton::refresh() {
   QtView::refresh();
-  native_->setText(menuText(button_.title(), native_->fontMetrics()));
+  native_->setText(labelForQtMenu(QString::fromStdString(button_.title())));
   native_->setEnabled(button_.isEnabled());
   const auto& label = button_.accessibilityLabel();
   native_->setAccessibleName(QString::fromStdString(label.empty() ? button_.title() : label));

@@ -2,11 +2,20 @@
 
 #include <QGuiApplication>
 #include <QScreen>
+#include <QTimer>
+#include <chrono>
 #include <utility>
 
-#include "qt/MenuText.h"
+#include "qt/TrayLabel.h"
 
 namespace vistrel::qt {
+
+namespace {
+
+// A press into the menu may be told after the release has closed it; until then the menu can still be asked.
+constexpr std::chrono::milliseconds kLingering(250);
+
+}  // namespace
 
 QtPopUpMenu::QtPopUpMenu(std::shared_ptr<NSMenu> menu, std::size_t first, const QPalette& palette,
                          Chosen chosen)
@@ -14,10 +23,11 @@ QtPopUpMenu::QtPopUpMenu(std::shared_ptr<NSMenu> menu, std::size_t first, const 
   setPalette(palette);
   // The press that closes the menu does nothing else, or the button under it would open the menu again.
   setAttribute(Qt::WA_NoMouseReplay);
-  setAccessibleName(onOneLine(menu_->title()));
+  setAccessibleName(QString::fromStdString(menu_->title()));
   const auto& items = menu_->itemArray();
   for (std::size_t i = first; i < items.size(); ++i) addItem(items[i]);
-  connect(this, &QMenu::aboutToHide, this, &QObject::deleteLater);
+  connect(this, &QMenu::aboutToHide, this,
+          [this] { QTimer::singleShot(kLingering, this, &QObject::deleteLater); });
 }
 
 void QtPopUpMenu::addItem(const std::shared_ptr<NSMenuItem>& item) {
@@ -25,7 +35,7 @@ void QtPopUpMenu::addItem(const std::shared_ptr<NSMenuItem>& item) {
     addSeparator();
     return;
   }
-  QAction* action = addAction(menuText(item->title(), fontMetrics()));
+  QAction* action = addAction(labelForQtMenu(menuRowText(item->title())));
   action->setCheckable(item->state() == NSControlState::On);
   action->setChecked(item->state() == NSControlState::On);
   connect(action, &QAction::triggered, this, [this, item] {

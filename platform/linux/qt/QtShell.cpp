@@ -4,7 +4,6 @@
 #include <QCloseEvent>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QWindow>
 #include <utility>
 
 namespace vistrel::qt {
@@ -36,18 +35,12 @@ void QtShell::moveEvent(QMoveEvent* /*event*/) {
 }
 
 // The handle comes with the first showing, and again whenever Qt makes the window anew.
-void QtShell::showEvent(QShowEvent* /*event*/) { followHandle(); }
-
-void QtShell::followHandle() {
-  QWindow* handle = windowHandle();
-  handle->removeEventFilter(this);
-  handle->installEventFilter(this);
-  connect(
-      handle, &QWindow::screenChanged, this,
-      [this] {
-        if (client_) client_->shellScaled();
-      },
-      Qt::UniqueConnection);
+void QtShell::showEvent(QShowEvent* /*event*/) {
+  if (std::exchange(handle_, windowHandle()) == windowHandle()) return;
+  handle_->installEventFilter(this);
+  connect(handle_, &QWindow::screenChanged, this, [this] {
+    if (client_) client_->shellScaled();
+  });
 }
 
 void QtShell::paintEvent(QPaintEvent* /*event*/) {
@@ -88,7 +81,7 @@ bool QtShell::event(QEvent* event) {
 
 bool QtShell::eventFilter(QObject* object, QEvent* event) {
   if (object == content_) filterContent(*event);
-  if (object == windowHandle() && filterWindow(*event)) return true;
+  if (object == handle_ && filterWindow(*event)) return true;
   return QWidget::eventFilter(object, event);
 }
 

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <QPainterPath>
+#include <QPointer>
 #include <QWidget>
+#include <QWindow>
 #include <memory>
 
 #include "appkit/NSWindow.h"
@@ -53,12 +55,12 @@ class QtShell final : public QWidget {
  private:
   bool filterWindow(QEvent& event);
   void filterContent(const QEvent& event);
-  void followHandle();
 
   enum class Drag { None, Possible, Going };
 
   QtShellClient* client_;
   QWidget* content_;
+  QPointer<QWindow> handle_;
   QPainterPath outline_;
   QColor line_;
   Drag drag_ = Drag::None;

@@ -6,7 +6,7 @@
 #include "avfoundation/AVCaptureVideoPreviewLayer.h"
 #include "qt/Geometry.h"
 #include "qt/Glass.h"
-#include "qt/Palette.h"
+#include "qt/Palettes.h"
 
 namespace vistrel::qt {
 

@@ -9,7 +9,7 @@
 #include "appkit/NSPopUpButton.h"
 #include "appkit/NSView.h"
 #include "qt/Geometry.h"
-#include "qt/Palette.h"
+#include "qt/Palettes.h"
 #include "qt/PopoverShape.h"
 #include "qt/QtControls.h"
 #include "qt/QtEvents.h"
