@@ -14,6 +14,8 @@
 #include "qt/QtStatusArea.h"
 #include "qt/QtWindowSystem.h"
 #include "qt/SingleInstance.h"
+#include "x11/RawPresses.h"
+#include "x11/X11Connection.h"
 
 namespace vistrel::qt {
 
@@ -33,7 +35,9 @@ struct Desktop::Parts {
   AbsentLoginItems loginItems;
   AbsentHotKeys hotKeys;
   AbsentKeyboard keyboard;
-  QtWindowSystem windows;
+  x11::X11Connection x11{reactor};
+  x11::RawPresses presses{x11};
+  QtWindowSystem windows{presses};
   QtSession session{reactor, *instance};
   QtStatusArea statusArea{session};
   capture::CameraCenter cameras{reactor};

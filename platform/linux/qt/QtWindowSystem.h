@@ -1,20 +1,17 @@
 #pragma once
 
 #include <memory>
-#include <vector>
 
 #include "host/Windows.h"
+#include "qt/OutsidePresses.h"
 #include "qt/X11Windows.h"
 
 namespace vistrel::qt {
 
-class QtWindow;
-
 /// Windows and menus by way of Qt on X11.
 class QtWindowSystem final : public host::WindowSystem {
  public:
-  QtWindowSystem();
-  ~QtWindowSystem() override;
+  explicit QtWindowSystem(x11::RawPresses& presses) : outsidePresses_(presses) {}
 
   std::unique_ptr<host::NativeWindow> makeWindow(NSWindow& window, host::WindowClient& client) override;
   void setOutsidePressClient(host::OutsidePressClient* client) override;
@@ -22,7 +19,7 @@ class QtWindowSystem final : public host::WindowSystem {
 
  private:
   X11Windows x11_;
-  host::OutsidePressClient* client_ = nullptr;
+  OutsidePresses outsidePresses_;
 };
 
 }  // namespace vistrel::qt
