@@ -10,6 +10,8 @@ class QPushButton;
 
 namespace vistrel::qt {
 
+class MenuButton;
+
 /// A text that is read and not edited: plain, wrapped, centred.
 class QtTextField final : public QtView {
  public:
@@ -51,8 +53,7 @@ class QtPopUpButton final : public QtView {
   void refresh() override;
 
  private:
-  class Face;
-  Face* face_;
+  MenuButton* face_;
 };
 
 /// The close button of a window without a frame, over the corner of its content.

@@ -17,10 +17,9 @@ constexpr std::chrono::milliseconds kLingering(250);
 
 }  // namespace
 
-QtPopUpMenu::QtPopUpMenu(std::shared_ptr<NSMenu> menu, std::size_t first, const QPalette& palette,
-                         Chosen chosen)
-    : menu_(std::move(menu)), chosen_(std::move(chosen)) {
-  setPalette(palette);
+QtPopUpMenu::QtPopUpMenu(QWidget& opener, std::shared_ptr<NSMenu> menu, std::size_t first, Chosen chosen)
+    : QMenu(&opener), menu_(std::move(menu)), chosen_(std::move(chosen)) {
+  setPalette(opener.palette());
   // The press that closes the menu does nothing else, or the button under it would open the menu again.
   setAttribute(Qt::WA_NoMouseReplay);
   setAccessibleName(QString::fromStdString(menu_->title()));

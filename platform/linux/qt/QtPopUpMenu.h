@@ -12,8 +12,9 @@ namespace vistrel::qt {
 class QtPopUpMenu final : public QMenu {
  public:
   using Chosen = std::function<void(const std::shared_ptr<NSMenuItem>&)>;
-  /// `first`: index of the first item that is listed. `chosen` is called from the main loop, after the close.
-  QtPopUpMenu(std::shared_ptr<NSMenu> menu, std::size_t first, const QPalette& palette, Chosen chosen);
+  /// `opener`: whose child the menu is. `first`: index of the first item that is listed. `chosen` is called
+  /// from the main loop, after the close.
+  QtPopUpMenu(QWidget& opener, std::shared_ptr<NSMenu> menu, std::size_t first, Chosen chosen);
 
   /// Pops up beside `anchor`, on the desktop, with the first item marked for the keyboard or none for a
   /// pointer.

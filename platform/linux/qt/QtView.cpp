@@ -25,8 +25,10 @@ QtView::~QtView() = default;
 
 void QtView::refresh() {
   setGeometry(toQt(view_->frame()));
-  setAccessibleName(QString::fromStdString(view_->accessibilityLabel()));
   refreshGlass();
+  // One widget of a view has its name, or a screen reader would read it twice.
+  QWidget& named = control_ ? *control_ : glass_ ? *glass_ : static_cast<QWidget&>(*this);
+  named.setAccessibleName(QString::fromStdString(view_->accessibilityLabel()));
   if (isHidden() != view_->isHidden() || !testAttribute(Qt::WA_WState_ExplicitShowHide)) {
     setVisible(!view_->isHidden());
   }
@@ -45,7 +47,6 @@ void QtView::refreshGlass() {
     glass_->lower();
     glass_->show();
   }
-  glass_->setAccessibleName(accessibleName());
   glass_->setNeutralColour(neutralGlass(view_->effectiveAppearance()));
   glass_->setLayer(std::move(layer));
 }

@@ -154,18 +154,17 @@ void QtWindow::firstResponderDidChange(NSView* view) {
 
 void QtWindow::popUpMenu(NSPopUpButton& button) {
   const QtView* widget = tree_.find(&button);
-  if (!widget || !shell_->isVisible()) return;
+  auto* face = widget ? qobject_cast<QAbstractButton*>(widget->control()) : nullptr;
+  if (!face || !shell_->isVisible()) return;
   if (menu_) menu_->close();
   const auto kept = std::static_pointer_cast<NSPopUpButton>(button.shared_from_this());
-  menu_ = new QtPopUpMenu(button.menu(), button.pullsDown() ? 1 : 0, shell_->palette(),
+  menu_ = new QtPopUpMenu(*face, button.menu(), button.pullsDown() ? 1 : 0,
                           [kept](const auto& item) { kept->itemChosen(item); });
+  QObject::connect(menu_, &QMenu::aboutToHide, face, [face] { face->setDown(false); });
   QObject::connect(
       menu_, &QMenu::aboutToHide, &context_, [this] { menuClosed(); }, Qt::QueuedConnection);
-  if (auto* face = qobject_cast<QAbstractButton*>(widget->control())) {
-    face->setDown(true);
-    QObject::connect(menu_, &QMenu::aboutToHide, face, [face] { face->setDown(false); });
-  }
-  const QRect anchor(widget->mapToGlobal(QPoint(0, 0)), widget->size());
+  face->setDown(true);
+  const QRect anchor(face->mapToGlobal(QPoint(0, 0)), face->size());
   menu_->popUpBeside(anchor, wasKeyLast_ ? QtPopUpMenu::OpenedBy::Keyboard : QtPopUpMenu::OpenedBy::Pointer);
 }
 
