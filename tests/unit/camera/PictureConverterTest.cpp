@@ -184,10 +184,10 @@ double largestError(const Layout& layout, PixelSize from, PixelSize to, int gap,
 }
 
 TEST(PictureConverter, EqualsThePlainReference) {
-  const PixelSize glasses[] = {{1, 1}, {7, 5}, {16, 9}, {33, 12}, {64, 31}};
+  const PixelSize glasses[] = {{1, 1}, {7, 5}, {16, 9}, {33, 4}, {64, 19}};
   for (const Layout& layout : kLayouts)
     for (int width = 1; width <= 33; ++width)
-      for (const int height : {1, 6, 25})
+      for (const int height : {1, 9})
         for (const bool isMirrored : {false, true})
           for (PixelSize glass :
                {PixelSize{width, height}, glasses[width % 5], glasses[(width + height) % 5]}) {

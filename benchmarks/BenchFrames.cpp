@@ -1,0 +1,93 @@
+#include "BenchFrames.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <random>
+
+// The library's header needs <cstdio> above it.
+#include <jpeglib.h>
+
+namespace vistrel::bench {
+namespace {
+
+constexpr int kFrames = 6;
+constexpr int kPlainQuality = 80;
+constexpr int kRichQuality = 75;
+constexpr int kGrain = 12;
+
+std::size_t bytesOf(capture::PixelFormat format, PixelSize size) {
+  using capture::PixelFormat;
+  const auto pixels = static_cast<std::size_t>(size.width) * size.height;
+  switch (format) {
+    case PixelFormat::I420:
+    case PixelFormat::Nv12:
+      return pixels * 3 / 2;
+    case PixelFormat::Yuy2:
+    case PixelFormat::Uyvy:
+      return pixels * 2;
+    case PixelFormat::Bgr24:
+    case PixelFormat::Rgb24:
+      return pixels * 3;
+    default:
+      return pixels * 4;
+  }
+}
+
+void fillRow(std::vector<std::uint8_t>& row, PixelSize size, int y, Scene scene, std::minstd_rand& random) {
+  for (int x = 0; x < size.width; ++x) {
+    const int grain = scene == Scene::Rich ? static_cast<int>(random() % (2 * kGrain)) - kGrain : 0;
+    const int edge = scene == Scene::Rich && (x / 9 + y / 7) % 3 == 0 ? 60 : 0;
+    const int luma = 40 + x * 120 / size.width + y * 30 / size.height + edge + grain;
+    row[3 * static_cast<std::size_t>(x)] = static_cast<std::uint8_t>(std::clamp(luma, 0, 255));
+    row[3 * static_cast<std::size_t>(x) + 1] = static_cast<std::uint8_t>(90 + x * 60 / size.width);
+    row[3 * static_cast<std::size_t>(x) + 2] =
+        static_cast<std::uint8_t>(100 + y * 60 / size.height + grain / 2);
+  }
+}
+
+}  // namespace
+
+PixelSize glassFor(PixelSize source, PixelSize glass) {
+  return source.width * 3 == source.height * 4 ? PixelSize{glass.height * 4 / 3, glass.height} : glass;
+}
+
+std::vector<std::vector<std::uint8_t>> rawFrames(capture::PixelFormat format, PixelSize size) {
+  std::minstd_rand random(1);
+  std::vector<std::vector<std::uint8_t>> frames(kFrames, std::vector<std::uint8_t>(bytesOf(format, size)));
+  for (auto& frame : frames)
+    for (auto& byte : frame) byte = static_cast<std::uint8_t>(random() >> 8);
+  return frames;
+}
+
+std::vector<std::uint8_t> jpegFrame(PixelSize size, Scene scene) {
+  jpeg_compress_struct codec{};
+  jpeg_error_mgr errors{};
+  codec.err = jpeg_std_error(&errors);
+  jpeg_create_compress(&codec);
+  unsigned char* memory = nullptr;
+  unsigned long length = 0;
+  jpeg_mem_dest(&codec, &memory, &length);
+  codec.image_width = static_cast<JDIMENSION>(size.width);
+  codec.image_height = static_cast<JDIMENSION>(size.height);
+  codec.input_components = 3;
+  codec.in_color_space = JCS_YCbCr;
+  jpeg_set_defaults(&codec);
+  jpeg_set_quality(&codec, scene == Scene::Rich ? kRichQuality : kPlainQuality, TRUE);
+  codec.comp_info[0].v_samp_factor = 1;
+  jpeg_start_compress(&codec, TRUE);
+  std::minstd_rand random(1);
+  std::vector<std::uint8_t> row(3 * static_cast<std::size_t>(size.width));
+  JSAMPROW rows[] = {row.data()};
+  for (int y = 0; y < size.height; ++y) {
+    fillRow(row, size, y, scene, random);
+    jpeg_write_scanlines(&codec, rows, 1);
+  }
+  jpeg_finish_compress(&codec);
+  std::vector<std::uint8_t> jpeg(memory, memory + length);
+  jpeg_destroy_compress(&codec);
+  std::free(memory);
+  return jpeg;
+}
+
+}  // namespace vistrel::bench

@@ -1,0 +1,85 @@
+// Decoding MJPEG for a glass, beside the floor: the library's own decoding of the same frame at one eighth,
+// with nothing kept of it.
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <string>
+
+// The library's header needs <cstdio> above it.
+#include <jpeglib.h>
+
+#include "BenchFrames.h"
+#include "linux/camera/JpegDecoder.h"
+#include "linux/camera/PictureConverter.h"
+
+namespace vistrel::bench {
+namespace {
+
+void floorOf(benchmark::State& state, PixelSize source, Scene scene) {
+  const auto jpeg = jpegFrame(source, scene);
+  jpeg_decompress_struct codec{};
+  jpeg_error_mgr errors{};
+  codec.err = jpeg_std_error(&errors);
+  jpeg_create_decompress(&codec);
+  std::vector<std::uint8_t> row;
+  for ([[maybe_unused]] auto _ : state) {
+    jpeg_mem_src(&codec, jpeg.data(), jpeg.size());
+    jpeg_read_header(&codec, TRUE);
+    codec.out_color_space = JCS_YCbCr;
+    codec.scale_num = 1;
+    codec.scale_denom = 8;
+    jpeg_start_decompress(&codec);
+    row.resize(static_cast<std::size_t>(codec.output_width) * 3);
+    JSAMPROW rows[] = {row.data()};
+    while (codec.output_scanline < codec.output_height) jpeg_read_scanlines(&codec, rows, 1);
+    jpeg_finish_decompress(&codec);
+  }
+  jpeg_destroy_decompress(&codec);
+  state.counters["bytes"] = static_cast<double>(jpeg.size());
+}
+
+void decode(benchmark::State& state, PixelSize source, PixelSize glass, Scene scene) {
+  const auto jpeg = jpegFrame(source, scene);
+  capture::JpegDecoder decoder;
+  capture::OwnedPicture picture;
+  for ([[maybe_unused]] auto _ : state)
+    if (!decoder.decode(jpeg, glass, picture)) state.SkipWithError("the frame was not decoded");
+  state.counters["bytes"] = static_cast<double>(jpeg.size());
+}
+
+void paint(benchmark::State& state, PixelSize source, PixelSize glass, Scene scene) {
+  const auto jpeg = jpegFrame(source, scene);
+  capture::JpegDecoder decoder;
+  capture::OwnedPicture picture;
+  if (!decoder.decode(jpeg, glass, picture)) return state.SkipWithError("the frame was not decoded");
+  std::vector<std::uint8_t> pixels(static_cast<std::size_t>(glass.width) * 4 * glass.height);
+  capture::PictureConverter converter;
+  for ([[maybe_unused]] auto _ : state) {
+    converter.convert(picture.picture, {pixels.data(), glass.width * 4, glass, true});
+    benchmark::ClobberMemory();
+  }
+}
+
+template <class Body>
+void add(const std::string& name, Body body) {
+  benchmark::RegisterBenchmark(name.c_str(), body)->Unit(benchmark::kMicrosecond);
+}
+
+const bool kRegistered = [] {
+  for (const Scene scene : {Scene::Plain, Scene::Rich})
+    for (const PixelSize source : kSources) {
+      const std::string frame = (scene == Scene::Rich ? "rich/" : "plain/") + std::to_string(source.height);
+      add("jpeg_floor/" + frame, [=](benchmark::State& s) { floorOf(s, source, scene); });
+      for (const PixelSize wide : kGlasses) {
+        const PixelSize glass = glassFor(source, wide);
+        const std::string name = frame + "/" + std::to_string(glass.height);
+        add("jpeg_decode/" + name, [=](benchmark::State& s) { decode(s, source, glass, scene); });
+        if (scene == Scene::Plain)
+          add("jpeg_paint/" + name, [=](benchmark::State& s) { paint(s, source, glass, scene); });
+      }
+    }
+  return true;
+}();
+
+}  // namespace
+}  // namespace vistrel::bench
