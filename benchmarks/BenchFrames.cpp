@@ -14,7 +14,7 @@ namespace {
 constexpr int kFrames = 6;
 constexpr int kPlainQuality = 80;
 constexpr int kRichQuality = 75;
-constexpr int kGrain = 12;
+constexpr unsigned kGrain = 12;
 
 std::size_t bytesOf(capture::PixelFormat format, PixelSize size) {
   using capture::PixelFormat;
@@ -36,7 +36,8 @@ std::size_t bytesOf(capture::PixelFormat format, PixelSize size) {
 
 void fillRow(std::vector<std::uint8_t>& row, PixelSize size, int y, Scene scene, std::minstd_rand& random) {
   for (int x = 0; x < size.width; ++x) {
-    const int grain = scene == Scene::Rich ? static_cast<int>(random() % (2 * kGrain)) - kGrain : 0;
+    const int grain =
+        scene == Scene::Rich ? static_cast<int>(random() % (2UL * kGrain)) - static_cast<int>(kGrain) : 0;
     const int edge = scene == Scene::Rich && (x / 9 + y / 7) % 3 == 0 ? 60 : 0;
     const int luma = 40 + x * 120 / size.width + y * 30 / size.height + edge + grain;
     row[3 * static_cast<std::size_t>(x)] = static_cast<std::uint8_t>(std::clamp(luma, 0, 255));

@@ -51,6 +51,7 @@ std::vector<host::CameraDevice> CameraCenter::devices() {
   auto entries = provider_->cameras();
   std::sort(entries.begin(), entries.end(), isListedBefore);
   std::vector<host::CameraDevice> devices;
+  devices.reserve(entries.size());
   for (auto& entry : entries) devices.push_back(std::move(entry.device));
   return devices;
 }

@@ -91,10 +91,9 @@ void CaptureStream::frameArrived() {
 
 void CaptureStream::captureFailed(const Error& error) {
   auto* client = std::exchange(client_, nullptr);
-  const Error copy = error;
   reset();
   tellGlass();
-  if (client) client->streamDidFail(copy);
+  if (client) client->streamDidFail(error);
 }
 
 void CaptureStream::decodeNewest() {

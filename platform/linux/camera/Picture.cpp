@@ -84,8 +84,8 @@ struct Sample {
   int c = 0;  // chroma or blue
 };
 
-Sample rgbSample(const Picture& p, int x, int y) {
-  const auto* row = p.planes[0].data + static_cast<std::ptrdiff_t>(y) * p.planes[0].stride;
+Sample rgbSample(const Picture& p, std::ptrdiff_t x, std::ptrdiff_t y) {
+  const auto* row = p.planes[0].data + y * p.planes[0].stride;
   switch (p.format) {
     case PixelFormat::Bgr24:
       return {row[3 * x + 2], row[3 * x + 1], row[3 * x]};
@@ -102,12 +102,11 @@ Sample rgbSample(const Picture& p, int x, int y) {
   }
 }
 
-Sample planarSample(const Picture& p, int x, int y) {
-  const int luma = p.planes[0].data[static_cast<std::ptrdiff_t>(y) * p.planes[0].stride + x];
+Sample planarSample(const Picture& p, std::ptrdiff_t x, std::ptrdiff_t y) {
+  const int luma = p.planes[0].data[y * p.planes[0].stride + x];
   if (!p.planes[1].data) return {luma, 128, 128};
-  const int cx = static_cast<int>(static_cast<std::int64_t>(x) * p.chromaSize.width / p.size.width);
-  const auto cy =
-      static_cast<std::ptrdiff_t>(static_cast<std::int64_t>(y) * p.chromaSize.height / p.size.height);
+  const auto cx = x * p.chromaSize.width / p.size.width;
+  const auto cy = y * p.chromaSize.height / p.size.height;
   if (p.format == PixelFormat::Nv12) {
     const auto* uv = p.planes[1].data + cy * p.planes[1].stride + 2 * cx;
     return {luma, uv[0], uv[1]};
@@ -116,19 +115,19 @@ Sample planarSample(const Picture& p, int x, int y) {
           p.planes[2].data[cy * p.planes[2].stride + cx]};
 }
 
+Sample packedSample(const Picture& p, std::ptrdiff_t x, std::ptrdiff_t y) {
+  const auto* quad = p.planes[0].data + y * p.planes[0].stride + x / 2 * 4;
+  return p.format == PixelFormat::Yuy2 ? Sample{quad[0], quad[1], quad[3]}
+                                       : Sample{quad[1], quad[0], quad[2]};
+}
+
 bool isBlankSample(const Picture& p, int x, int y) {
   if (p.format >= PixelFormat::Bgrx) {
     const Sample rgb = rgbSample(p, x, y);
     return rgb.a < kDarkest && rgb.c < kDarkest && (rgb.b < kDarkest || rgb.b > 100);
   }
-  Sample yuv;
-  if (p.format == PixelFormat::Yuy2 || p.format == PixelFormat::Uyvy) {
-    const auto* quad = p.planes[0].data + static_cast<std::ptrdiff_t>(y) * p.planes[0].stride + x / 2 * 4;
-    yuv =
-        p.format == PixelFormat::Yuy2 ? Sample{quad[0], quad[1], quad[3]} : Sample{quad[1], quad[0], quad[2]};
-  } else {
-    yuv = planarSample(p, x, y);
-  }
+  const bool isPacked = p.format == PixelFormat::Yuy2 || p.format == PixelFormat::Uyvy;
+  const Sample yuv = isPacked ? packedSample(p, x, y) : planarSample(p, x, y);
   return yuv.a < kDarkest || (yuv.b < kNoChroma && yuv.c < kNoChroma);
 }
 

@@ -157,14 +157,14 @@ void PipeWireDevice::onProcess(void* data) {
 }
 
 void PipeWireDevice::hold(pw_buffer* buffer) {
-  auto frame = frameIn(*buffer->buffer);
+  const auto frame = frameIn(*buffer->buffer);
   if (!frame) {
     pw_stream_queue_buffer(stream_.get(), buffer);
     return;
   }
   if (held_) pw_stream_queue_buffer(stream_.get(), held_);
   held_ = buffer;
-  frame_ = std::move(frame);
+  frame_ = frame;
   isFrameUntold_ = true;
   ++frameCount_;
 }

@@ -16,8 +16,9 @@ constexpr int kWhole = 128;
 constexpr int kShift = 7;
 
 // The compiler makes vector code of this.
-void halve(const std::uint8_t* __restrict in, std::uint8_t* __restrict out, int count) {
-  for (int i = 0; i < count; ++i) out[i] = static_cast<std::uint8_t>((in[2 * i] + in[2 * i + 1] + 1) >> 1);
+void halve(const std::uint8_t* __restrict in, std::uint8_t* __restrict out, std::size_t count) {
+  for (std::size_t i = 0; i < count; ++i)
+    out[i] = static_cast<std::uint8_t>((in[2 * i] + in[2 * i + 1] + 1) >> 1);
 }
 
 bool canBlendFast() {
@@ -46,24 +47,24 @@ void RowResampler::prepare(const Axis& axis, Direction direction) {
 }
 
 // The place of a result among the halved samples, by the centres of the pixels that both stand for.
-double RowResampler::positionOf(int result) const {
-  const double centre = (result + 0.5) * axis_.toStep;
+double RowResampler::positionOf(std::size_t result) const {
+  const double centre = (static_cast<double>(result) + 0.5) * axis_.toStep;
   const double seen = direction_ == Direction::Mirrored ? axis_.to - centre : centre;
   const double sample = seen * axis_.from / axis_.to / axis_.fromStep;
   return std::clamp(std::ldexp(sample, -halvings_) - 0.5, 0.0, samples_ - 1.0);
 }
 
 void RowResampler::layOut() {
-  const int wanted = axis_.wanted();
-  blocks_.assign(static_cast<std::size_t>((wanted + kLanes - 1) / kLanes), Block{});
+  const auto wanted = static_cast<std::size_t>(axis_.wanted());
+  blocks_.assign((wanted + kLanes - 1) / kLanes, Block{});
   for (std::size_t b = 0; b < blocks_.size(); ++b) {
     Block& block = blocks_[b];
-    const int first = static_cast<int>(b) * kLanes;
-    const int last = std::min(first + kLanes, wanted) - 1;
+    const std::size_t first = b * kLanes;
+    const std::size_t last = std::min(first + kLanes, wanted) - 1;
     const int lowest = static_cast<int>(std::min(positionOf(first), positionOf(last)));
     // Nothing beyond the row is read, and short rows are done one by one.
     block.base = std::clamp(lowest, 0, std::max(samples_ - kWindow, 0));
-    for (int lane = 0; lane < kLanes; ++lane) {
+    for (std::size_t lane = 0; lane < kLanes; ++lane) {
       const double position = positionOf(std::min(first + lane, last));
       const int left = static_cast<int>(position);
       const int right = std::min(left + 1, samples_ - 1);
@@ -78,8 +79,10 @@ void RowResampler::layOut() {
 
 const std::uint8_t* RowResampler::apply(const std::uint8_t* in) {
   if (isIdentity_) return in;
-  for (int i = 0, count = axis_.samples / 2; i < halvings_; ++i, count /= 2) {
-    auto* half = halves_[i % 2].take(static_cast<std::size_t>(count));
+  auto count = static_cast<std::size_t>(axis_.samples);
+  for (int i = 0; i < halvings_; ++i) {
+    count /= 2;
+    auto* half = halves_[i % 2].take(count);
     halve(in, half, count);
     in = half;
   }
@@ -95,7 +98,7 @@ const std::uint8_t* RowResampler::apply(const std::uint8_t* in) {
 void RowResampler::blend(const std::vector<Block>& blocks, const std::uint8_t* in, std::uint8_t* out) {
   for (const Block& block : blocks) {
     const auto* from = in + block.base;
-    for (int lane = 0; lane < kLanes; ++lane) {
+    for (std::size_t lane = 0; lane < kLanes; ++lane) {
       const int sum = from[block.pick[2 * lane]] * block.weights[2 * lane] +
                       from[block.pick[2 * lane + 1]] * block.weights[2 * lane + 1];
       *out++ = static_cast<std::uint8_t>((sum + kWhole / 2) >> kShift);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -21,7 +22,7 @@ class RowResampler {
   const std::uint8_t* apply(const std::uint8_t* in);
 
  private:
-  static constexpr int kLanes = 8;
+  static constexpr std::size_t kLanes = 8;
   /// Eight results: each is blended from two neighbours within sixteen bytes from `base`.
   struct Block {
     alignas(16) std::array<std::uint8_t, 2 * kLanes> pick{};
@@ -31,7 +32,7 @@ class RowResampler {
 
   static void blend(const std::vector<Block>& blocks, const std::uint8_t* in, std::uint8_t* out);
   static void blendFast(const std::vector<Block>& blocks, const std::uint8_t* in, std::uint8_t* out);
-  [[nodiscard]] double positionOf(int result) const;
+  [[nodiscard]] double positionOf(std::size_t result) const;
   void layOut();
 
   Axis axis_;

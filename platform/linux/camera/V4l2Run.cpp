@@ -70,7 +70,7 @@ void V4l2Run::setState(State state) {
 }
 
 Result<void> V4l2Run::prepare(const ModeChoice& mode) {
-  if (const auto result = setFormat(mode); !result) return result;
+  if (auto result = setFormat(mode); !result) return result;
   setRate(mode);
   int result = makeBuffers();
   int type = kType;

@@ -9,6 +9,8 @@ namespace vistrel::capture {
 namespace {
 
 constexpr PixelSize kSize{64, 48};
+constexpr std::size_t kFrameBytes = 6144;  // of packed 4:2:2
+constexpr PixelSize kGlass{8, 6};
 
 /// A device whose frames the test hands in.
 class FakeDevice final : public CaptureDevice {
@@ -52,16 +54,16 @@ class CaptureStreamTest : public testing::Test, public host::CameraStreamClient 
     auto device = std::make_unique<FakeDevice>(format);
     device_ = device.get();
     stream_ = std::make_unique<CaptureStream>(reactor_, std::move(device));
-    stream_->setGlassSize({8, 6});
+    stream_->setGlassSize(kGlass);
     stream_->setPictureHandler([this] { ++told_; });
     EXPECT_EQ(stream_->start(kSize, *this, {}), host::StreamStart::Running);
   }
   void streamDidStart() override {}
   void streamDidFail(const Error& error) override { failures_.push_back(error.message); }
 
-  bool paint() { return stream_->paint({pixels_.data(), 8 * 4, {8, 6}, false}); }
+  bool paint() { return stream_->paint({pixels_.data(), 8 * 4, kGlass, false}); }
   static std::vector<std::uint8_t> grey(std::uint8_t luma) {
-    std::vector<std::uint8_t> bytes(64 * 48 * 2, 128);
+    std::vector<std::uint8_t> bytes(kFrameBytes, 128);
     for (std::size_t i = 0; i < bytes.size(); i += 2) bytes[i] = luma;
     return bytes;
   }
@@ -72,7 +74,7 @@ class CaptureStreamTest : public testing::Test, public host::CameraStreamClient 
   PollReactor reactor_;
   FakeDevice* device_ = nullptr;
   std::unique_ptr<CaptureStream> stream_;
-  std::vector<std::uint8_t> pixels_ = std::vector<std::uint8_t>(8 * 6 * 4);
+  std::vector<std::uint8_t> pixels_ = std::vector<std::uint8_t>(192);
   int told_ = 0;
   std::vector<std::string> failures_;
 };
@@ -80,7 +82,7 @@ class CaptureStreamTest : public testing::Test, public host::CameraStreamClient 
 TEST_F(CaptureStreamTest, ShowsNothingBeforeTheFirstGoodFrame) {
   open(PixelFormat::Yuy2);
   device_->deliver(grey(16));
-  device_->deliver(std::vector<std::uint8_t>(64 * 48 * 2, 0));
+  device_->deliver(std::vector<std::uint8_t>(kFrameBytes, 0));
   EXPECT_EQ(stream_->pictureSize(), PixelSize{});
   EXPECT_FALSE(paint());
   device_->deliver(grey(126));

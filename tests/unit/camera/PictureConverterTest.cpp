@@ -68,11 +68,11 @@ class Source {
     return pictureIn(memory, layout_.format, size_, colour).value();
   }
 
-  [[nodiscard]] double sample(int channel, int x, int y) const {
+  [[nodiscard]] double sample(int channel, std::ptrdiff_t x, std::ptrdiff_t y) const {
     const Channel& c = layout_.channels[channel];
-    x = std::clamp(x, 0, samplesOf(size_.width, c.xStep) - 1);
-    y = std::clamp(y, 0, samplesOf(size_.height, c.yStep) - 1);
-    return blocks_[c.block][static_cast<std::size_t>(y) * strides_[c.block] + c.offset + x * c.pitch];
+    x = std::clamp<std::ptrdiff_t>(x, 0, samplesOf(size_.width, c.xStep) - 1);
+    y = std::clamp<std::ptrdiff_t>(y, 0, samplesOf(size_.height, c.yStep) - 1);
+    return blocks_[c.block][y * strides_[c.block] + c.offset + x * c.pitch];
   }
 
  private:
@@ -96,7 +96,8 @@ class Reference {
     const Channel& c = layout_.channels[channel];
     const int samples = samplesOf(from_.width, c.xStep);
     const int step = samples == from_.width ? 1 : 2;
-    const double centre = (x / step + 0.5) * step;
+    const int group = x / step;
+    const double centre = (group + 0.5) * step;
     const double seen = to_.isMirrored ? to_.size.width - centre : centre;
     double ratio = static_cast<double>(from_.width) * step / (to_.size.width * std::min(c.xStep, step));
     int merged = 1;
@@ -164,7 +165,7 @@ double largestError(const Layout& layout, PixelSize from, PixelSize to, int gap,
                     const Matrix& m) {
   const Source source(layout, from, gap);
   const int stride = to.width * 4 + gap;
-  std::vector<std::uint8_t> pixels(static_cast<std::size_t>(stride) * (to.height - 1) + to.width * 4, 1);
+  std::vector<std::uint8_t> pixels(static_cast<std::size_t>(stride) * to.height, 1);
   const GlassTarget target{pixels.data(), stride, to, isMirrored};
   PictureConverter converter;
   converter.convert(source.picture(m.colour), target);
@@ -175,7 +176,7 @@ double largestError(const Layout& layout, PixelSize from, PixelSize to, int gap,
     for (int x = 0; x < to.width; x += step) {
       std::array<double, 3> want{reference.at(0, x, y), reference.at(1, x, y), reference.at(2, x, y)};
       if (!layout.isRgb) want = toRgb(want, m);
-      const auto* got = &pixels[static_cast<std::size_t>(y) * stride + 4 * x];
+      const auto* got = &pixels[static_cast<std::size_t>(y) * stride + 4UL * x];
       for (int i = 0; i < 3; ++i)
         worst = std::max(worst, std::abs(std::clamp(want[i], 0.0, 255.0) - got[2 - i]));
       if (got[3] != 255) worst = 1000;
@@ -214,7 +215,7 @@ TEST(PictureConverter, KnowsTheColourSpaces) {
 }
 
 TEST(Picture, RefusesMemoryThatIsTooShort) {
-  const std::vector<std::uint8_t> bytes(6 * 4 * 2);
+  const std::vector<std::uint8_t> bytes(48);  // six pixels by four of packed 4:2:2
   const std::span<const std::uint8_t> all(bytes);
   struct Case {
     PixelFormat format;
@@ -241,7 +242,7 @@ TEST(Picture, TellsBlackAndGreenFromAPicture) {
   const PixelSize size{16, 8};
   const auto blankness = [&](PixelFormat format, std::vector<std::uint8_t> quad) {
     std::vector<std::uint8_t> bytes;
-    while (bytes.size() < 16 * 8 * 4) bytes.insert(bytes.end(), quad.begin(), quad.end());
+    while (bytes.size() < 512) bytes.insert(bytes.end(), quad.begin(), quad.end());
     const PlaneMemory memory{bytes, 0};
     return isBlank(pictureIn({&memory, 1}, format, size, YuvColour::Bt601Limited).value());
   };

@@ -10,7 +10,7 @@
 namespace vistrel::capture {
 namespace {
 
-constexpr std::size_t kBufferBytes = 64 * 48 * 2;
+constexpr std::size_t kBufferBytes = 6144;  // 64 × 48 of packed 4:2:2
 
 template <class T>
 T& as(void* argument) {
