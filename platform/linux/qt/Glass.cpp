@@ -94,13 +94,13 @@ QRect Glass::inPoints(const PixelRect& rect) const {
   return points.toAlignedRect() & this->rect();
 }
 
-// Only the picture is drawn again, unless it moved, came or went.
+// Only the picture is drawn again, and at once: a turn of the main loop for each frame costs more than it brings.
 void Glass::pictureChanged() {
   const PixelRect picture = place().picture;
   if (isEmpty(picture) || picture != paintedPicture_) {
     update();
   } else {
-    update(inPoints(picture));
+    repaint(inPoints(picture));
   }
 }
 

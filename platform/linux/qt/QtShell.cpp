@@ -8,6 +8,13 @@
 
 namespace vistrel::qt {
 
+namespace {
+
+// Room that a rounded corner takes.
+constexpr int kCornerSize = 8;
+
+}  // namespace
+
 QtShell::QtShell(QtShellClient& client) : client_(&client), content_(new QWidget(this)) {
   setAttribute(Qt::WA_QuitOnClose, false);
   content_->installEventFilter(this);
@@ -47,6 +54,12 @@ void QtShell::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   painter.fillRect(rect(), palette().color(QPalette::Window));
   if (outline_.isEmpty()) return;
+  const QRect inner = content_->geometry();
+  const QRect box = inner.adjusted(-1, -1, 1, 1);
+  for (const QRect& line : QRegion(box) - inner) painter.fillRect(line, line_);
+  // The rest of the path is straight: painting all of it would wake Qt's threads for nothing.
+  painter.setClipRegion(QRegion(rect()) - inner.adjusted(0, kCornerSize, 0, -kCornerSize) -
+                        inner.adjusted(kCornerSize, 0, -kCornerSize, 0));
   painter.setRenderHint(QPainter::Antialiasing);
   // Twice as wide as is seen: the window is cut along the middle of the line.
   painter.setPen(QPen(line_, 2));
