@@ -3,6 +3,7 @@
 #include <cctype>
 #include <fstream>
 #include <system_error>
+#include <vector>
 
 namespace vistrel::capture {
 namespace {
@@ -14,6 +15,18 @@ std::string firstWord(const fs::path& file) {
   std::string word;
   stream >> word;
   return word;
+}
+
+// The node's own folder and every one above it, up to the bus; empty when the kernel knows no such node.
+std::vector<fs::path> placesOf(const std::string& devicePath, const fs::path& sysfs) {
+  std::error_code error;
+  const auto root = fs::canonical(sysfs, error);
+  const auto node = fs::canonical(sysfs / "class/video4linux" / fs::path(devicePath).filename(), error);
+  std::vector<fs::path> places;
+  if (error) return places;
+  for (fs::path place = node; place.has_relative_path() && place != root; place = place.parent_path())
+    places.push_back(place);
+  return places;
 }
 
 bool isDigit(char c) { return std::isdigit(static_cast<unsigned char>(c)) != 0; }
@@ -31,19 +44,24 @@ std::string_view takeNumber(std::string_view& text) {
 }  // namespace
 
 Attachment attachmentOf(const std::string& devicePath, const fs::path& sysfs) {
-  std::error_code error;
-  const auto link = sysfs / "class/video4linux" / fs::path(devicePath).filename();
-  const fs::path device = fs::canonical(link, error);
-  if (error) return Attachment::External;
-  for (fs::path place = device; place.has_relative_path() && place != sysfs; place = place.parent_path()) {
+  const auto places = placesOf(devicePath, sysfs);
+  if (places.empty()) return Attachment::External;
+  for (const fs::path& place : places) {
     const std::string word = firstWord(place / "removable");
     if (word == "fixed") return Attachment::BuiltIn;
     if (word == "removable") return Attachment::External;
   }
-  const std::string text = device.string();
+  const std::string text = places.front().string();
   const bool isExternal =
       text.find("/usb") != std::string::npos || text.find("/virtual/") != std::string::npos;
   return isExternal ? Attachment::External : Attachment::BuiltIn;
+}
+
+std::string usbProductOf(const std::string& devicePath, const fs::path& sysfs) {
+  for (const fs::path& place : placesOf(devicePath, sysfs))
+    if (const std::string vendor = firstWord(place / "idVendor"); !vendor.empty())
+      return vendor + ":" + firstWord(place / "idProduct");
+  return {};
 }
 
 bool isPathBefore(std::string_view a, std::string_view b) {

@@ -14,6 +14,10 @@ enum class Attachment { BuiltIn, External };
 [[nodiscard]] Attachment attachmentOf(const std::string& devicePath,
                                       const std::filesystem::path& sysfs = "/sys");
 
+/// The "vendor:product" of the USB device behind such a node; empty for one that hangs elsewhere.
+[[nodiscard]] std::string usbProductOf(const std::string& devicePath,
+                                       const std::filesystem::path& sysfs = "/sys");
+
 /// Orders paths as people do: "/dev/video2" before "/dev/video10".
 [[nodiscard]] bool isPathBefore(std::string_view a, std::string_view b);
 

@@ -52,15 +52,33 @@ bool isListed(const std::vector<CameraEntry>& entries, const std::string& path) 
                      [&](const CameraEntry& entry) { return entry.path == path; });
 }
 
+// One camera may come through the session manager's V4L2 and through its libcamera monitor; libcamera's names
+// end with the USB product.
+bool isSeenThroughV4l2(const PipeWireNode& node, const std::vector<std::string>& v4l2Products) {
+  const auto* name = node.property(SPA_KEY_API_LIBCAMERA_PATH);
+  return name && std::any_of(v4l2Products.begin(), v4l2Products.end(),
+                             [&](const std::string& product) { return name->ends_with("-" + product); });
+}
+
+std::vector<std::string> v4l2Products(const PipeWireGraph& graph) {
+  std::vector<std::string> products;
+  for (const auto& node : graph.nodes())
+    if (const auto path = v4l2PathOf(*node); !path.empty() && !node->modes().empty())
+      if (auto product = usbProductOf(path); !product.empty()) products.push_back(std::move(product));
+  return products;
+}
+
 }  // namespace
 
 std::vector<CameraEntry> PipeWireProvider::cameras() {
   graph_->refresh();
   std::vector<CameraEntry> entries;
+  const auto products = v4l2Products(*graph_);
   for (const auto& node : graph_->nodes()) {
     const std::string devicePath = v4l2PathOf(*node);
     // Infrared and grey-only sensors have no mode that can be shown.
     if (node->modes().empty() || (!devicePath.empty() && isListed(entries, devicePath))) continue;
+    if (isSeenThroughV4l2(*node, products)) continue;
     entries.push_back(
         {{.id = idOf(*node), .localizedName = nameOf(*node), .isBuiltIn = isBuiltIn(*node)}, pathOf(*node)});
   }
