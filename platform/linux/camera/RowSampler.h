@@ -26,8 +26,8 @@ struct Axis {
 };
 
 /// Takes rows out of a plane at the glass's height, whatever their bytes mean. Enlarging and mild reductions
-/// interpolate between two rows; for stronger ones two rows of the covered ones are averaged, so that the
-/// rest of a large frame is never read.
+/// interpolate between two rows. Stronger ones average two of the covered rows, and beyond a sixth one row
+/// stands for all, so that the rest of a large frame is never read: its memory is what costs.
 class RowSampler {
  public:
   /// Row `index` of the glass: a row of the plane itself where that is enough. Valid until the next call.

@@ -121,6 +121,7 @@ class Reference {
     const int samples = samplesOf(from_.height, layout_.channels[channel].yStep);
     const int step = samples == from_.height ? 1 : 2;
     const double ratio = static_cast<double>(from_.height) / (to_.size.height * step);
+    if (ratio > 6) return source_.sample(channel, x, static_cast<int>((y + 0.5) * ratio));
     if (ratio > 2) {
       const int upper = static_cast<int>((y + 0.25) * ratio);
       const int lower = static_cast<int>((y + 0.75) * ratio);
