@@ -17,6 +17,16 @@ ViewLayout layoutAt(const Rect& frame) {
   return layout;
 }
 
+// In a row of a text and a control, the text is what a screen reader calls the control.
+void nameHostedView(const swiftui::View& row) {
+  const auto& parts = row.children();
+  if (!std::holds_alternative<swiftui::StackContent>(row.content) || parts.size() != 2) return;
+  const auto* hosted = std::get_if<HostedContent>(&parts[1].content);
+  if (hosted && hosted->view->accessibilityLabel().empty()) {
+    hosted->view->setAccessibilityLabel(parts[0].text());
+  }
+}
+
 }  // namespace
 
 NSHostingView::NSHostingView(std::shared_ptr<swiftui::CustomView> root)
@@ -55,6 +65,7 @@ void NSHostingView::fillHostedViews() {
     hosted->view = hosted_[place++];
     hosted->representable->updateNSView(*hosted->view);
   });
+  content_.walk([](swiftui::View& view) { nameHostedView(view); });
 }
 
 void NSHostingView::placeHostedView(NSView& view, const Rect& frame) {

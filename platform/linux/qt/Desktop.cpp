@@ -1,12 +1,13 @@
 #include "qt/Desktop.h"
 
+#include <QGuiApplication>
 #include <utility>
 
 #include "foundation/Log.h"
 #include "linux/camera/CameraCenter.h"
+#include "linux/files/Autostart.h"
 #include "linux/files/PreferencesFile.h"
 #include "linux/files/ResourceFolder.h"
-#include "qt/AbsentParts.h"
 #include "qt/Application.h"
 #include "qt/QtMainLoop.h"
 #include "qt/QtReactor.h"
@@ -14,10 +15,22 @@
 #include "qt/QtStatusArea.h"
 #include "qt/QtWindowSystem.h"
 #include "qt/SingleInstance.h"
+#include "x11/HotKeyGrabs.h"
 #include "x11/RawPresses.h"
 #include "x11/X11Connection.h"
+#include "x11/X11Keyboard.h"
 
 namespace vistrel::qt {
+
+namespace {
+
+// Where the windows get their keys; null on another window system.
+xcb_connection_t* toolkitConnection() {
+  const auto* native = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+  return native ? native->connection() : nullptr;
+}
+
+}  // namespace
 
 // In the order in which they need each other.
 struct Desktop::Parts {
@@ -32,10 +45,10 @@ struct Desktop::Parts {
   QtReactor reactor{mainLoop};
   files::PreferencesFile userFiles;
   files::ResourceFolder resources;
-  AbsentLoginItems loginItems;
-  AbsentHotKeys hotKeys;
-  AbsentKeyboard keyboard;
+  files::Autostart loginItems{files::AutostartFolders::fromEnvironment(), resources.executablePath()};
   x11::X11Connection x11{reactor};
+  x11::HotKeyGrabs hotKeys{x11};
+  x11::X11Keyboard keyboard{x11, toolkitConnection()};
   x11::RawPresses presses{x11};
   QtWindowSystem windows{presses};
   QtSession session{reactor, *instance};

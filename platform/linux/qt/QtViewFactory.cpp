@@ -3,6 +3,8 @@
 #include <array>
 
 #include "qt/QtControls.h"
+#include "qt/QtHostingView.h"
+#include "qt/QtSearchField.h"
 
 namespace vistrel::qt {
 
@@ -17,9 +19,11 @@ std::unique_ptr<QtView> make(NSView& view, QtViewClient& client) {
 }
 
 // Subclasses before their bases.
-constexpr std::array<Maker, 4> kMakers = {
+constexpr std::array<Maker, 6> kMakers = {
     make<NSPopUpButton, QtPopUpButton>,
     make<NSButton, QtPushButton>,
+    make<NSHostingView, QtHostingView>,
+    make<NSSearchField, QtSearchField>,
     make<NSTextField, QtTextField>,
     make<NSImageView, QtImageView>,
 };

@@ -1,5 +1,6 @@
 #include "qt/QtWindowSystem.h"
 
+#include "qt/QtAlert.h"
 #include "qt/QtWindow.h"
 
 namespace vistrel::qt {
@@ -12,6 +13,9 @@ void QtWindowSystem::setOutsidePressClient(host::OutsidePressClient* client) {
   outsidePresses_.setClient(client);
 }
 
-void QtWindowSystem::showAlert(const std::shared_ptr<NSAlert>& /*alert*/, NSWindow* /*parent*/) {}
+void QtWindowSystem::showAlert(const std::shared_ptr<NSAlert>& alert, NSWindow* parent) {
+  const auto* native = parent ? dynamic_cast<QtWindow*>(parent->native()) : nullptr;
+  showQtAlert(alert, native ? &native->widget() : nullptr);
+}
 
 }  // namespace vistrel::qt

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "qt/DeclarativeWidgets.h"
+#include "qt/QtView.h"
+#include "swiftui/NSHostingView.h"
+
+namespace vistrel::qt {
+
+/// A declarative view drawn with native widgets. They are made once and follow the view's values; a view of
+/// another structure gets new ones. The hosted controls lie over the places that the layout keeps for them.
+class QtHostingView final : public QtView {
+ public:
+  QtHostingView(NSHostingView& hosting, QtViewClient& client);
+  ~QtHostingView() override;
+  void refresh() override;
+
+ protected:
+  void resizeEvent(QResizeEvent* event) override;
+  bool eventFilter(QObject* object, QEvent* event) override;
+
+ private:
+  void build();
+  void placeRoot();
+  void placeHosted(const QWidget& place);
+
+  NSHostingView& hosting_;
+  std::unique_ptr<DeclarativeWidgets> widgets_;
+  std::string structure_;
+};
+
+}  // namespace vistrel::qt
