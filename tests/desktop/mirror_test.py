@@ -114,5 +114,22 @@ class MirrorTest(DesktopTest):
         self.wait_closed(camera)
 
 
+class PlacementTest(DesktopTest):
+    stage = {"size": "1024x600", "edge": "bottom", "host": "trayer"}
+
+    def test_what_is_too_large_shrinks_beside_its_icon_and_stays_sharp(self):
+        self.desktop.camera(offers=["mjpeg:1280x720@30"])
+        for scale, index in ((1, 0), (1, 2), (2, 0), (2, 1)):
+            environment = {"QT_SCALE_FACTOR": str(scale)}
+            with self.subTest(scale=scale, index=index), \
+                    self.start({"selectedPopoverSize": index}, environment=environment) as vistrel:
+                left, top, width, height = self.open(vistrel)["place"]
+                self.assertTrue(0 <= left and 0 <= top and left + width <= 1024, (left, top, width, height))
+                self.assertLessEqual(top + height, vistrel.icon()[1])
+                self.assertAlmostEqual(width / height, 426 / 240, delta=0.02)
+                self.assertAlmostEqual(width, min(SIZES[index][0] * scale, 1000), delta=40)
+                self.assertLess(self.screen.live_picture()["softness"], 2)
+
+
 if __name__ == "__main__":
     unittest.main()
