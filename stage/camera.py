@@ -1,17 +1,16 @@
 """A test camera on a private desktop."""
 
-from stage.processes import Process
-
 
 class Camera:
     """Speaks with the `vistrel-testcam` program."""
 
-    def __init__(self, program, environment, name="Test Camera", node="testcam", offers=(), options=()):
+    def __init__(self, desktop, name="Test Camera", node="testcam", offers=(), options=()):
         self.node = node
+        program = desktop.programs / "stage" / "vistrel-testcam"
         arguments = [program, "--obey", "--name", name, "--node", node, *options]
         for offer in offers:
             arguments += ["--offer", offer]
-        self._process = Process(arguments, environment)
+        self._process = desktop.start(arguments)
         self._process.wait_line("READY")
 
     @property

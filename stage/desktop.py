@@ -70,7 +70,9 @@ class Desktop:
         self._edge = edge
         self._host_name = host
         self._cameras = []
+        self._processes = []
         self._pipewire = []
+        self._xvfb = None
         self.host = None
         self.screen = None
         self.bus = None
@@ -109,7 +111,9 @@ class Desktop:
 
     def start(self, arguments, environment=None, **options):
         """Starts a program on this desktop."""
-        return Process(arguments, self.environment | (environment or {}), **options)
+        process = Process(arguments, self.environment | (environment or {}), **options)
+        self._processes.append(process)
+        return process
 
     def run(self, *arguments):
         """Runs a program on this desktop to its end and gives back what it printed."""
@@ -125,7 +129,7 @@ class Desktop:
         os.close(write)
         with os.fdopen(read) as numbers:
             self.environment["DISPLAY"] = ":" + numbers.readline().strip()
-        self.screen = Screen(self.programs / "stage" / "vistrel-screen", self.environment)
+        self.screen = Screen(self)
         for index, (name, geometry) in enumerate(monitors):
             self.run("xrandr", "--setmonitor", name, geometry, "none" if index else "screen")
 
@@ -196,8 +200,7 @@ class Desktop:
         return sum(entry["info"]["output-node-id"] in nodes for entry in self.graph("Link"))
 
     def camera(self, **options):
-        program = self.programs / "stage" / "vistrel-testcam"
-        camera = Camera(program, self.environment, **options)
+        camera = Camera(self, **options)
         self._cameras.append(camera)
         return camera
 
@@ -210,6 +213,10 @@ class Desktop:
         if self.bus:
             self.bus.close()
         end_marked(self.mark)
+        for process in self._processes:
+            process.end()
+        if self._xvfb:
+            self._xvfb.wait()
         if self._guard.poll() is None:
             self._guard.stdin.close()
             self._guard.wait(10)

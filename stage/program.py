@@ -70,8 +70,12 @@ class Program:
         """Where its icons are in the tray."""
         windows = self.screen.windows()
         docks = [window["place"] for window in windows if "_NET_WM_WINDOW_TYPE_DOCK" in window["types"]]
-        embedded = [window["place"] for window in windows if window["pid"] == self.pid
-                    and any(inside(window["place"], dock) for dock in docks) and window["place"][2] >= ICON_SIZE]
+        embedded = []
+        for window in windows:
+            place = window["place"]
+            is_icon = window["pid"] == self.pid and place[2] >= ICON_SIZE and any(inside(place, dock) for dock in docks)
+            if is_icon and place not in embedded:  # while it is being embedded it is there with its window inside
+                embedded.append(place)
         return embedded + self._hosted_icons(windows, docks)
 
     def _hosted_icons(self, windows, docks):

@@ -2,14 +2,14 @@
 
 import json
 
-from stage.processes import NeverCame, Process, wait_until
+from stage.processes import NeverCame, wait_until
 
 
 class Screen:
     """Speaks with the `vistrel-screen` program."""
 
-    def __init__(self, program, environment):
-        self._process = Process([program], environment)
+    def __init__(self, desktop):
+        self._process = desktop.start([desktop.programs / "stage" / "vistrel-screen"])
         self._read = 0
 
     def ask(self, *words):
@@ -66,6 +66,3 @@ class Screen:
 
     def save(self, path):
         self.ask("shot", path)
-
-    def close(self):
-        self._process.end()

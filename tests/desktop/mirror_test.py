@@ -39,9 +39,9 @@ class MirrorTest(DesktopTest):
         vistrel.wait_line(STARTED)
         vistrel.click()
         self.wait_closed(camera)
-        self.open(vistrel)  # observed by nobody any more, so it says no start
+        self.open(vistrel)
         self.assertEqual(vistrel.terminate(), 0)
-        self.assertEqual(plain(vistrel.lines), [refreshed] * 5 + [STARTED] + [refreshed] * 2)
+        self.assertEqual(plain(vistrel.lines), [refreshed] * 5 + [STARTED] + [refreshed] * 2 + [STARTED])
 
     def test_the_picture_is_as_the_camera_sends_it_when_the_user_wants_no_mirror(self):
         self.desktop.camera(offers=["nv12:640x480@30"])
