@@ -101,8 +101,8 @@ class Program:
         assert len(found) == 1, f"one icon, not {found}"
         return found[0]
 
-    def click(self, button=1, held=()):
-        self.screen.click(centre(self.icon()), button, held)
+    def click(self, button=1):
+        self.screen.click(centre(self.icon()), button)
 
     # Menus
 

@@ -1,5 +1,6 @@
 """The screen of a private desktop: real input, and what is to be seen."""
 
+import contextlib
 import json
 
 from stage.processes import NeverCame, wait_until
@@ -21,8 +22,17 @@ class Screen:
             raise AssertionError(answer["error"])
         return answer
 
-    def click(self, place, button=1, held=()):
-        self.ask("click", button, *place, *held)
+    def click(self, place, button=1):
+        self.ask("click", button, *place)
+
+    @contextlib.contextmanager
+    def holding(self, key):
+        """A tray host tells of a click a moment later, so the key must stay down until its effect is seen."""
+        self.ask("keydown", key)
+        try:
+            yield
+        finally:
+            self.ask("keyup", key)
 
     def move(self, place):
         self.ask("move", *place)

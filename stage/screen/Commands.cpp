@@ -66,9 +66,10 @@ void Commands::addPointer() {
   commands_["release"] = [this](const Words& a) {
     return input_.button(number(a, 0), Motion::Up), Json::object();
   };
-  commands_["click"] = [this](const Words& a) {  // BUTTON X Y [KEY...]
+  commands_["click"] = [this](const Words& a) {  // BUTTON X Y
     input_.move(number(a, 1), number(a, 2));
-    return require(input_.click(number(a, 0), Words(a.begin() + 3, a.end())), "no such key");
+    for (const Motion motion : {Motion::Down, Motion::Up}) input_.button(number(a, 0), motion);
+    return Json::object();
   };
   commands_["drag"] = [this](const Words& a) {
     return input_.drag(number(a, 0), number(a, 1), number(a, 2), number(a, 3)), Json::object();

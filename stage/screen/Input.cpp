@@ -35,20 +35,6 @@ void Input::key(unsigned keyCode, Motion motion) const {
   XSync(screen_.display(), False);
 }
 
-bool Input::click(unsigned number, const std::vector<std::string>& heldKeys) const {
-  std::vector<unsigned> codes;
-  for (const std::string& name : heldKeys) {
-    const auto code = keyCode(name);
-    if (!code) return false;
-    codes.push_back(*code);
-  }
-  for (const unsigned code : codes) key(code, Motion::Down);
-  button(number, Motion::Down);
-  button(number, Motion::Up);
-  for (auto code = codes.rbegin(); code != codes.rend(); ++code) key(*code, Motion::Up);
-  return true;
-}
-
 void Input::drag(int fromX, int fromY, int toX, int toY) const {
   move(fromX, fromY);
   button(1, Motion::Down);

@@ -2,7 +2,6 @@
 
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "stage/screen/Screen.h"
 
@@ -20,8 +19,6 @@ class Input {
   /// A key by its keysym name ("Control_L", "m") or by its evdev code ("evdev:50"). None: no such key here.
   [[nodiscard]] std::optional<unsigned> keyCode(const std::string& name) const;
   void key(unsigned keyCode, Motion motion) const;
-  /// Presses and releases a button while the named keys are held.
-  bool click(unsigned button, const std::vector<std::string>& heldKeys) const;
   void drag(int fromX, int fromY, int toX, int toY) const;
 
  private:

@@ -54,14 +54,15 @@ class MenuRules:
         vistrel = self.start()
         for key in ("Control_L", "Alt_L"):
             self.open(vistrel)
-            vistrel.click(held=[key])
-            vistrel.menu_rows()
+            with self.screen.holding(key):
+                vistrel.click()
+                vistrel.menu_rows()
             self.wait_closed(camera)
             since = len(vistrel.lines)
             vistrel.choose(0)
             vistrel.wait_line(SAVING + CAMERAS[0], since)
-        vistrel.click(held=["Shift_L"])
-        self.screen.live_picture()
+        with self.screen.holding("Shift_L"):
+            self.open(vistrel)
 
 
 class MenuUnderPanelTest(MenuRules, DesktopTest):
