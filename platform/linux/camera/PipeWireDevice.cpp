@@ -1,6 +1,8 @@
 #include "linux/camera/PipeWireDevice.h"
 
+#include <linux/dma-buf.h>
 #include <spa/buffer/meta.h>
+#include <sys/ioctl.h>
 
 #include <array>
 #include <utility>
@@ -25,6 +27,16 @@ PlaneMemory memoryOf(const spa_data& data) {
   const std::uint32_t offset = std::min(data.chunk->offset, data.maxsize);
   const std::uint32_t size = std::min(data.chunk->size, data.maxsize - offset);
   return {{static_cast<const std::uint8_t*>(data.data) + offset, size}, data.chunk->stride};
+}
+
+// Memory of another device has to be made visible to the processor, and given up again.
+void syncMemory(const spa_buffer& buffer, std::uint64_t moment) {
+  for (std::uint32_t i = 0; i < buffer.n_datas; ++i) {
+    if (buffer.datas[i].type != SPA_DATA_DmaBuf) continue;
+    dma_buf_sync sync{};
+    sync.flags = moment | DMA_BUF_SYNC_READ;
+    ::ioctl(static_cast<int>(buffer.datas[i].fd), DMA_BUF_IOCTL_SYNC, &sync);
+  }
 }
 
 pw_properties* streamProperties(const std::string& target) {
@@ -103,9 +115,7 @@ bool PipeWireDevice::openStream(const ModeChoice& mode) {
 // A buffer still held when its stream goes would starve the camera at its next openings.
 void PipeWireDevice::closeStream() {
   if (!stream_) return;
-  if (held_) pw_stream_queue_buffer(stream_.get(), held_);
-  held_ = nullptr;
-  frame_.reset();
+  letGo();
   agreed_.reset();
   spa_hook_remove(&listener_);
   stream_.reset();
@@ -162,11 +172,20 @@ void PipeWireDevice::hold(pw_buffer* buffer) {
     pw_stream_queue_buffer(stream_.get(), buffer);
     return;
   }
-  if (held_) pw_stream_queue_buffer(stream_.get(), held_);
+  letGo();
+  syncMemory(*buffer->buffer, DMA_BUF_SYNC_START);
   held_ = buffer;
   frame_ = frame;
   isFrameUntold_ = true;
   ++frameCount_;
+}
+
+void PipeWireDevice::letGo() {
+  frame_.reset();
+  if (!held_) return;
+  syncMemory(*held_->buffer, DMA_BUF_SYNC_END);
+  pw_stream_queue_buffer(stream_.get(), held_);
+  held_ = nullptr;
 }
 
 std::optional<Frame> PipeWireDevice::frameIn(const spa_buffer& buffer) const {

@@ -43,6 +43,7 @@ class PipeWireDevice final : public CaptureDevice, private PipeWireClient {
   void closeStream();
   void fail(Error error);
   void hold(pw_buffer* buffer);
+  void letGo();
   [[nodiscard]] std::optional<Frame> frameIn(const spa_buffer& buffer) const;
 
   std::shared_ptr<PipeWireGraph> graph_;

@@ -1,5 +1,6 @@
 #include "linux/camera/V4l2Device.h"
 
+#include <cerrno>
 #include <utility>
 
 #include "linux/camera/Problem.h"
@@ -10,13 +11,13 @@ namespace {
 
 constexpr std::chrono::milliseconds kClosingPatience{90};
 
-// Setting the format that is set already changes nothing, but a device that somebody else streams from
-// refuses.
-int checkFree(V4l2System& system, int fd) {
-  v4l2_format format{};
-  format.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
-  if (system.ioctl(fd, VIDIOC_G_FMT, &format) < 0) return 0;
-  return system.ioctl(fd, VIDIOC_S_FMT, &format);
+// Freeing the buffers that we do not have changes nothing and asks nothing of the hardware, which may hang;
+// but a device that somebody else streams from refuses.
+bool isBusy(V4l2System& system, int fd) {
+  v4l2_requestbuffers request{};
+  request.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
+  request.memory = V4L2_MEMORY_MMAP;
+  return system.ioctl(fd, VIDIOC_REQBUFS, &request) == -EBUSY;
 }
 
 }  // namespace
@@ -25,9 +26,9 @@ Result<std::unique_ptr<CaptureDevice>> V4l2Device::open(Reactor& reactor, V4l2Sy
                                                         const std::string& path) {
   const int fd = system.open(path);
   if (fd < 0) return errorOfCall(-fd);
-  if (const int result = checkFree(system, fd); result < 0) {
+  if (isBusy(system, fd)) {
     system.close(fd);
-    return errorOfCall(-result);
+    return errorOf(Problem::Busy);
   }
   return std::unique_ptr<CaptureDevice>(new V4l2Device(reactor, system, path, fd));
 }

@@ -97,6 +97,8 @@ int ScriptedV4l2::ioctl(int fd, unsigned long request, void* argument) {
     case VIDIOC_S_FMT:
       return setFormat(node, as<v4l2_format>(argument));
     case VIDIOC_REQBUFS:
+      if (node.buffersResult < 0) return node.buffersResult;
+      if (as<v4l2_requestbuffers>(argument).count == 0) return 0;
       as<v4l2_requestbuffers>(argument).count = 3;
       buffers_.assign(3, std::vector<std::uint8_t>(kBufferBytes));
       free_.clear();
@@ -156,7 +158,6 @@ int ScriptedV4l2::enumerate(const ScriptedNode& node, unsigned long request, voi
 }
 
 int ScriptedV4l2::setFormat(const ScriptedNode& node, v4l2_format& format) const {
-  if (node.formatResult < 0) return node.formatResult;
   if (node.grantsOtherSize) format.fmt.pix.width /= 2;
   format.fmt.pix.bytesperline = format.fmt.pix.width * 2;
   return 0;

@@ -28,8 +28,8 @@ struct ScriptedNode {
   };
   std::vector<Mode> modes{Mode{}};
   int index = 0;
-  int openResult = 0;    ///< or a negative errno
-  int formatResult = 0;  ///< of setting a format
+  int openResult = 0;     ///< or a negative errno
+  int buffersResult = 0;  ///< of asking for buffers
   bool grantsOtherSize = false;
 };
 

@@ -86,7 +86,7 @@ TEST_F(V4l2Test, TellsWhyACameraCannotBeOpened) {
   system_.script[node(0)] = {};
   system_.script[node(1)] = {.openResult = -EACCES};
   system_.script[node(2)] = {.openResult = -EBUSY};
-  system_.script[node(3)] = {.formatResult = -EBUSY};
+  system_.script[node(3)] = {.buffersResult = -EBUSY};
   const std::string texts[] = {
       "", "Access to the camera is denied.", "The camera is in use by another program.",
       "The camera is in use by another program.", "The camera is no longer connected."};
