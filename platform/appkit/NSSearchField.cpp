@@ -9,6 +9,11 @@ constexpr const char* kClearAction = "clearText:";
 constexpr Size kIntrinsicSize{100, 22};
 }  // namespace
 
+void NSTextView::setInsertionPointColor(const CGColor& color) {
+  insertionPointColor_ = color;
+  field_.didChange();
+}
+
 NSSearchField::NSSearchField() {
   implement(kClearAction, [this](NSObject*) { userChangedText({}); });
   auto button = std::make_shared<NSButtonCell>();
@@ -42,7 +47,7 @@ void NSSearchField::setPlaceholderString(std::string text) {
 
 bool NSSearchField::becomeFirstResponder() {
   if (!isEnabled()) return false;
-  editor_ = std::make_unique<NSTextView>();
+  editor_ = std::make_unique<NSTextView>(*this);
   didChange();
   return true;
 }

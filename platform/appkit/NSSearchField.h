@@ -13,12 +13,15 @@ class NSSearchField;
 /// What edits a field's text while the field has the focus.
 class NSTextView {
  public:
+  /// `field` is what it edits, and outlives it.
+  explicit NSTextView(NSView& field) : field_(field) {}
   /// The colour of the caret; a clear one hides it.
   [[nodiscard]] const CGColor& insertionPointColor() const { return insertionPointColor_; }
-  void setInsertionPointColor(const CGColor& color) { insertionPointColor_ = color; }
+  void setInsertionPointColor(const CGColor& color);
   [[nodiscard]] bool isCaretVisible() const { return insertionPointColor_.alpha > 0; }
 
  private:
+  NSView& field_;
   CGColor insertionPointColor_;
 };
 

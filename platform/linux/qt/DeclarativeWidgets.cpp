@@ -107,7 +107,7 @@ std::string nameOf(const View& view) {
 }
 
 // A choice among buttons: a row that looks like one control, or a column of radio buttons.
-QRadioButton* makeChoice(const PickerContent& picker, std::size_t index, QWidget* parent) {
+QAbstractButton* makeChoice(const PickerContent& picker, std::size_t index, QWidget* parent) {
   const View& choice = picker.choices[index];
   const QString name = qtText(nameOf(choice));
   if (picker.style == PickerStyle::Segmented) {
@@ -320,7 +320,7 @@ QWidget* DeclarativeWidgets::makeButtonPicker(const PickerContent& picker, QWidg
   layout->setSpacing(isRow ? 0 : kStackGap);
   auto* group = new QButtonGroup(widget);
   for (std::size_t i = 0; i < picker.choices.size(); ++i) {
-    QRadioButton* button = makeChoice(picker, i, widget);
+    QAbstractButton* button = makeChoice(picker, i, widget);
     layout->addWidget(button);
     group->addButton(button, int(picker.choices[i].tagValue));
     controls_.push_back(button);

@@ -56,11 +56,12 @@ void QtHostingView::placeHosted(const QWidget& place) {
 
 bool QtHostingView::eventFilter(QObject* object, QEvent* event) {
   auto* widget = qobject_cast<QWidget*>(object);
-  // The control at which the keyboard is stands for the whole view.
-  if (event->type() == QEvent::FocusIn && widget) setControl(*widget);
-  const bool isTaken = QtView::eventFilter(object, event);
+  if (event->type() == QEvent::FocusIn) {
+    focused_ = widget;
+    client().focusWanted(view());
+  }
   if (widget && (event->type() == QEvent::Move || event->type() == QEvent::Resize)) placeHosted(*widget);
-  return isTaken;
+  return QtView::eventFilter(object, event);
 }
 
 }  // namespace vistrel::qt

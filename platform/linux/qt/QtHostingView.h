@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPointer>
 #include <memory>
 #include <string>
 
@@ -16,6 +17,8 @@ class QtHostingView final : public QtView {
   QtHostingView(NSHostingView& hosting, QtViewClient& client);
   ~QtHostingView() override;
   void refresh() override;
+  /// The one of the controls to which the keyboard came last.
+  [[nodiscard]] QWidget* control() const override { return focused_; }
 
  protected:
   void resizeEvent(QResizeEvent* event) override;
@@ -29,6 +32,7 @@ class QtHostingView final : public QtView {
   NSHostingView& hosting_;
   std::unique_ptr<DeclarativeWidgets> widgets_;
   std::string structure_;
+  QPointer<QWidget> focused_;
 };
 
 }  // namespace vistrel::qt

@@ -56,7 +56,6 @@ void QtSearchField::refresh() {
   line_->setPlaceholderText(QString::fromStdString(field_.placeholderString()));
   line_->setAlignment(field_.alignment() == NSTextAlignment::Center ? Qt::AlignCenter : Qt::AlignVCenter);
   line_->setEnabled(field_.isEnabled());
-  line_->setAccessibleName(accessibleName());
   // A screen reader tells what a press of a key will do now.
   line_->setAccessibleDescription(line_->placeholderText());
   const NSTextView* editor = field_.currentEditor();

@@ -22,7 +22,10 @@ QColor mixed(const QColor& a, const QColor& b, double share) {
 }  // namespace
 
 QtSegment::QtSegment(std::shared_ptr<NSImage> image, Place place, QWidget* parent)
-    : QRadioButton(parent), image_(std::move(image)), place_(place) {
+    : QAbstractButton(parent), image_(std::move(image)), place_(place) {
+  setCheckable(true);
+  setAutoExclusive(true);
+  setFocusPolicy(Qt::StrongFocus);
   setAttribute(Qt::WA_Hover);
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }

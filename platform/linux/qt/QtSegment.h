@@ -1,15 +1,15 @@
 #pragma once
 
+#include <QAbstractButton>
 #include <QPainterPath>
-#include <QRadioButton>
 #include <memory>
 
 #include "appkit/NSImage.h"
 
 namespace vistrel::qt {
 
-/// One part of a segmented control: a radio button in all but its looks.
-class QtSegment final : public QRadioButton {
+/// One part of a segmented control: checked in turn with its neighbours, and a radio button to screen readers.
+class QtSegment final : public QAbstractButton {
  public:
   enum class Place { Only, First, Middle, Last };
 
@@ -20,7 +20,6 @@ class QtSegment final : public QRadioButton {
 
  protected:
   void paintEvent(QPaintEvent* event) override;
-  [[nodiscard]] bool hitButton(const QPoint& position) const override { return rect().contains(position); }
 
  private:
   [[nodiscard]] QPainterPath outline() const;

@@ -27,7 +27,7 @@ class QtView : public QWidget {
   /// Takes over what the view says now.
   virtual void refresh();
   /// The widget that takes the keyboard focus for the view; null for one that takes none.
-  [[nodiscard]] QWidget* control() const { return control_; }
+  [[nodiscard]] virtual QWidget* control() const { return control_; }
 
  protected:
   [[nodiscard]] NSView& view() const { return *view_; }

@@ -5,6 +5,22 @@
 
 namespace vistrel::x11 {
 
+namespace {
+
+/// The window with the input focus if it is one of this connection's, the root where no window has it, else
+/// none.
+xcb_window_t focusedWindowOf(xcb_connection_t* connection, xcb_window_t root) {
+  const Reply<xcb_get_input_focus_reply_t> reply(
+      xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
+  if (!reply) return XCB_NONE;
+  if (reply->focus == XCB_INPUT_FOCUS_NONE || reply->focus == XCB_INPUT_FOCUS_POINTER_ROOT) return root;
+  const xcb_setup_t* setup = xcb_get_setup(connection);
+  const bool isOurs = (reply->focus & ~setup->resource_id_mask) == setup->resource_id_base;
+  return isOurs ? reply->focus : XCB_NONE;
+}
+
+}  // namespace
+
 X11Keyboard::X11Keyboard(X11Connection& connection, xcb_connection_t* toolkit)
     : connection_(connection), toolkit_(toolkit), keymap_(connection) {}
 
@@ -31,9 +47,12 @@ bool X11Keyboard::setKeyboardCaptured(bool isCaptured) {
     xcb_flush(toolkit_);
     return true;
   }
-  // Owner events: what the focused window of ours would get it still gets, and nobody else gets anything.
-  const auto cookie = xcb_grab_keyboard(toolkit_, 1, connection_.root(), XCB_CURRENT_TIME,
-                                        XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+  const xcb_window_t focused = focusedWindowOf(toolkit_, connection_.root());
+  if (focused == XCB_NONE) return false;
+  // On the focused window itself, so that the focus is not seen to leave it. Owner events: what our windows
+  // would get they still get, and nobody else gets anything.
+  const auto cookie =
+      xcb_grab_keyboard(toolkit_, 1, focused, XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
   const Reply<xcb_grab_keyboard_reply_t> reply(xcb_grab_keyboard_reply(toolkit_, cookie, nullptr));
   return reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
 }
