@@ -94,7 +94,8 @@ QRect Glass::inPoints(const PixelRect& rect) const {
   return points.toAlignedRect() & this->rect();
 }
 
-// Only the picture is drawn again, and at once: a turn of the main loop for each frame costs more than it brings.
+// Only the picture is drawn again, and at once: a turn of the main loop for each frame costs more than it
+// brings.
 void Glass::pictureChanged() {
   const PixelRect picture = place().picture;
   if (isEmpty(picture) || picture != paintedPicture_) {

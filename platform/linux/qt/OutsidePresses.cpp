@@ -3,41 +3,37 @@
 #include <qpa/qplatformscreen.h>
 
 #include <QApplication>
+#include <QMouseEvent>
 #include <QScreen>
+#include <QTimer>
 #include <QWindow>
 #include <algorithm>
+#include <chrono>
 
 #include "qt/Geometry.h"
-#include "qt/QtPopUpMenu.h"
 
 namespace vistrel::qt {
 
 namespace {
+
+// The word of a press comes on two connections, and on Qt's by way of a thread. This long the one waits for
+// the other; a person sees no delay in it.
+constexpr std::chrono::milliseconds kPatience(30);
+constexpr std::size_t kRemembered = 8;
 
 // The X server speaks of pixels, and screens of different scales have different pixels.
 QPoint fromPixels(QPoint pixels) {
   for (const QScreen* screen : QGuiApplication::screens()) {
     const QRect native = screen->handle()->geometry();
     if (!native.contains(pixels)) continue;
-    return screen->geometry().topLeft() +
-           (QPointF(pixels - native.topLeft()) / screen->devicePixelRatio()).toPoint();
+    const QPointF way = QPointF(pixels - native.topLeft()) / screen->devicePixelRatio();
+    return screen->geometry().topLeft() + way.toPoint();
   }
   return pixels;
 }
 
 // Where the tray host embeds the icon in a window of ours, that window is a part of the panel all the same.
-bool isTrayIcon(const QWidget& widget) { return widget.inherits("QSystemTrayIconSys"); }
-
-bool got(const QWidget& widget, const x11::RawPress& press) {
-  const QWindow* window = widget.isVisible() ? widget.windowHandle() : nullptr;
-  if (!window) return false;
-  const auto id = static_cast<xcb_window_t>(window->winId());
-  return std::find(press.windows.begin(), press.windows.end(), id) != press.windows.end();
-}
-
-bool isInMenu(const QWidget& widget, QPoint place) {
-  return dynamic_cast<const QtPopUpMenu*>(&widget) && widget.geometry().contains(place);
-}
+bool isTrayIcon(const QWindow& window) { return window.objectName() == u"QSystemTrayIconSysWindow"; }
 
 }  // namespace
 
@@ -45,19 +41,43 @@ OutsidePresses::~OutsidePresses() { setClient(nullptr); }
 
 void OutsidePresses::setClient(host::OutsidePressClient* client) {
   client_ = client;
+  ++watch_;
+  ownPresses_.clear();
+  qApp->removeEventFilter(this);
   if (!client_) {
     presses_.setHandler({});
     return;
   }
+  qApp->installEventFilter(this);
   presses_.setHandler([this](const x11::RawPress& press) { pressed(press); });
 }
 
+bool OutsidePresses::eventFilter(QObject* object, QEvent* event) {
+  const bool isPress =
+      event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick;
+  if (isPress && object->isWindowType()) {
+    note(*static_cast<QWindow*>(object), *static_cast<QMouseEvent*>(event));
+  }
+  return false;
+}
+
+// An open menu gets the presses beside it too.
+void OutsidePresses::note(const QWindow& window, const QMouseEvent& press) {
+  if (isTrayIcon(window) || !window.geometry().contains(press.globalPosition().toPoint())) return;
+  ownPresses_.push_back(static_cast<xcb_timestamp_t>(press.timestamp()));
+  if (ownPresses_.size() > kRemembered) ownPresses_.pop_front();
+}
+
+// Where the pointer is by now tells nothing: a quick hand has moved on, and a menu may have closed.
 void OutsidePresses::pressed(const x11::RawPress& press) {
   const QPoint place = fromPixels({press.x, press.y});
-  const auto widgets = QApplication::topLevelWidgets();
-  const bool isOurs = std::any_of(widgets.begin(), widgets.end(), [&](const QWidget* widget) {
-    return !isTrayIcon(*widget) && (got(*widget, press) || isInMenu(*widget, place));
+  QTimer::singleShot(kPatience, this, [this, watch = watch_, time = press.time, place] {
+    if (watch == watch_) judge(time, place);
   });
+}
+
+void OutsidePresses::judge(xcb_timestamp_t time, QPoint place) {
+  const bool isOurs = std::find(ownPresses_.begin(), ownPresses_.end(), time) != ownPresses_.end();
   if (!isOurs && client_) client_->pressedOutside(fromQt(place));
 }
 

@@ -1,26 +1,39 @@
 #pragma once
 
+#include <QObject>
+#include <QPoint>
+#include <deque>
+
 #include "host/Windows.h"
 #include "x11/RawPresses.h"
+
+class QMouseEvent;
+class QWindow;
 
 namespace vistrel::qt {
 
 /// Tells the presses that go to none of the program's windows and menus. Watches only while there is a
 /// client.
-class OutsidePresses {
+class OutsidePresses : public QObject {
  public:
   explicit OutsidePresses(x11::RawPresses& presses) : presses_(presses) {}
-  OutsidePresses(const OutsidePresses&) = delete;
-  OutsidePresses& operator=(const OutsidePresses&) = delete;
-  ~OutsidePresses();
+  ~OutsidePresses() override;
 
   void setClient(host::OutsidePressClient* client);
 
+ protected:
+  bool eventFilter(QObject* object, QEvent* event) override;
+
  private:
   void pressed(const x11::RawPress& press);
+  void note(const QWindow& window, const QMouseEvent& press);
+  void judge(xcb_timestamp_t time, QPoint place);
 
   x11::RawPresses& presses_;
   host::OutsidePressClient* client_ = nullptr;
+  // Counts the watches, so that a press is not judged in another one than its own.
+  int watch_ = 0;
+  std::deque<xcb_timestamp_t> ownPresses_;
 };
 
 }  // namespace vistrel::qt

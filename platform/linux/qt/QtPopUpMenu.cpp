@@ -2,20 +2,11 @@
 
 #include <QGuiApplication>
 #include <QScreen>
-#include <QTimer>
-#include <chrono>
 #include <utility>
 
 #include "qt/TrayLabel.h"
 
 namespace vistrel::qt {
-
-namespace {
-
-// A press into the menu may be told after the release has closed it; until then the menu can still be asked.
-constexpr std::chrono::milliseconds kLingering(250);
-
-}  // namespace
 
 QtPopUpMenu::QtPopUpMenu(QWidget& opener, std::shared_ptr<NSMenu> menu, std::size_t first, Chosen chosen)
     : QMenu(&opener), menu_(std::move(menu)), chosen_(std::move(chosen)) {
@@ -25,8 +16,7 @@ QtPopUpMenu::QtPopUpMenu(QWidget& opener, std::shared_ptr<NSMenu> menu, std::siz
   setAccessibleName(QString::fromStdString(menu_->title()));
   const auto& items = menu_->itemArray();
   for (std::size_t i = first; i < items.size(); ++i) addItem(items[i]);
-  connect(this, &QMenu::aboutToHide, this,
-          [this] { QTimer::singleShot(kLingering, this, &QObject::deleteLater); });
+  connect(this, &QMenu::aboutToHide, this, &QObject::deleteLater);
 }
 
 void QtPopUpMenu::addItem(const std::shared_ptr<NSMenuItem>& item) {

@@ -20,12 +20,8 @@ std::unique_ptr<QtView> make(NSView& view, QtViewClient& client) {
 
 // Subclasses before their bases.
 constexpr std::array<Maker, 6> kMakers = {
-    make<NSPopUpButton, QtPopUpButton>,
-    make<NSButton, QtPushButton>,
-    make<NSHostingView, QtHostingView>,
-    make<NSSearchField, QtSearchField>,
-    make<NSTextField, QtTextField>,
-    make<NSImageView, QtImageView>,
+    make<NSPopUpButton, QtPopUpButton>, make<NSButton, QtPushButton>,   make<NSHostingView, QtHostingView>,
+    make<NSSearchField, QtSearchField>, make<NSTextField, QtTextField>, make<NSImageView, QtImageView>,
 };
 
 }  // namespace

@@ -52,14 +52,15 @@ void RawPresses::eventCame(const xcb_generic_event_t& event) {
   const auto& generic = reinterpret_cast<const xcb_ge_generic_event_t&>(event);
   if ((generic.response_type & 0x7FU) != XCB_GE_GENERIC || generic.extension != extension_) return;
   if (generic.event_type != XCB_INPUT_RAW_BUTTON_PRESS) return;
-  const auto button = reinterpret_cast<const xcb_input_raw_button_press_event_t&>(event).detail;
+  const auto& press = reinterpret_cast<const xcb_input_raw_button_press_event_t&>(event);
+  const auto button = press.detail;
   if (button >= kFirstWheelButton && button <= kLastWheelButton) return;
   const auto handler = handler_;
-  if (handler) handler(locate(static_cast<int>(button)));
+  if (handler) handler(locate(static_cast<int>(button), press.time));
 }
 
-RawPress RawPresses::locate(int button) {
-  RawPress press{button, 0, 0, {}};
+RawPress RawPresses::locate(int button, xcb_timestamp_t time) {
+  RawPress press{button, time, 0, 0, {}};
   auto window = connection_.root();
   while (window != XCB_NONE) {
     const auto cookie = xcb_query_pointer(connection_.get(), window);

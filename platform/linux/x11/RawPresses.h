@@ -13,8 +13,9 @@ namespace vistrel::x11 {
 
 /// A press of a mouse button anywhere on the desktop, whoever gets it.
 struct RawPress {
-  int button = 1;  ///< 1 left, 2 middle, 3 right; the wheel's turns are not told
-  int x = 0;       ///< pixels on the root window
+  int button = 1;                           ///< 1 left, 2 middle, 3 right; the wheel's turns are not told
+  xcb_timestamp_t time = XCB_CURRENT_TIME;  ///< the same as that of the event of the window that gets it
+  int x = 0;  ///< pixels on the root window; where the pointer was when it was asked for
   int y = 0;
   std::vector<xcb_window_t> windows;  ///< under the pointer, from the top-level one inwards
 };
@@ -35,7 +36,7 @@ class RawPresses {
   enum class Watching { Off, On };
   void select(Watching watching);
   void eventCame(const xcb_generic_event_t& event);
-  [[nodiscard]] RawPress locate(int button);
+  [[nodiscard]] RawPress locate(int button, xcb_timestamp_t time);
 
   X11Connection& connection_;
   std::uint8_t extension_ = 0;
