@@ -9,8 +9,10 @@
 #include <QWindow>
 #include <algorithm>
 #include <chrono>
+#include <cstdint>
 
 #include "qt/Geometry.h"
+#include "qt/X11Windows.h"
 
 namespace vistrel::qt {
 
@@ -35,6 +37,9 @@ QPoint fromPixels(QPoint pixels) {
 // Where the tray host embeds the icon in a window of ours, that window is a part of the panel all the same.
 bool isTrayIcon(const QWindow& window) { return window.objectName() == u"QSystemTrayIconSysWindow"; }
 
+// Server time runs over after seven weeks.
+bool isLater(xcb_timestamp_t a, xcb_timestamp_t b) { return static_cast<std::int32_t>(a - b) > 0; }
+
 }  // namespace
 
 OutsidePresses::~OutsidePresses() { setClient(nullptr); }
@@ -48,6 +53,7 @@ void OutsidePresses::setClient(host::OutsidePressClient* client) {
     presses_.setHandler({});
     return;
   }
+  watchedSince_ = serverTime();
   qApp->installEventFilter(this);
   presses_.setHandler([this](const x11::RawPress& press) { pressed(press); });
 }
@@ -70,6 +76,7 @@ void OutsidePresses::note(const QWindow& window, const QMouseEvent& press) {
 
 // Where the pointer is by now tells nothing: a quick hand has moved on, and a menu may have closed.
 void OutsidePresses::pressed(const x11::RawPress& press) {
+  if (!isLater(press.time, watchedSince_)) return;  // it may be what opened the popover
   const QPoint place = fromPixels({press.x, press.y});
   QTimer::singleShot(kPatience, this, [this, watch = watch_, time = press.time, place] {
     if (watch == watch_) judge(time, place);

@@ -33,6 +33,7 @@ class OutsidePresses : public QObject {
   host::OutsidePressClient* client_ = nullptr;
   // Counts the watches, so that a press is not judged in another one than its own.
   int watch_ = 0;
+  xcb_timestamp_t watchedSince_ = XCB_CURRENT_TIME;
   std::deque<xcb_timestamp_t> ownPresses_;
 };
 

@@ -40,6 +40,12 @@ xcb_window_t idOf(const QWindow& window) { return static_cast<xcb_window_t>(wind
 
 }  // namespace
 
+xcb_timestamp_t serverTime() {
+  auto* native = QGuiApplication::platformNativeInterface();
+  void* now = native->nativeResourceForScreen("gettimestamp", QGuiApplication::primaryScreen());
+  return static_cast<xcb_timestamp_t>(reinterpret_cast<std::uintptr_t>(now));
+}
+
 X11Windows::X11Windows() {
   const auto* native = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
   if (!native) return;
@@ -96,16 +102,14 @@ void X11Windows::setShape(const QWindow& window, const QRegion& shape) {
 }
 
 void X11Windows::noteUserAction() {
-  auto* native = QGuiApplication::platformNativeInterface();
   QScreen* screen = QGuiApplication::primaryScreen();
   if (!connection_ || !screen) return;
-  void* now = native->nativeResourceForScreen("gettimestamp", screen);
+  const xcb_timestamp_t now = serverTime();
   using SetTime = void (*)(QScreen*, xcb_timestamp_t);
   for (const char* name : {"setapptime", "setappusertime"}) {
+    auto* native = QGuiApplication::platformNativeInterface();
     const auto set = reinterpret_cast<void (*)()>(native->nativeResourceFunctionForScreen(name));
-    if (set)
-      reinterpret_cast<SetTime>(set)(screen,
-                                     static_cast<xcb_timestamp_t>(reinterpret_cast<std::uintptr_t>(now)));
+    if (set) reinterpret_cast<SetTime>(set)(screen, now);
   }
 }
 

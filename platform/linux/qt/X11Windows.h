@@ -7,6 +7,9 @@
 
 namespace vistrel::qt {
 
+/// The X server's time of this moment; asks the server.
+[[nodiscard]] xcb_timestamp_t serverTime();
+
 /// What Qt has no words for about windows on an X11 desktop. Main thread only.
 class X11Windows {
  public:
