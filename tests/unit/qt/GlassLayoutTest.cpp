@@ -1,4 +1,4 @@
-#include "qt/GlassLayout.h"
+#include "linux/qt/GlassLayout.h"
 
 #include <gtest/gtest.h>
 
