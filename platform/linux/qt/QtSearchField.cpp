@@ -1,5 +1,6 @@
 #include "qt/QtSearchField.h"
 
+#include <QAbstractButton>
 #include <QAction>
 #include <QLineEdit>
 #include <QPainter>
@@ -38,7 +39,9 @@ QtSearchField::QtSearchField(NSSearchField& field, QtViewClient& client)
   line_->setFocusPolicy(field.canBecomeKeyView() ? Qt::StrongFocus : Qt::ClickFocus);
   fillWith(*line_);
   setControl(*line_);
-  connect(clear_, &QAction::triggered, this, [this] { pressClearButton(); });
+  // On the press: it brings the focus too, and a field that watches events may keep the release for itself.
+  const auto* button = line_->findChild<QAbstractButton*>();
+  connect(button, &QAbstractButton::pressed, this, [this] { pressClearButton(); });
   connect(line_, &QLineEdit::textEdited, this,
           [this](const QString& text) { field_.userChangedText(text.toStdString()); });
 }
