@@ -36,6 +36,7 @@ constexpr EdgeInsets kTogglePadding{kRowPadding, 0, kRowPadding, kRowPadding};
 const std::vector<std::shared_ptr<NSImage>>& iconImages() {
   static const auto images = [] {
     std::vector<std::shared_ptr<NSImage>> loaded;
+    loaded.reserve(preference::kIcons.size());
     for (const char* name : preference::kIcons) loaded.push_back(NSImage::imageNamed(name));
     return loaded;
   }();

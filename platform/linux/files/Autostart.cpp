@@ -102,7 +102,8 @@ Result<std::vector<host::LoginItem>> Autostart::items() {
     if (!names) continue;
     for (const auto& name : names.value()) {
       if (!seen.insert(name).second) continue;
-      found.push_back({name.substr(0, name.size() - kSuffix.size()), startsSomething(folder + "/" + name)});
+      found.push_back({name.substr(0, name.size() - kSuffix.size()),
+                       startsSomething((fs::path(folder) / name).string())});
     }
   }
   if (found.empty() && failure) return *failure;

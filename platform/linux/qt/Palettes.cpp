@@ -15,7 +15,7 @@ struct Colours {
 };
 
 constexpr Colours kLight{0xfff2f2f2, 0xffffffff, 0xfff7f7f7, 0xff1c1c1e, 0xff8a8a8e, 0xff1a5fb4, 0xff3584e4};
-constexpr Colours kDark{0xff2b2b2d, 0xff1e1e20, 0xff3a3a3c, 0xfff2f2f2, 0xff8e8e93, 0xff78aeed, 0xff3584e4};
+constexpr Colours kDark{0xff2b2b2d, 0xff424246, 0xff4a4a4e, 0xfff2f2f2, 0xffa8a8ad, 0xff78aeed, 0xff3584e4};
 
 void setDisabled(QPalette& palette, QColor dimmed) {
   for (const auto role :

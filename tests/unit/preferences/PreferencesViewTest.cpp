@@ -163,7 +163,8 @@ TEST_F(PreferencesViewTest, OpensANewWindowEachTimeAndRemembersItsPlace) {
   reopened->didMove({5000, 5000, 480, 360});
   reopened->close();
   const Rect moved = openPreferencesWindow()->frame();
-  EXPECT_TRUE(Rect(0, 0, 1280, 800).intersection(moved) == moved) << "back on a screen that is there";
+  const Rect screen{0, 0, 1280, 800};
+  EXPECT_EQ(screen.intersection(moved), moved) << "back on a screen that is there";
   EXPECT_FALSE(desktop.loop.hasQuit());
 }
 

@@ -86,27 +86,27 @@ class RecorderTest : public ::testing::Test {
 TEST_F(RecorderTest, DecidesAboutEachKey) {
   struct Case {
     const char* what;
-    std::uint16_t keyCode;
     std::uint64_t flags;
+    const char* textAfter;
+    std::uint16_t keyCode;
     bool isSwallowed;
     bool staysRecording;
     int beeps;
-    const char* textAfter;
   };
   const Case cases[] = {
-      {"a letter alone", kA, 0, true, true, 1, "⌘A"},
-      {"a letter with lock, keypad and function flags", kA,
-       Flags::kCapsLock | Flags::kNumericPad | Flags::kFunction, true, true, 1, "⌘A"},
-      {"a function key alone", kF5, Flags::kFunction, true, false, 0, "F5"},
-      {"a letter with a modifier", kA, Flags::kControl | Flags::kCapsLock, true, false, 0, "⌃A"},
-      {"three keys", kSpace, Flags::kControl | Flags::kOption, true, false, 0, "⌃⌥⎵"},
-      {"Tab alone", kTab, 0, false, false, 0, "⌘A"},
-      {"Shift and Tab", kTab, Flags::kShift, true, false, 0, "⇧⇥"},
-      {"Escape alone", kEscape, 0, true, false, 0, "⌘A"},
-      {"Escape with a modifier", kEscape, Flags::kCommand, true, false, 0, "⌘⎋"},
-      {"Backspace", kBackspace, 0, true, true, 0, ""},
-      {"Delete", kDeleteForward, Flags::kFunction, true, true, 0, ""},
-      {"Delete with a modifier", kDeleteForward, Flags::kOption, true, false, 0, "⌥⌦"},
+      {"a letter alone", 0, "⌘A", kA, true, true, 1},
+      {"a letter with lock, keypad and function flags",
+       Flags::kCapsLock | Flags::kNumericPad | Flags::kFunction, "⌘A", kA, true, true, 1},
+      {"a function key alone", Flags::kFunction, "F5", kF5, true, false, 0},
+      {"a letter with a modifier", Flags::kControl | Flags::kCapsLock, "⌃A", kA, true, false, 0},
+      {"three keys", Flags::kControl | Flags::kOption, "⌃⌥⎵", kSpace, true, false, 0},
+      {"Tab alone", 0, "⌘A", kTab, false, false, 0},
+      {"Shift and Tab", Flags::kShift, "⇧⇥", kTab, true, false, 0},
+      {"Escape alone", 0, "⌘A", kEscape, true, false, 0},
+      {"Escape with a modifier", Flags::kCommand, "⌘⎋", kEscape, true, false, 0},
+      {"Backspace", 0, "", kBackspace, true, true, 0},
+      {"Delete", Flags::kFunction, "", kDeleteForward, true, true, 0},
+      {"Delete with a modifier", Flags::kOption, "⌥⌦", kDeleteForward, true, false, 0},
   };
   for (const auto& c : cases) {
     setShortcut(commandA, name);
