@@ -1,7 +1,6 @@
 #include "qt/QtStatusArea.h"
 
-#include <QApplication>
-#include <QWidget>
+#include <QGuiApplication>
 #include <utility>
 
 #include "appkit/NSEvent.h"
@@ -16,8 +15,6 @@ namespace {
 
 using Flags = NSEventModifierFlags;
 
-constexpr const char* kName = "Vistrel";
-
 // The tray hosts hand on no modifiers; the keyboard is asked at the press.
 std::uint64_t heldModifiers() {
   const auto held = QGuiApplication::queryKeyboardModifiers();
@@ -29,51 +26,37 @@ std::uint64_t heldModifiers() {
   return flags;
 }
 
-// Where the icon is a window of ours, what reads the screen aloud finds it by that window's name.
-void nameEmbeddedWindow() {
-  for (QWidget* widget : QApplication::topLevelWidgets()) {
-    if (qstrcmp(widget->metaObject()->className(), "QSystemTrayIconSys") != 0) continue;
-    widget->setWindowTitle(kName);
-    widget->setAccessibleName(kName);
-  }
-}
-
 }  // namespace
 
 QtStatusArea::QtStatusArea(host::SessionHost& session)
-    : session_(session),
-      mirror_({.willOpen = [this] { hostWillOpenMenu(); },
-               .didClose =
-                   [this] {
-                     if (client_) client_->statusMenuDidClose();
-                   },
-               .chosen =
-                   [this](auto item) {
-                     if (client_) client_->statusMenuItemChosen(std::move(item));
-                   }}) {
-  hosts_ = std::make_unique<TrayHostWatch>([this] {
-    makeIcon();
-    hosts_.reset();
-  });
-}
+    : session_(session), hosts_([this](TrayHost host) { makeIcon(host); }) {}
 
 QtStatusArea::~QtStatusArea() = default;
 
-void QtStatusArea::makeIcon() {
-  icon_ = std::make_unique<QSystemTrayIcon>();
-  icon_->setToolTip(kName);
-  icon_->setContextMenu(&mirror_.native());
-  mirror_.didAttach();
-  QObject::connect(icon_.get(), &QSystemTrayIcon::activated, [this](auto reason) { pressed(reason); });
+// The old one goes first: there are never two.
+void QtStatusArea::makeIcon(TrayHost host) {
+  icon_.reset();
+  icon_ = std::make_unique<TrayIcon>(
+      host, [this](auto reason) { pressed(reason); },
+      MirroredMenu::Handlers{.willOpen = [this] { hostWillOpenMenu(); },
+                             .didClose = [this] { tellClosed(); },
+                             .chosen = [this](auto item) { tellChosen(std::move(item)); }});
+  if (menu_) icon_->menu().mirror(menu_);
   update();
+}
+
+void QtStatusArea::tellClosed() {
+  if (client_) client_->statusMenuDidClose();
+}
+
+void QtStatusArea::tellChosen(std::shared_ptr<NSMenuItem> item) {
+  if (client_) client_->statusMenuItemChosen(std::move(item));
 }
 
 void QtStatusArea::update() {
   if (!icon_) return;
-  if (isShown_)
-    icon_->setIcon(image_.icon(isHighlighted_ ? TrayImage::Look::Highlighted : TrayImage::Look::Plain));
-  icon_->setVisible(isShown_);
-  nameEmbeddedWindow();
+  if (!isShown_) return icon_->hide();
+  icon_->show(image_.icon(isHighlighted_ ? TrayImage::Look::Highlighted : TrayImage::Look::Plain));
 }
 
 void QtStatusArea::setIcon(const std::string& imagePath) {
@@ -91,18 +74,15 @@ void QtStatusArea::setHighlighted(bool isHighlighted) {
   if (std::exchange(isHighlighted_, isHighlighted) != isHighlighted) update();
 }
 
-void QtStatusArea::mirrorMenu(std::shared_ptr<NSMenu> menu) { mirror_.mirror(std::move(menu)); }
+void QtStatusArea::mirrorMenu(std::shared_ptr<NSMenu> menu) {
+  menu_ = std::move(menu);
+  if (icon_) icon_->menu().mirror(menu_);
+}
 
 void QtStatusArea::popUpMenu(std::shared_ptr<NSMenu> menu) {
   popUp_ = std::make_unique<PopUpMenu>(
-      *menu, PopUpMenu::Handlers{.didClose =
-                                     [this] {
-                                       if (client_) client_->statusMenuDidClose();
-                                     },
-                                 .chosen =
-                                     [this](auto item) {
-                                       if (client_) client_->statusMenuItemChosen(std::move(item));
-                                     }});
+      *menu, PopUpMenu::Handlers{.didClose = [this] { tellClosed(); },
+                                 .chosen = [this](auto item) { tellChosen(std::move(item)); }});
   popUp_->show(toQt(iconFrame().value_or(Rect{})));
 }
 
@@ -123,7 +103,7 @@ void QtStatusArea::pressed(QSystemTrayIcon::ActivationReason reason) {
       return report(host::PointerButton::Middle);
     case QSystemTrayIcon::Context:
       // Where the menu is on screen this is the press that opened it, and that was told already.
-      if (!mirror_.native().isVisible()) report(host::PointerButton::Right);
+      if (!icon_->menu().native().isVisible()) report(host::PointerButton::Right);
       return;
     case QSystemTrayIcon::Unknown:
       return;
@@ -132,7 +112,7 @@ void QtStatusArea::pressed(QSystemTrayIcon::ActivationReason reason) {
 
 void QtStatusArea::report(host::PointerButton button) {
   rememberPointer();
-  mirror_.endShowing();
+  icon_->menu().endShowing();
   if (client_) client_->statusIconPressed(button, heldModifiers());
 }
 

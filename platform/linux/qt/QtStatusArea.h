@@ -1,14 +1,13 @@
 #pragma once
 
-#include <QSystemTrayIcon>
 #include <memory>
 #include <optional>
 #include <string>
 
 #include "host/StatusArea.h"
-#include "qt/MirroredMenu.h"
 #include "qt/PopUpMenu.h"
 #include "qt/TrayHostWatch.h"
+#include "qt/TrayIcon.h"
 #include "qt/TrayImage.h"
 
 namespace vistrel::host {
@@ -17,8 +16,8 @@ class SessionHost;
 
 namespace vistrel::qt {
 
-/// The tray icon: one native icon for as long as the program runs, changed in place. It is made when the
-/// desktop has a place for it, however late.
+/// The tray icon: one native icon, changed in place. It is made when the desktop has a place for it, however
+/// late, and made anew only for a tray host of another kind.
 class QtStatusArea final : public host::StatusArea {
  public:
   explicit QtStatusArea(host::SessionHost& session);
@@ -37,8 +36,10 @@ class QtStatusArea final : public host::StatusArea {
   void forgetIconFrame() { guessedFrame_.reset(); }
 
  private:
-  void makeIcon();
+  void makeIcon(TrayHost host);
   void update();
+  void tellClosed();
+  void tellChosen(std::shared_ptr<NSMenuItem> item);
   void pressed(QSystemTrayIcon::ActivationReason reason);
   void report(host::PointerButton button);
   void hostWillOpenMenu();
@@ -46,14 +47,14 @@ class QtStatusArea final : public host::StatusArea {
 
   host::SessionHost& session_;
   host::StatusAreaClient* client_ = nullptr;
-  std::unique_ptr<QSystemTrayIcon> icon_;
-  std::unique_ptr<TrayHostWatch> hosts_;
-  MirroredMenu mirror_;
+  std::unique_ptr<TrayIcon> icon_;
+  std::shared_ptr<NSMenu> menu_;
   std::unique_ptr<PopUpMenu> popUp_;
   TrayImage image_;
   bool isShown_ = false;
   bool isHighlighted_ = false;
   std::optional<Rect> guessedFrame_;
+  TrayHostWatch hosts_;
 };
 
 }  // namespace vistrel::qt

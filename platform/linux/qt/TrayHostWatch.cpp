@@ -16,7 +16,7 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr const char* kWatcher = "org.kde.StatusNotifierWatcher";
-// Panels that speak both announce the embedding first; the better one follows within this time.
+// A panel that speaks both ways announces the embedding first, and is gone for a while when it is restarted.
 constexpr milliseconds kPatience{1000};
 
 xcb_connection_t* connection() {
@@ -46,18 +46,19 @@ bool hasBusHost() {
   return bus && bus->isServiceRegistered(kWatcher);
 }
 
+TrayHost present() {
+  if (hasBusHost()) return TrayHost::Bus;
+  return hasEmbeddingHost() ? TrayHost::Embedding : TrayHost::None;
+}
+
 }  // namespace
 
-TrayHostWatch::TrayHostWatch(std::function<void()> handler)
+TrayHostWatch::TrayHostWatch(std::function<void(TrayHost)> handler)
     : handler_(std::move(handler)),
-      busHosts_(kWatcher, QDBusConnection::sessionBus(), QDBusServiceWatcher::WatchForRegistration) {
-  QObject::connect(&busHosts_, &QDBusServiceWatcher::serviceRegistered, [this] { ready(milliseconds(0)); });
+      busHosts_(kWatcher, QDBusConnection::sessionBus(), QDBusServiceWatcher::WatchForOwnerChange) {
+  QObject::connect(&busHosts_, &QDBusServiceWatcher::serviceOwnerChanged, [this] { look(); });
   qApp->installNativeEventFilter(this);
-  if (hasBusHost()) {
-    ready(milliseconds(0));
-  } else if (hasEmbeddingHost()) {
-    embeddingHostCame();
-  }
+  look();
 }
 
 TrayHostWatch::~TrayHostWatch() { qApp->removeNativeEventFilter(this); }
@@ -66,15 +67,24 @@ TrayHostWatch::~TrayHostWatch() { qApp->removeNativeEventFilter(this); }
 bool TrayHostWatch::nativeEventFilter(const QByteArray& /*type*/, void* message, qintptr* /*result*/) {
   const auto* event = static_cast<xcb_generic_event_t*>(message);
   if ((event->response_type & 0x7f) != XCB_CLIENT_MESSAGE) return false;
-  const auto* announcement = static_cast<xcb_client_message_event_t*>(message);
-  if (announcement->type == atom("MANAGER") && hasEmbeddingHost()) embeddingHostCame();
+  static const xcb_atom_t manager = atom("MANAGER");
+  if (static_cast<xcb_client_message_event_t*>(message)->type == manager) look();
   return false;
 }
 
-void TrayHostWatch::embeddingHostCame() {
-  if (!ready_) ready(QDBusConnection::sessionBus().isConnected() ? kPatience : milliseconds(0));
+void TrayHostWatch::look() {
+  const TrayHost host = present();
+  settling_.reset();
+  if (host == TrayHost::None || host == known_) return;
+  const bool isSure = host == TrayHost::Bus || !QDBusConnection::sessionBus().isConnected();
+  settling_ = std::make_unique<SingleShot>(isSure ? milliseconds(0) : kPatience, [this] { settle(); });
 }
 
-void TrayHostWatch::ready(milliseconds delay) { ready_ = std::make_unique<SingleShot>(delay, handler_); }
+void TrayHostWatch::settle() {
+  const TrayHost host = present();
+  if (host == TrayHost::None || host == known_) return;
+  known_ = host;
+  handler_(host);
+}
 
 }  // namespace vistrel::qt

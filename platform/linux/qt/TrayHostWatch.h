@@ -9,23 +9,28 @@
 
 namespace vistrel::qt {
 
-/// Waits for a desktop that takes tray icons: over D-Bus (StatusNotifierItem) or by embedding (XEmbed system
-/// tray). Qt decides for the process between the two when its first icon is made, so none is made before.
+/// Who takes tray icons on this desktop: a host on the session bus (StatusNotifierItem), which is the better
+/// one, or a window that embeds them (XEmbed system tray).
+enum class TrayHost { None, Bus, Embedding };
+
+/// Watches for tray hosts, which may come late, end, or be replaced by one of the other kind.
 class TrayHostWatch final : public QAbstractNativeEventFilter {
  public:
-  /// `handler` is called once, from the main loop.
-  explicit TrayHostWatch(std::function<void()> handler);
+  /// `handler` is called from the main loop with a host of another kind than before. It hears nothing of one
+  /// that ends: an icon waits for the next of its kind.
+  explicit TrayHostWatch(std::function<void(TrayHost)> handler);
   ~TrayHostWatch() override;
 
   bool nativeEventFilter(const QByteArray& type, void* message, qintptr* result) override;
 
  private:
-  void embeddingHostCame();
-  void ready(std::chrono::milliseconds delay);
+  void look();
+  void settle();
 
-  std::function<void()> handler_;
+  std::function<void(TrayHost)> handler_;
   QDBusServiceWatcher busHosts_;
-  std::unique_ptr<SingleShot> ready_;
+  TrayHost known_ = TrayHost::None;
+  std::unique_ptr<SingleShot> settling_;
 };
 
 }  // namespace vistrel::qt
