@@ -1,4 +1,4 @@
-#include "BenchFrames.h"
+#include "benchmarks/BenchFrames.h"
 
 #include <algorithm>
 #include <cstdio>

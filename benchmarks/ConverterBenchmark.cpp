@@ -5,7 +5,7 @@
 #include <cstring>
 #include <string>
 
-#include "BenchFrames.h"
+#include "benchmarks/BenchFrames.h"
 #include "linux/camera/PictureConverter.h"
 
 namespace vistrel::bench {

@@ -8,7 +8,7 @@
 // The library's header needs <cstdio> above it.
 #include <jpeglib.h>
 
-#include "BenchFrames.h"
+#include "benchmarks/BenchFrames.h"
 #include "linux/camera/JpegDecoder.h"
 #include "linux/camera/PictureConverter.h"
 

@@ -8,7 +8,8 @@
 
 namespace vistrel::qt {
 
-/// One part of a segmented control: checked in turn with its neighbours, and a radio button to screen readers.
+/// One part of a segmented control: checked in turn with its neighbours, and a radio button to screen
+/// readers.
 class QtSegment final : public QAbstractButton {
  public:
   enum class Place { Only, First, Middle, Last };
