@@ -41,6 +41,9 @@ int NSApplication::run() {
 void NSApplication::terminate(NSObject* /*sender*/) {
   if (std::exchange(isTerminating_, true)) return;
   if (delegate_) delegate_->applicationWillTerminate();
+  // Closed in the orderly way, so that cameras get their buffers back before the process goes.
+  const auto open = windows_;
+  for (const auto& window : open) window->performClose(this);
   host::current().mainLoop().quit();
 }
 
