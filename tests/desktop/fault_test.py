@@ -67,10 +67,11 @@ class CameraFaultTest(DesktopTest):
                 self.desktop.unplug_all()
 
     def test_names_of_all_kinds_can_be_chosen(self):
-        for index, name in enumerate(ODD_NAMES):
+        names = ODD_NAMES[1:]  # the row of an empty name has nothing by which to find it
+        for index, name in enumerate(names):
             self.desktop.camera(name=name, node=f"odd-{index}")
         vistrel = self.start()
-        for index, name in enumerate(ODD_NAMES[1:]):
+        for index, name in enumerate(names):
             vistrel.click(button=3)
             since = len(vistrel.lines)
             vistrel.choose(index)

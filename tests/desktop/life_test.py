@@ -6,7 +6,7 @@ import unittest
 
 from stage.portal import Portal
 from stage.processes import wait_until
-from stage.program import IDENTIFIER, Program
+from stage.program import IDENTIFIER, Program, centre
 from tests.desktop.harness import STARTED, DesktopTest
 
 APPLICATION = "org.freedesktop.Application"
@@ -99,8 +99,10 @@ class DarkModeTest(DesktopTest):
         wait_until(lambda: self.frame_colour(vistrel) == dark, "a dark frame")
 
     def frame_colour(self, vistrel):
-        x, y, _width, height = next(window for window in vistrel.windows() if window["types"])["place"]
-        return self.screen.colour((x + 3, y + height // 2))
+        """The colour of the tip between the icon and the picture."""
+        icon = vistrel.icon()
+        top = self.screen.live_picture()["place"][1]
+        return self.screen.colour((centre(icon)[0], top - 4))
 
 
 class TrayTest(DesktopTest):

@@ -128,7 +128,7 @@ class PlacementTest(DesktopTest):
                 self.assertTrue(0 <= left and 0 <= top and left + width <= 1024, (left, top, width, height))
                 self.assertLessEqual(top + height, vistrel.icon()[1])
                 self.assertAlmostEqual(width / height, 426 / 240, delta=0.02)
-                self.assertAlmostEqual(width, min(SIZES[index][0] * scale, 1000), delta=40)
+                self.assertAlmostEqual(width, min(SIZES[index][0] * scale, 960), delta=40)
                 self.assertLess(self.screen.live_picture()["softness"], 2)
 
 

@@ -27,6 +27,7 @@ class ActivationWatch {
 
   Handlers handlers_;
   bool isActive_ = false;
+  bool awaitsConfirmation_ = false;
   std::unique_ptr<SingleShot> recheck_;
   QObject context_;
 };
