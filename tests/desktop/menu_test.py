@@ -20,6 +20,8 @@ class MenuRules:
         self.assertEqual(len(vistrel.menu_rows()), 5)
         self.screen.key("Escape")
         vistrel.wait_no_menu()
+        if self.stage:  # the panel never tells of a close
+            vistrel.wait_line(CHECKING)
         vistrel.click(button=3)
         vistrel.menu()
         before = len(vistrel.lines)
