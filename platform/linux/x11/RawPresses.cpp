@@ -2,6 +2,7 @@
 
 #include <xcb/xinput.h>
 
+#include <tuple>
 #include <utility>
 
 namespace vistrel::x11 {
@@ -44,8 +45,10 @@ void RawPresses::setHandler(Handler handler) {
 void RawPresses::select(Watching watching) {
   constexpr std::uint32_t kRawPresses = XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS;
   const OneMask selection = {{XCB_INPUT_DEVICE_ALL_MASTER, 1}, watching == Watching::On ? kRawPresses : 0};
-  xcb_input_xi_select_events(connection_.get(), connection_.root(), 1, &selection.head);
-  connection_.flush();
+  const auto cookie =
+      xcb_input_xi_select_events_checked(connection_.get(), connection_.root(), 1, &selection.head);
+  // Waited for: the server takes its clients in no order, and the next press must not get ahead.
+  std::ignore = connection_.succeeds(cookie);
 }
 
 void RawPresses::eventCame(const xcb_generic_event_t& event) {
