@@ -34,6 +34,7 @@ class FakeDesktop final : public host::Host,
   std::set<Combination> takenByOthers;
   std::map<std::uint16_t, std::string> characters;
   bool hasKeymap = true;
+  host::KeyboardHost* realKeyboard = nullptr;  ///< asked for characters instead, where there is one
   std::optional<std::vector<std::map<std::string, std::any>>> desktopShortcuts;
   std::vector<std::function<void()>> queue;
 
@@ -64,6 +65,7 @@ class FakeDesktop final : public host::Host,
   }
 
   std::optional<std::string> displayCharacter(std::uint16_t keyCode) override {
+    if (realKeyboard) return realKeyboard->displayCharacter(keyCode);
     return hasKeymap ? std::optional(characters[keyCode]) : std::nullopt;
   }
   std::optional<std::vector<std::map<std::string, std::any>>> symbolicHotKeys() override {

@@ -1,0 +1,66 @@
+// The shortcuts: from a hot key's release to its action, and what the recorder asks for each key pressed.
+#include <benchmark/benchmark.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "KeyboardShortcuts/KeyboardShortcuts.h"
+#include "appkit/NSMenu.h"
+#include "linux/x11/X11Keyboard.h"
+#include "tests/unit/camera/PollReactor.h"
+#include "tests/unit/keyboard/FakeDesktop.h"
+
+namespace vistrel::bench {
+namespace {
+
+using KeyboardShortcuts::Shortcut;
+
+constexpr int kMenuItems = 1000;
+constexpr std::int64_t kDesktopShortcuts = 300;
+
+void releaseToAction(benchmark::State& state) {
+  vistrel::testing::FakeDesktop desktop;
+  const KeyboardShortcuts::Name name("toggle");
+  KeyboardShortcuts::setShortcut(Shortcut(49, 0x100), name);
+  int runs = 0;
+  KeyboardShortcuts::onKeyUp(name, [&runs] { ++runs; });
+  for ([[maybe_unused]] auto _ : state) desktop.tell(49, 0x100, host::HotKeyPhase::Released);
+  if (runs == 0) state.SkipWithError("the action never ran");
+}
+
+void translation(benchmark::State& state) {
+  capture::PollReactor reactor;
+  x11::X11Connection connection(reactor);
+  x11::X11Keyboard keyboard(connection, nullptr);
+  if (!keyboard.displayCharacter(0)) return state.SkipWithError("no keymap; give it a DISPLAY");
+  for ([[maybe_unused]] auto _ : state) benchmark::DoNotOptimize(keyboard.displayCharacter(0));
+}
+
+void conflictCheck(benchmark::State& state) {
+  capture::PollReactor reactor;
+  x11::X11Connection connection(reactor);
+  x11::X11Keyboard keyboard(connection, nullptr);
+  if (!keyboard.displayCharacter(0)) return state.SkipWithError("no keymap; give it a DISPLAY");
+  vistrel::testing::FakeDesktop desktop;
+  desktop.realKeyboard = &keyboard;
+  desktop.desktopShortcuts.emplace();
+  for (std::int64_t i = 0; i < kDesktopShortcuts; ++i) {
+    desktop.desktopShortcuts->push_back({{"kHISymbolicHotKeyEnabled", true},
+                                         {"kHISymbolicHotKeyCode", i % 100},
+                                         {"kHISymbolicHotKeyModifiers", std::int64_t{0x100}}});
+  }
+  NSMenu menu;
+  for (int i = 0; i < kMenuItems; ++i) menu.addItem(std::make_shared<NSMenuItem>("item", "", "q"));
+  const Shortcut shortcut(0, 0x1800);
+  for ([[maybe_unused]] auto _ : state) {
+    if (shortcut.matchingMenuItem(menu) || shortcut.isTakenBySystem()) state.SkipWithError("a conflict");
+  }
+}
+
+BENCHMARK(releaseToAction)->Unit(benchmark::kMicrosecond);
+BENCHMARK(translation)->Unit(benchmark::kMicrosecond);
+BENCHMARK(conflictCheck)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+}  // namespace vistrel::bench
