@@ -1,6 +1,8 @@
 #include "stage/screen/Input.h"
 
+#include <chrono>
 #include <string_view>
+#include <thread>
 
 #include <X11/extensions/XTest.h>
 
@@ -9,6 +11,7 @@ namespace {
 
 constexpr unsigned kEvdevOffset = 8;
 constexpr int kDragSteps = 16;
+constexpr std::chrono::milliseconds kDragStepTime{8};
 constexpr std::string_view kEvdevPrefix = "evdev:";
 
 }  // namespace
@@ -38,8 +41,12 @@ void Input::key(unsigned keyCode, Motion motion) const {
 void Input::drag(int fromX, int fromY, int toX, int toY) const {
   move(fromX, fromY);
   button(1, Motion::Down);
-  for (int step = 1; step <= kDragSteps; ++step)
+  for (int step = 1; step <= kDragSteps; ++step) {
+    // A hand takes its time; a window manager that grabs the pointer for the drag needs some, too.
+    std::this_thread::sleep_for(kDragStepTime);
     move(fromX + (toX - fromX) * step / kDragSteps, fromY + (toY - fromY) * step / kDragSteps);
+  }
+  std::this_thread::sleep_for(kDragStepTime);
   button(1, Motion::Up);
 }
 

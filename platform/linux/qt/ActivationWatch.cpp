@@ -15,23 +15,23 @@ using std::chrono::milliseconds;
 
 // While somebody's grab lasts Qt tells nothing more, so the focus is looked at, this often.
 constexpr milliseconds kGrabInterval{40};
-// A window that was just shown gets its focus from the window manager, which takes its time. Only a focus that
-// stays away this long is lost.
+// A window that was just shown gets its focus from the window manager, which takes its time. Only a focus
+// that stays away this long is lost.
 constexpr milliseconds kConfirmation{200};
 
 bool isAnyWindowVisible() {
   const auto windows = QGuiApplication::topLevelWindows();
-  return std::any_of(windows.begin(), windows.end(), [](const QWindow* window) { return window->isVisible(); });
+  return std::any_of(windows.begin(), windows.end(),
+                     [](const QWindow* window) { return window->isVisible(); });
 }
 
 }  // namespace
 
 ActivationWatch::ActivationWatch(Handlers handlers) : handlers_(std::move(handlers)) {
-  QObject::connect(qGuiApp, &QGuiApplication::focusWindowChanged, &context_,
-                   [this] {
-                     awaitsConfirmation_ = false;
-                     checkAfter(milliseconds(0));
-                   });
+  QObject::connect(qGuiApp, &QGuiApplication::focusWindowChanged, &context_, [this] {
+    awaitsConfirmation_ = false;
+    checkAfter(milliseconds(0));
+  });
 }
 
 // In a turn of its own: the focus goes from one of our windows to another by way of none.
