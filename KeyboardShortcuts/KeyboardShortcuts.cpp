@@ -29,6 +29,7 @@ State& state() {
 void runActions(const ActionTable& table, const Shortcut& shortcut) {
   if (state().isPaused) return;
   // Over a copy: an action may add actions, or remove all of them.
+  // NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
   const ActionTable snapshot = table;
   for (const auto& [name, actions] : snapshot) {
     if (readStoredShortcut(name) != shortcut) continue;

@@ -8,7 +8,7 @@
 namespace vistrel::KeyboardShortcuts {
 
 Name::Name(std::string rawValue, std::optional<Shortcut> defaultShortcut)
-    : rawValue_(std::move(rawValue)), defaultShortcut_(std::move(defaultShortcut)) {
+    : rawValue_(std::move(rawValue)), defaultShortcut_(defaultShortcut) {
   if (defaultShortcut_ && !hasStoredValue(*this)) storeShortcut(*defaultShortcut_, *this);
 }
 
