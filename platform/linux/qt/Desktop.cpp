@@ -52,7 +52,7 @@ struct Desktop::Parts {
   x11::RawPresses presses{x11};
   QtWindowSystem windows{presses};
   QtSession session{reactor, *instance};
-  QtStatusArea statusArea{session};
+  QtStatusArea statusArea{session, x11};
   capture::CameraCenter cameras{reactor};
 };
 

@@ -56,12 +56,12 @@ void MirroredMenu::mirror(std::shared_ptr<NSMenu> menu) {
   if (phase_ == Phase::Idle) apply();
 }
 
-// The first moment of a showing is the last one at which its rows may change, in place.
+// A menu of Qt's own is not laid out yet at this moment, a host's may be on screen already.
 void MirroredMenu::begin() {
   settling_.reset();
   phase_ = Phase::Beginning;
   handlers_.willOpen();
-  apply();
+  if (upcoming_ && (!isDrawnByHost() || hasRows(keysOf(*upcoming_)))) apply();
   phase_ = Phase::Showing;
 }
 
@@ -85,10 +85,14 @@ void MirroredMenu::choose(QAction* action) {
 
 void MirroredMenu::applyLater() {
   phase_ = Phase::Settling;
-  settling_ = std::make_unique<SingleShot>(kSettleTime, [this] {
-    phase_ = Phase::Idle;
-    apply();
-  });
+  settling_ = std::make_unique<SingleShot>(kSettleTime, [this] { settle(); });
+}
+
+// The host may show it again before it says so.
+void MirroredMenu::settle() {
+  if (isDrawnByHost() && handlers_.isHostMenuSeen()) return applyLater();
+  phase_ = Phase::Idle;
+  apply();
 }
 
 void MirroredMenu::apply() {
@@ -138,7 +142,14 @@ void MirroredMenu::present(Row& row, const std::shared_ptr<NSMenuItem>& item, bo
 
 QString MirroredMenu::label(const MenuRow& key) const {
   const QString text = menuRowText(key.title);
-  return const_cast<QMenu&>(native_).platformMenu() ? labelForBusMenu(text) : labelForQtMenu(text);
+  return isDrawnByHost() ? labelForBusMenu(text) : labelForQtMenu(text);
+}
+
+bool MirroredMenu::isDrawnByHost() const { return const_cast<QMenu&>(native_).platformMenu() != nullptr; }
+
+bool MirroredMenu::hasRows(const std::vector<MenuRow>& wanted) const {
+  return std::equal(rows_.begin(), rows_.end(), wanted.begin(), wanted.end(),
+                    [](const Row& row, const MenuRow& key) { return row.key == key; });
 }
 
 }  // namespace vistrel::qt

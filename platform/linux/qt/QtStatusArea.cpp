@@ -28,24 +28,27 @@ std::uint64_t heldModifiers() {
 
 }  // namespace
 
-QtStatusArea::QtStatusArea(host::SessionHost& session)
-    : session_(session), hosts_([this](TrayHost host) { makeIcon(host); }) {}
+QtStatusArea::QtStatusArea(host::SessionHost& session, x11::X11Connection& x11)
+    : session_(session), hostMenu_(x11), hosts_([this](TrayHost host) { makeIcon(host); }) {}
 
 QtStatusArea::~QtStatusArea() = default;
 
 // The old one goes first: there are never two.
 void QtStatusArea::makeIcon(TrayHost host) {
+  hostMenu_.stop();
   icon_.reset();
   icon_ = std::make_unique<TrayIcon>(
       host, [this](auto reason) { pressed(reason); },
       MirroredMenu::Handlers{.willOpen = [this] { hostWillOpenMenu(); },
                              .didClose = [this] { tellClosed(); },
-                             .chosen = [this](auto item) { tellChosen(std::move(item)); }});
+                             .chosen = [this](auto item) { tellChosen(std::move(item)); },
+                             .isHostMenuSeen = [this] { return hostMenu_.isMenuOnScreen(); }});
   if (menu_) icon_->menu().mirror(menu_);
   update();
 }
 
 void QtStatusArea::tellClosed() {
+  hostMenu_.stop();
   if (client_) client_->statusMenuDidClose();
 }
 
@@ -118,6 +121,7 @@ void QtStatusArea::report(host::PointerButton button) {
 
 void QtStatusArea::hostWillOpenMenu() {
   rememberPointer();
+  if (icon_->menu().isDrawnByHost()) hostMenu_.start([this] { icon_->menu().hostMenuIsGone(); });
   if (client_) client_->statusMenuWillOpen();
 }
 

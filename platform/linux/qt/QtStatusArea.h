@@ -9,6 +9,7 @@
 #include "qt/TrayHostWatch.h"
 #include "qt/TrayIcon.h"
 #include "qt/TrayImage.h"
+#include "x11/HostMenuWatch.h"
 
 namespace vistrel::host {
 class SessionHost;
@@ -20,7 +21,7 @@ namespace vistrel::qt {
 /// late, and made anew only for a tray host of another kind.
 class QtStatusArea final : public host::StatusArea {
  public:
-  explicit QtStatusArea(host::SessionHost& session);
+  QtStatusArea(host::SessionHost& session, x11::X11Connection& x11);
   ~QtStatusArea() override;
 
   void setClient(host::StatusAreaClient* client) override { client_ = client; }
@@ -47,6 +48,7 @@ class QtStatusArea final : public host::StatusArea {
 
   host::SessionHost& session_;
   host::StatusAreaClient* client_ = nullptr;
+  x11::HostMenuWatch hostMenu_;
   std::unique_ptr<TrayIcon> icon_;
   std::shared_ptr<NSMenu> menu_;
   std::unique_ptr<PopUpMenu> popUp_;

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <xcb/xcb.h>
+
+#include <functional>
+#include <memory>
+
+#include "x11/X11Connection.h"
+
+namespace vistrel::x11 {
+
+/// Sees the end of a menu that another program, such as a panel, shows for this one: by the popup-menu window
+/// (EWMH) that comes and goes. Watches nothing unless it was asked to. Main thread only.
+class HostMenuWatch {
+ public:
+  explicit HostMenuWatch(X11Connection& connection);
+  HostMenuWatch(const HostMenuWatch&) = delete;
+  HostMenuWatch& operator=(const HostMenuWatch&) = delete;
+  ~HostMenuWatch() { stop(); }
+
+  /// A menu is on the screen, or about to be: `closed` is called once, from the main loop, when it is gone.
+  /// Never, where it is no window of this X server.
+  void start(std::function<void()> closed);
+  void stop();
+  /// Whether any program shows such a menu at this moment.
+  [[nodiscard]] bool isMenuOnScreen();
+
+ private:
+  enum class Listening { Off, On };
+  void listen(Listening listening);
+  void eventCame(const xcb_generic_event_t& event);
+  void look();
+  [[nodiscard]] bool isMenu(xcb_window_t window);
+  [[nodiscard]] xcb_atom_t atom(const char* name);
+
+  X11Connection& connection_;
+  xcb_atom_t windowType_ = XCB_ATOM_NONE;
+  xcb_atom_t popupMenu_ = XCB_ATOM_NONE;
+  std::function<void()> closed_;
+  bool wasSeen_ = false;
+  std::shared_ptr<X11Connection::Handler> subscription_;
+};
+
+}  // namespace vistrel::x11
