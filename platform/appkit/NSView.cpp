@@ -68,6 +68,8 @@ void NSView::addSubview(const std::shared_ptr<NSView>& view) {
 
 void NSView::addSubview(const std::shared_ptr<NSView>& view, NSWindowOrderingMode place,
                         const NSView* relativeTo) {
+  // A copy of its own: what the argument refers to may go while this runs.
+  // NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
   const auto kept = view;
   kept->removeFromSuperview();
   const auto isReference = [&](const auto& other) { return other.get() == relativeTo; };

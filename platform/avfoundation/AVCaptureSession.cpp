@@ -76,6 +76,8 @@ void AVCaptureSession::streamDidStart() {
 void AVCaptureSession::streamDidFail(const Error& error) {
   if (!std::exchange(isRunning_, false)) return;
   const auto kept = shared_from_this();
+  // A copy of its own: what the argument refers to may go while this runs.
+  // NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
   const Error reason = error;
   watchdog_.reset();
   hasStarted_ = false;
