@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "foundation/Geometry.h"
@@ -46,7 +47,10 @@ class SessionHost {
     int major = 0;
     int minor = 0;
     int patch = 0;
-    auto operator<=>(const Version&) const = default;
+    bool operator<(const Version& o) const {
+      return std::tie(major, minor, patch) < std::tie(o.major, o.minor, o.patch);
+    }
+    bool operator>=(const Version& o) const { return !(*this < o); }
   };
   [[nodiscard]] virtual Version platformVersion() = 0;
   /// Opens an address in the user's browser; false when the desktop has none.
