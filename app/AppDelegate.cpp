@@ -108,7 +108,7 @@ void AppDelegate::setUpStatusItem() {
   statusBarItem_ = NSStatusBar::system().statusItemWithLength(NSVariableStatusItemLength);
   const auto button = statusBarItem_->button();
   if (!button) return;
-  button->setImage(NSImage::imageNamed(preference::entryAt(preference::kIcons, selectedIconIndex_)));
+  button->setImage(NSImage::imageNamed(preference::entryAt(availableIcons, selectedIconIndex_)));
   button->setAction("clickedStatusBarButton:");
   button->sendActionOn(kMouseDowns);
   if (menu_) statusBarItem_->setUpcomingMenu(menu_);

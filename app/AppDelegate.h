@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "app/Popover.h"
+#include "app/PreferenceKeys.h"
 #include "appkit/NSApplication.h"
 #include "appkit/NSMenu.h"
 #include "appkit/NSStatusItem.h"
@@ -55,6 +56,7 @@ class AppDelegate final : public NSObject, public NSApplicationDelegate, public 
   std::shared_ptr<NSStatusItem> statusBarItem_;
   std::shared_ptr<NSMenu> menu_;
   UserDefaults& defaults_;
+  static constexpr const auto& availableIcons = preference::kIcons;
   std::int64_t selectedIconIndex_ = 0;
   bool dismissOnClick_ = true;
   std::unique_ptr<CameraManagement> cameras_;

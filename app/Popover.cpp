@@ -22,10 +22,12 @@ Popover::Popover() : defaults_(UserDefaults::standard()) {
   configureContent();
 }
 
+void Popover::initWithCoder() { fatalError("init(coder:) has not been implemented"); }
+
 void Popover::configureContent() {
   selectedSizeIndex_ = defaults_.integerForKey(preference::kSelectedPopoverSize);
   const auto controller = makeFromStoryboard();
-  setContentSize(preference::entryAt(preference::kSizes, selectedSizeIndex_).size);
+  setContentSize(preference::entryAt(availableSizes, selectedSizeIndex_).size);
   setBehavior(NSPopoverBehavior::Transient);
   setContentViewController(controller);
 }

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "app/PreferenceKeys.h"
 #include "appkit/NSPopover.h"
 #include "foundation/NotificationCenter.h"
 #include "foundation/UserDefaults.h"
@@ -16,6 +17,8 @@ class CameraViewController;
 class Popover final : public NSPopover, public NSPopoverDelegate {
  public:
   Popover();
+  /// Creation from an archive is not supported: stops the program.
+  [[noreturn]] static void initWithCoder();
 
   [[nodiscard]] bool isDarkMode() const;
   [[nodiscard]] std::int64_t selectedSizeIndex() const { return selectedSizeIndex_; }
@@ -32,6 +35,7 @@ class Popover final : public NSPopover, public NSPopoverDelegate {
   [[nodiscard]] static std::shared_ptr<CameraViewController> makeFromStoryboard();
 
   UserDefaults& defaults_;
+  static constexpr const auto& availableSizes = preference::kSizes;
   std::int64_t selectedSizeIndex_ = 1;
   ObservationToken dataObserver_;
   ObservationToken themeObserver_;

@@ -57,6 +57,9 @@ void CameraViewController::connectOutlet(const std::string& name, const std::sha
   if (name == "availableCamerasPopupButton") {
     availableCamerasPopupButton_ = std::dynamic_pointer_cast<NSPopUpButton>(view);
   }
+  if (availableCamerasPopupButton_) {
+    PopUpButtonCell_ = dynamic_cast<NSPopUpButtonCell*>(availableCamerasPopupButton_->cell());
+  }
   if (name == "popupContrastView") popupContrastView_ = view;
   if (name == "closeButtonContrastView") closeButtonContrastView_ = view;
 }

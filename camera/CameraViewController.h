@@ -63,6 +63,8 @@ class CameraViewController final : public NSViewController {
   std::weak_ptr<NSView> noCamerasView_;
   std::shared_ptr<NSView> viewContainingVideo_;
   std::shared_ptr<NSPopUpButton> availableCamerasPopupButton_;
+  /// Connected by the layout; the button is the way by which the cell is reached.
+  NSPopUpButtonCell* PopUpButtonCell_ = nullptr;
   std::weak_ptr<NSView> popupContrastView_;
   std::weak_ptr<NSView> closeButtonContrastView_;
   std::unique_ptr<CameraManagement> cameras_;

@@ -21,11 +21,15 @@ void NSPopUpButton::setMenu(std::shared_ptr<NSMenu> menu) {
 void NSPopUpButton::keyDown(const NSEvent& event) {
   const bool wasHidden = isHidden();
   if (wasHidden) NSButton::keyDown(event);
-  if (event.keyCode() == kSpaceKeyCode || event.keyCode() == kDownArrowKeyCode) {
+  if (takesKey(event.keyCode())) {
     performClick(this);
   } else if (!wasHidden) {
     NSButton::keyDown(event);
   }
+}
+
+bool NSPopUpButton::takesKey(std::uint16_t keyCode) const {
+  return keyCode == kSpaceKeyCode || keyCode == kDownArrowKeyCode;
 }
 
 void NSPopUpButton::performClick(NSObject* /*sender*/) {

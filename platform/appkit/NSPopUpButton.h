@@ -21,6 +21,7 @@ class NSPopUpButton : public NSButton {
   /// Space and Down open the menu. A key that reaches a hidden button goes up the chain first, so that who
   /// hid the button may show it.
   void keyDown(const NSEvent& event) override;
+  [[nodiscard]] bool takesKey(std::uint16_t keyCode) const;
   /// Opens the menu and returns.
   void performClick(NSObject* sender) override;
   /// The user chose an item of the open menu: its action starts at this button.

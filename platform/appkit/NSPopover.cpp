@@ -25,9 +25,13 @@ std::optional<Rect> anchorOnDesktop(const Rect& rect, const NSView& view) {
 NSPopover::~NSPopover() {
   stopWatching();
   if (isShown_) window_->close();
+  if (!window_) return;
+  window_->popoverWillEnd();
   // The controller may outlive the popover's window, and must not find a view in it.
-  if (window_) window_->setContentView(nullptr);
+  window_->setContentView(nullptr);
 }
+
+NSWindow* NSPopover::window() const { return window_.get(); }
 
 void NSPopover::setAppearance(const NSAppearance& appearance) {
   appearance_ = appearance;
@@ -66,6 +70,7 @@ void NSPopover::showRelativeToRect(const Rect& rect, NSView& view, NSRectEdge /*
   makeWindow();
   window_->setTip(place.tip);
   window_->setFrame(place.frame);
+  NSStatusBar::system().popoverWillOpen();
   isShown_ = true;
   appear();
   window_->makeKeyAndOrderFront(this);

@@ -14,6 +14,7 @@ namespace vistrel {
 class NSPopover;
 class NSView;
 class NSViewController;
+class PopoverWindow;
 
 enum class NSRectEdge { MinX = 0, MinY = 1, MaxX = 2, MaxY = 3 };
 enum class NSPopoverBehavior { ApplicationDefined = 0, Transient = 1, Semitransient = 2 };
@@ -56,7 +57,7 @@ class NSPopover : public NSObject, public host::OutsidePressClient {
   /// Closes at once: when it returns, the popover is not shown and its view has disappeared.
   virtual void performClose(NSObject* sender);
   /// The window under it, shown or not; null before the first showing.
-  [[nodiscard]] NSWindow* window() const { return window_.get(); }
+  [[nodiscard]] NSWindow* window() const;
 
   // host::OutsidePressClient
   void pressedOutside(Point location) override;
@@ -78,7 +79,7 @@ class NSPopover : public NSObject, public host::OutsidePressClient {
   std::shared_ptr<NSViewController> controller_;
   NSPopoverDelegate* delegate_ = nullptr;
   std::weak_ptr<NSView> anchor_;
-  std::shared_ptr<NSWindow> window_;
+  std::shared_ptr<PopoverWindow> window_;
   std::shared_ptr<NSEvent::Monitor> ownPresses_;
   bool isShown_ = false;
   bool isDetached_ = false;

@@ -1,11 +1,11 @@
 #include "appkit/NSStatusBar.h"
 
+#include <cmath>
 #include <utility>
 
 #include "appkit/NSApplication.h"
 #include "appkit/NSMenu.h"
 #include "appkit/NSStatusItem.h"
-#include "appkit/ScreenGeometry.h"
 #include "host/Host.h"
 
 namespace vistrel {
@@ -16,26 +16,30 @@ using Flags = NSEventModifierFlags;
 
 constexpr std::uint64_t kMenuModifiers = Flags::kControl | Flags::kOption;
 
-bool isOnPanel(Point location) {
-  const auto icon = host::current().statusArea().iconFrame();
-  if (icon && !icon->isEmpty() && icon->inset(-1, -1).contains(location)) return true;
-  const auto& screen = screenAt(location, host::current().session().screens());
-  return !screen.visibleFrame.contains(location);
-}
+// How far a pointer strays between the press and the release of one click, in points.
+constexpr double kClickSlop = 6;
 
 }  // namespace
 
 // Remembers the press that closed the popover until the click of that press has come, or another press.
 class NSStatusBar::PressWatch final : public host::OutsidePressClient {
  public:
-  explicit PressWatch(NSStatusBar& bar) : bar_(bar) { host::current().windows().setOutsidePressClient(this); }
+  PressWatch(NSStatusBar& bar, Point location) : bar_(bar), location_(location) {
+    host::current().windows().setOutsidePressClient(this);
+  }
   PressWatch(const PressWatch&) = delete;
   PressWatch& operator=(const PressWatch&) = delete;
   ~PressWatch() override { host::current().windows().setOutsidePressClient(nullptr); }
   void pressedOutside(Point /*location*/) override { bar_.closingPress_.reset(); }
 
+  /// Hosts tell of a click at its release, and not where it was.
+  [[nodiscard]] bool isClickAt(Point pointer) const {
+    return std::hypot(pointer.x - location_.x, pointer.y - location_.y) <= kClickSlop;
+  }
+
  private:
   NSStatusBar& bar_;
+  Point location_;
 };
 
 NSStatusBar::NSStatusBar() = default;
@@ -93,12 +97,16 @@ void NSStatusBar::endShowing() {
 }
 
 void NSStatusBar::popoverClosedByPress(Point location) {
-  if (isOnPanel(location)) closingPress_ = std::make_unique<PressWatch>(*this);
+  closingPress_.reset();
+  closingPress_ = std::make_unique<PressWatch>(*this, location);
 }
+
+void NSStatusBar::popoverWillOpen() { closingPress_.reset(); }
 
 void NSStatusBar::statusIconPressed(host::PointerButton button, std::uint64_t modifiers) {
   endShowing();
-  const bool belongsToClosingPress = closingPress_ != nullptr;
+  const bool belongsToClosingPress =
+      closingPress_ && closingPress_->isClickAt(host::current().session().pointerLocation());
   closingPress_.reset();
   const bool asksForMenu = button == host::PointerButton::Right || (modifiers & kMenuModifiers) != 0;
   if (belongsToClosingPress && !asksForMenu) return;
@@ -119,7 +127,9 @@ void NSStatusBar::statusMenuDidClose() { endShowing(); }
 
 void NSStatusBar::statusMenuItemChosen(std::shared_ptr<NSMenuItem> item) {
   endShowing();
-  NSMenu::performActionForItem(item);
+  // From the button, so that the action reaches the delegate whichever window has the keyboard.
+  const auto button = item_ ? item_->button() : nullptr;
+  NSMenu::performActionForItem(item, button.get());
 }
 
 void NSStatusBar::sendPress(NSEventType type, std::uint64_t modifiers) {

@@ -28,9 +28,11 @@ class NSStatusBar final : public host::StatusAreaClient {
   void statusMenuDidClose() override;
   void statusMenuItemChosen(std::shared_ptr<NSMenuItem> item) override;
 
-  /// The popover closed because of a press at that place. Where that press was on the icon, the click that it
-  /// becomes must not open the popover again.
+  /// The popover closed because of a press at that place. Should that press turn out to be a click on the
+  /// icon, it must not open the popover again.
   void popoverClosedByPress(Point location);
+  /// A popover opens: what closed an earlier one counts no more.
+  void popoverWillOpen();
 
   // From items.
   void itemDidChange(const NSStatusItem& item);

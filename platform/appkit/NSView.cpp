@@ -109,6 +109,10 @@ void NSView::setLayer(std::shared_ptr<CALayer> layer) {
   didChange();
 }
 
+void NSView::removeTrackingAreasOf(const NSResponder& owner) {
+  std::erase_if(trackingAreas_, [&](const auto& area) { return area.owner == &owner; });
+}
+
 NSAppearance NSView::effectiveAppearance() const {
   if (appearance_) return *appearance_;
   if (superview_) return superview_->effectiveAppearance();

@@ -74,6 +74,7 @@ class NSView : public NSResponder, public std::enable_shared_from_this<NSView> {
   void setLayer(std::shared_ptr<CALayer> layer);
 
   void addTrackingArea(const NSTrackingArea& area) { trackingAreas_.push_back(area); }
+  void removeTrackingAreasOf(const NSResponder& owner);
   [[nodiscard]] const std::vector<NSTrackingArea>& trackingAreas() const { return trackingAreas_; }
 
   /// The view's own appearance, else its superview's, else its window's.

@@ -7,6 +7,12 @@
 
 namespace vistrel {
 
+NSViewController::~NSViewController() {
+  if (!view_) return;
+  view_->setNextResponder(nullptr);
+  view_->removeTrackingAreasOf(*this);
+}
+
 void NSViewController::setView(std::shared_ptr<NSView> view) {
   view_ = std::move(view);
   view_->setNextResponder(this);

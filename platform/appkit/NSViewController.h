@@ -12,6 +12,10 @@ class NSView;
 /// Owner of a view tree that is loaded on first use.
 class NSViewController : public NSResponder {
  public:
+  NSViewController() = default;
+  /// The view may be kept by others; nothing in it leads here any more.
+  ~NSViewController() override;
+
   /// The view; loaded, with `viewDidLoad` run, on the first call.
   [[nodiscard]] NSView& view();
   [[nodiscard]] bool isViewLoaded() const { return isLoaded_; }

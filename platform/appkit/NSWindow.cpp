@@ -63,17 +63,24 @@ void NSWindow::setStyleMask(unsigned mask) {
   if (native_) native_->attributesDidChange();
 }
 
-void NSWindow::updateCloseButton() {
-  const bool isClosable = (styleMask_ & static_cast<unsigned>(NSWindowStyleMask::Closable)) != 0;
-  if (!isClosable) closeButton_.reset();
-  if (!isClosable || closeButton_) return;
-  closeButton_ = std::make_shared<NSButton>();
-  closeButton_->setAction("performClose:");
-  closeButton_->setAccessibilityLabel("Close");
-  closeButton_->setWindow(this);
+bool NSWindow::isClosable() const {
+  return (styleMask_ & static_cast<unsigned>(NSWindowStyleMask::Closable)) != 0;
 }
 
-NSButton* NSWindow::standardWindowButton(NSWindowButton /*button*/) const { return closeButton_.get(); }
+// Made once: a window that is closable again has its old button again, and so has the desktop.
+void NSWindow::updateCloseButton() {
+  if (!closeButton_ && isClosable()) {
+    closeButton_ = std::make_shared<NSButton>();
+    closeButton_->setAction("performClose:");
+    closeButton_->setAccessibilityLabel("Close");
+    closeButton_->setWindow(this);
+  }
+  if (closeButton_) closeButton_->setHidden(!isClosable());
+}
+
+std::shared_ptr<NSButton> NSWindow::closeButton() const { return isClosable() ? closeButton_ : nullptr; }
+
+NSButton* NSWindow::standardWindowButton(NSWindowButton /*button*/) const { return closeButton().get(); }
 
 void NSWindow::setFrame(const Rect& frame) {
   frame_ = frame;
@@ -181,8 +188,10 @@ Rect NSWindow::convertRectToScreen(const Rect& rect) const {
 
 bool NSWindow::sendEvent(const NSEvent& event) {
   if (event.type() != NSEventType::KeyDown || !firstResponder_) return false;
+  const auto* button = dynamic_cast<NSPopUpButton*>(firstResponder_);
+  const bool isTaken = button && button->takesKey(event.keyCode());
   firstResponder_->keyDown(event);
-  return dynamic_cast<NSPopUpButton*>(firstResponder_) != nullptr;
+  return isTaken;
 }
 
 void NSWindow::viewDidChange(NSView& view) {

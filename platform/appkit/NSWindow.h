@@ -98,7 +98,7 @@ class NSWindow : public NSResponder,
 
   /// The standard button; null where the style has none.
   [[nodiscard]] NSButton* standardWindowButton(NSWindowButton button) const;
-  [[nodiscard]] const std::shared_ptr<NSButton>& closeButton() const { return closeButton_; }
+  [[nodiscard]] std::shared_ptr<NSButton> closeButton() const;
 
   [[nodiscard]] Rect convertRectToScreen(const Rect& rect) const;
 
@@ -124,6 +124,7 @@ class NSWindow : public NSResponder,
   bool handleEvent(const std::shared_ptr<NSEvent>& event) override;
 
  private:
+  [[nodiscard]] bool isClosable() const;
   void updateCloseButton();
   void setKey(bool isKey);
   void saveFrame() const;

@@ -10,16 +10,20 @@ constexpr std::uint16_t kEscapeKeyCode = 53;
 
 PopoverWindow::PopoverWindow(NSPopover& popover, const Rect& contentRect)
     : NSWindow(NSWindowKind::Popover, contentRect, static_cast<unsigned>(NSWindowStyleMask::Borderless)),
-      popover_(popover) {}
+      popover_(&popover) {}
 
-void PopoverWindow::performClose(NSObject* sender) { popover_.performClose(sender); }
+void PopoverWindow::performClose(NSObject* sender) {
+  if (popover_) popover_->performClose(sender);
+}
 
-void PopoverWindow::dragDidBegin() { popover_.tearOff(); }
+void PopoverWindow::dragDidBegin() {
+  if (popover_) popover_->tearOff();
+}
 
 bool PopoverWindow::sendEvent(const NSEvent& event) {
   const bool isEscape = event.type() == NSEventType::KeyDown && event.keyCode() == kEscapeKeyCode;
   if (!isEscape) return NSWindow::sendEvent(event);
-  if (!popover_.isDetached()) popover_.performClose(this);
+  if (popover_ && !popover_->isDetached()) popover_->performClose(this);
   return true;
 }
 

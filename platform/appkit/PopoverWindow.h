@@ -15,8 +15,11 @@ class PopoverWindow final : public NSWindow {
   void dragDidBegin() override;
   bool sendEvent(const NSEvent& event) override;
 
+  /// The window may outlive its popover by a turn of the loop, in which reports still come in.
+  void popoverWillEnd() { popover_ = nullptr; }
+
  private:
-  NSPopover& popover_;
+  NSPopover* popover_;
 };
 
 }  // namespace vistrel

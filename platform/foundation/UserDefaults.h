@@ -10,8 +10,8 @@
 namespace vistrel {
 
 /// The user's preferences: typed values under text keys, kept in one file. Reads never fail: a missing key,
-/// or a value of another type, reads as 0, false or nothing. Nothing is lost that another process writes
-/// meanwhile: a write changes its own key only. Main thread only.
+/// or a value that says nothing about what is asked for, reads as 0, false or nothing. Nothing is lost that
+/// another process writes meanwhile: a write changes its own key only. Main thread only.
 class UserDefaults {
  public:
   using Value = std::variant<bool, std::int64_t, double, std::string>;
