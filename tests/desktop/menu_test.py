@@ -2,6 +2,7 @@
 
 import unittest
 
+from stage.desktop import WATCHER
 from stage.processes import wait_until
 from tests.desktop.harness import CHECKING, REFRESHED, SAVING, DesktopTest, plain
 
@@ -68,7 +69,26 @@ class MenuRules:
 
 
 class MenuUnderPanelTest(MenuRules, DesktopTest):
-    pass
+    def test_a_camera_that_came_is_listed_once_the_showing_before_has_ended(self):
+        self.desktop.camera(name=CAMERAS[0], node="first")
+        vistrel = self.start()
+        self.desktop.camera(name=CAMERAS[1], node="second")
+        vistrel.click(button=3)
+        self.assertEqual(len(vistrel.menu_rows()), 4)
+        self.screen.key("Escape")
+        vistrel.wait_line(lambda line: line.startswith(CHECKING) and CAMERAS[1] in line)
+        wait_until(lambda: CAMERAS[1] in self.labels_on_the_bus(), "the new camera on the bus")
+        vistrel.click(button=3)
+        self.assertEqual(len(vistrel.menu_rows()), 5)
+
+    def labels_on_the_bus(self):
+        """What the panel is told of the menu."""
+        bus = self.desktop.bus
+        item = bus.property(WATCHER, "/StatusNotifierWatcher", WATCHER, "RegisteredStatusNotifierItems")[0]
+        name, path = item.split("/")[0], "/" + item.split("/", 1)[1]
+        menu = bus.property(name, path, "org.kde.StatusNotifierItem", "Menu")
+        layout = bus.call(name, menu, "com.canonical.dbusmenu", "GetLayout", "(iias)", 0, -1, ["label"])[1]
+        return [row[1].get("label") for row in layout[2]]
 
 
 class MenuUnderTrayerTest(MenuRules, DesktopTest):
