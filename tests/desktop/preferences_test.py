@@ -237,6 +237,9 @@ class RecorderTest(SettingsTest):
         self.combination("Control_L", "Shift_L", "F6")
         f6 = '{"carbonKeyCode":97,"carbonModifiers":4608}'
         self.expect(vistrel, "⌃⇧F6", f6)
+        self.record(vistrel)
+        self.combination("Control_L", "Shift_L", "F6")  # heard by the recorder alone
+        self.expect(vistrel, "⌃⇧F6", f6)
         self.combination("Control_L", "Alt_L", "space")  # nobody's any more
         self.expect_toggle(vistrel, camera, "Control_L", "Shift_L", "F6")
         self.assertEqual([line for line in vistrel.lines[since:] if line in (STARTED, STOPPED)], [STARTED])
@@ -251,6 +254,12 @@ class RecorderTest(SettingsTest):
         self.screen.click((x + width - height // 2, y + height // 2))  # the clear button
         self.wait_says(vistrel, "Press Shortcut", "")
         self.assertIs(vistrel.preferences()[SHORTCUT], False)
+        self.screen.key("Escape")
+        self.expect(vistrel, "", False)
+        since = len(vistrel.lines)
+        self.screen.key("F7")  # removed: had it opened the mirror, the click would close it
+        self.open(vistrel)
+        self.assertEqual(vistrel.lines[since:].count(STARTED), 1)
 
     def test_another_program_gets_its_keys_when_it_takes_the_focus(self):
         vistrel = self.start()
