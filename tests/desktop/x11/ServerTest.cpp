@@ -232,6 +232,16 @@ TEST_F(ServerTest, showsWhatTheLatinLayoutPrints) {
       {"ru,de", 0, {{kVK_ANSI_Y, "z"}}},
       {"ru", 0, {{kVK_ANSI_A, "a"}, {kVK_ANSI_Y, "y"}, {kVK_Function, ""}}},
   };
+  const std::vector<std::pair<const char*, std::string>> letterRows = {
+      {"us", "qwertyuiop"}, {"de", "qwertzuiop"}, {"fr", "azertyuiop"}};
+  constexpr std::uint16_t kLetterRow[] = {kVK_ANSI_Q, kVK_ANSI_W, kVK_ANSI_E, kVK_ANSI_R, kVK_ANSI_T,
+                                          kVK_ANSI_Y, kVK_ANSI_U, kVK_ANSI_I, kVK_ANSI_O, kVK_ANSI_P};
+  for (const auto& [layout, letters] : letterRows) {
+    setLayout(layout);
+    std::string shown;
+    for (const std::uint16_t key : kLetterRow) shown += keyboard.displayCharacter(key).value_or("?");
+    EXPECT_EQ(shown, letters) << layout;
+  }
   for (const auto& row : rows) {
     setLayout(row.layout);
     lock(0, row.group);
