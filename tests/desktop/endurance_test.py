@@ -21,8 +21,8 @@ class EnduranceTest(DesktopTest):
             self.wait_closed(camera)
         after = self.measure(vistrel)
         print(f"after {WARM_UP} openings {before}, after {WARM_UP + ROUNDS} {after}")
-        self.assertEqual(after["descriptors"], before["descriptors"])
-        self.assertEqual(after["threads"], before["threads"])
+        self.assertLessEqual(after["descriptors"], before["descriptors"])
+        self.assertLessEqual(after["threads"], before["threads"])
         self.assertLess(after["memory"], before["memory"] + GROWTH)
 
     def measure(self, vistrel):
