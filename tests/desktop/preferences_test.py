@@ -163,6 +163,20 @@ class PreferencesTest(SettingsTest):
     def overlap(a, b):
         return a[0] < b[0] + b[2] and b[0] < a[0] + a[2] and a[1] < b[1] + b[3] and b[1] < a[1] + a[3]
 
+    def test_a_link_opens_in_the_browser_and_does_nothing_without_one(self):
+        opened = self.desktop.folder / "opened"
+        browser = self.desktop.folder / "browser" / "xdg-open"
+        browser.parent.mkdir()
+        browser.write_text(f'#!/bin/sh\necho "$1" >>{opened}\n')
+        browser.chmod(0o755)
+        for folder, is_there in (("/nowhere", False), (f"{browser.parent}:/usr/bin:/bin", True)):
+            with self.subTest(is_there=is_there), self.start(environment={"PATH": folder}) as vistrel:
+                self.open_window(vistrel, "About Vistrel")
+                self.press(vistrel, "FAQ", "push button")
+                if is_there:
+                    wait_until(lambda: opened.exists() and opened.read_text().endswith("/pages/faq.html\n"), "the page")
+                self.close_window("About Vistrel")
+
     def test_a_moved_window_comes_back_to_its_place_and_quits_nothing(self):
         vistrel = self.start()
         x, y, width, height = self.open_window(vistrel, "About Vistrel")
