@@ -10,9 +10,11 @@
 #include <cstring>
 #include <filesystem>
 
-#include "linux/files/FileDescriptor.h"
+#include "linux/FileDescriptor.h"
 
 namespace vistrel::files {
+
+using desktop::FileDescriptor;
 
 namespace {
 

@@ -9,10 +9,12 @@
 #include <utility>
 
 #include "foundation/Bundle.h"
-#include "linux/files/FileDescriptor.h"
+#include "linux/FileDescriptor.h"
 #include "linux/files/FileTools.h"
 
 namespace vistrel::files {
+
+using desktop::FileDescriptor;
 
 namespace {
 

@@ -187,14 +187,6 @@ void QtWindow::tellPointer(bool isInside) {
 
 Rect QtWindow::contentOnDesktop() const { return fromQt(shell_->geometry().marginsRemoved(margins_)); }
 
-bool QtWindow::covers(QPoint place) const {
-  if (!shell_->isVisible()) return false;
-  if (!hasChrome()) return shell_->geometry().contains(place);
-  const auto tip = window_.kind() == NSWindowKind::Popover ? window_.tip() : std::nullopt;
-  const PopoverShape shape(shell_->content().geometry(), tip, shell_->geometry().topLeft());
-  return shape.outline().contains(place - shell_->geometry().topLeft());
-}
-
 void QtWindow::shellCloseRequested() {
   QMetaObject::invokeMethod(
       &context_, [this] { client_.closeRequested(); }, Qt::QueuedConnection);

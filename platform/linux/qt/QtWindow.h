@@ -29,8 +29,6 @@ class QtWindow final : public host::NativeWindow, private QtShellClient, private
 
   [[nodiscard]] NSWindow& window() const { return window_; }
   [[nodiscard]] QWidget& widget() const { return *shell_; }
-  /// Whether the place, in points on the desktop, is on the window as it is seen.
-  [[nodiscard]] bool covers(QPoint place) const;
 
  private:
   // QtShellClient
@@ -51,7 +49,6 @@ class QtWindow final : public host::NativeWindow, private QtShellClient, private
   [[nodiscard]] bool hasChrome() const;
   [[nodiscard]] Rect contentOnDesktop() const;
   [[nodiscard]] std::shared_ptr<NSEvent> translated(QEvent& event);
-  void applyFlags();
   void applyFrame();
   void applyChrome();
   void applyLook();
