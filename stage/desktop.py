@@ -191,8 +191,13 @@ class Desktop:
 
     def graph(self, kind):
         """The objects of that kind on the PipeWire graph: "Node", "Link", "Client"."""
-        objects = json.loads(self.run("pw-dump"))
-        return [entry for entry in objects if entry["type"] == f"PipeWire:Interface:{kind}"]
+        text, objects = self.run("pw-dump").strip(), {}
+        while text:  # what changes while it is being told follows in a list of its own
+            entries, end = json.JSONDecoder().raw_decode(text)
+            objects.update((entry["id"], entry) for entry in entries)
+            text = text[end:].lstrip()
+        return [entry for entry in objects.values()
+                if entry.get("type") == f"PipeWire:Interface:{kind}" and entry.get("info")]
 
     def readers(self, camera):
         """How many streams take pictures from the camera."""

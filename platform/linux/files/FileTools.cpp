@@ -62,7 +62,7 @@ std::string environment(const char* name) {
 }
 
 std::string configurationFolder() {
-  const std::string configured = environment("XDG_CONFIG_HOME");
+  std::string configured = environment("XDG_CONFIG_HOME");
   // A relative path is invalid and to be ignored.
   if (configured.starts_with("/")) return configured;
   return environment("HOME") + "/.config";
