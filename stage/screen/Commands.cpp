@@ -109,6 +109,10 @@ void Commands::addSight() {
     const auto sighting = watchPicture(screen_, place, number(a, 0), std::chrono::milliseconds(number(a, 1)));
     return {{"picture", sighting ? toJson(*sighting) : Json()}};
   };
+  commands_["await"] = [this](const Words& a) -> Json {  // MILLISECONDS X Y WIDTH HEIGHT
+    const auto first = awaitPicture(screen_, rectangleFrom(a, 1), std::chrono::milliseconds(number(a, 0)));
+    return {{"seconds", first ? Json(*first) : Json()}};
+  };
 }
 
 void Commands::addWindows() {

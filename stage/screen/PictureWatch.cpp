@@ -75,4 +75,18 @@ std::optional<Sighting> watchPicture(const Screen& screen, std::optional<Rectang
   return sighting;
 }
 
+std::optional<double> awaitPicture(const Screen& screen, Rectangle place,
+                                   std::chrono::milliseconds patience) {
+  const auto begin = millisecondsNow();
+  const auto deadline = Clock::now() + patience;
+  while (Clock::now() < deadline) {
+    const auto reading = look(screen, place);
+    const auto now = Clock::now();
+    if (reading && clock::difference(reading->milliseconds, begin) >= 0)
+      return std::chrono::duration<double>(now.time_since_epoch()).count();
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  return std::nullopt;
+}
+
 }  // namespace vistrel::stage

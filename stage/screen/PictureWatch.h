@@ -31,4 +31,9 @@ struct Sighting {
 [[nodiscard]] std::optional<Sighting> watchPicture(const Screen& screen, std::optional<Rectangle> place,
                                                    int frames, std::chrono::milliseconds patience);
 
+/// When, in seconds of CLOCK_MONOTONIC, a picture taken after this call is to be seen at `place`. None: not
+/// within `patience`.
+[[nodiscard]] std::optional<double> awaitPicture(const Screen& screen, Rectangle place,
+                                                 std::chrono::milliseconds patience);
+
 }  // namespace vistrel::stage
