@@ -1,0 +1,164 @@
+// What no viewer can go below: takes a camera's frames from PipeWire and does nothing with them, or decodes
+// JPEG at one eighth and keeps nothing.
+//   vistrel_stream_floor NODE SECONDS     prints one JSON object
+#include <spa/buffer/meta.h>
+#include <spa/param/video/format-utils.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <vector>
+
+// The library's header needs <cstdio> above it.
+#include <jpeglib.h>
+#include <pipewire/pipewire.h>
+
+namespace {
+
+constexpr double kNanoseconds = 1e9;
+constexpr double kMilliseconds = 1e3;
+
+double clockNow(clockid_t clock) {
+  timespec t{};
+  clock_gettime(clock, &t);
+  return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_nsec) / kNanoseconds;
+}
+
+class Decoder {
+ public:
+  Decoder() {
+    codec_.err = jpeg_std_error(&errors_);
+    jpeg_create_decompress(&codec_);
+  }
+  Decoder(const Decoder&) = delete;
+  Decoder& operator=(const Decoder&) = delete;
+  ~Decoder() { jpeg_destroy_decompress(&codec_); }
+
+  void decode(const unsigned char* bytes, std::size_t length) {
+    jpeg_mem_src(&codec_, bytes, length);
+    jpeg_read_header(&codec_, TRUE);
+    codec_.out_color_space = JCS_YCbCr;
+    codec_.scale_num = 1;
+    codec_.scale_denom = 8;
+    jpeg_start_decompress(&codec_);
+    row_.resize(static_cast<std::size_t>(codec_.output_width) * 3);
+    JSAMPROW rows[] = {row_.data()};
+    while (codec_.output_scanline < codec_.output_height) jpeg_read_scanlines(&codec_, rows, 1);
+    jpeg_finish_decompress(&codec_);
+  }
+
+ private:
+  jpeg_decompress_struct codec_{};
+  jpeg_error_mgr errors_{};
+  std::vector<unsigned char> row_;
+};
+
+struct Reader {
+  pw_main_loop* loop = nullptr;
+  pw_stream* stream = nullptr;
+  Decoder decoder;
+  double start = 0;
+  double firstFrame = 0;
+  double decoding = 0;
+  std::size_t bytes = 0;
+  std::vector<double> ages;
+};
+
+void take(Reader& reader, const spa_buffer& buffer) {
+  const auto* header = static_cast<const spa_meta_header*>(
+      spa_buffer_find_meta_data(&buffer, SPA_META_Header, sizeof(spa_meta_header)));
+  const double now = clockNow(CLOCK_MONOTONIC);
+  if (reader.ages.empty()) reader.firstFrame = now - reader.start;
+  reader.ages.push_back(header ? now - static_cast<double>(header->pts) / kNanoseconds : 0);
+  const auto& data = buffer.datas[0];
+  reader.bytes = data.chunk->size;
+  const auto* bytes = static_cast<const unsigned char*>(data.data);
+  if (!bytes || reader.bytes < 2 || bytes[0] != 0xff || bytes[1] != 0xd8) return;
+  const double before = clockNow(CLOCK_THREAD_CPUTIME_ID);
+  reader.decoder.decode(bytes, reader.bytes);
+  reader.decoding += clockNow(CLOCK_THREAD_CPUTIME_ID) - before;
+}
+
+void process(void* data) {
+  auto& reader = *static_cast<Reader*>(data);
+  while (auto* buffer = pw_stream_dequeue_buffer(reader.stream)) {
+    take(reader, *buffer->buffer);
+    pw_stream_queue_buffer(reader.stream, buffer);
+  }
+}
+
+void formatChanged(void* data, std::uint32_t id, const spa_pod* format) {
+  if (id != SPA_PARAM_Format || !format) return;
+  std::array<std::uint8_t, 512> memory{};
+  spa_pod_builder builder{};
+  spa_pod_builder_init(&builder, memory.data(), memory.size());
+  std::array offers{static_cast<const spa_pod*>(spa_pod_builder_add_object(
+      &builder, SPA_TYPE_OBJECT_ParamMeta, SPA_PARAM_Meta, SPA_PARAM_META_type, SPA_POD_Id(SPA_META_Header),
+      SPA_PARAM_META_size, SPA_POD_Int(sizeof(spa_meta_header))))};
+  pw_stream_update_params(static_cast<Reader*>(data)->stream, offers.data(), offers.size());
+}
+
+void timeIsOver(void* loop, std::uint64_t /*expirations*/) {
+  pw_main_loop_quit(static_cast<pw_main_loop*>(loop));
+}
+
+const spa_pod* anyFormat(spa_pod_builder& builder, std::uint32_t subtype) {
+  return static_cast<const spa_pod*>(spa_pod_builder_add_object(
+      &builder, SPA_TYPE_OBJECT_Format, SPA_PARAM_EnumFormat, SPA_FORMAT_mediaType,
+      SPA_POD_Id(SPA_MEDIA_TYPE_video), SPA_FORMAT_mediaSubtype, SPA_POD_Id(subtype)));
+}
+
+bool connect(Reader& reader, const char* node) {
+  static const pw_stream_events events = [] {
+    pw_stream_events e{};
+    e.version = PW_VERSION_STREAM_EVENTS;
+    e.param_changed = formatChanged;
+    e.process = process;
+    return e;
+  }();
+  auto* properties = pw_properties_new(PW_KEY_MEDIA_TYPE, "Video", PW_KEY_MEDIA_CATEGORY, "Capture",
+                                       PW_KEY_TARGET_OBJECT, node, nullptr);
+  reader.stream =
+      pw_stream_new_simple(pw_main_loop_get_loop(reader.loop), "floor", properties, &events, &reader);
+  std::array<std::uint8_t, 1024> memory{};
+  spa_pod_builder builder{};
+  spa_pod_builder_init(&builder, memory.data(), memory.size());
+  std::array offers{anyFormat(builder, SPA_MEDIA_SUBTYPE_raw), anyFormat(builder, SPA_MEDIA_SUBTYPE_mjpg)};
+  constexpr auto kFlags =
+      static_cast<pw_stream_flags>(PW_STREAM_FLAG_AUTOCONNECT | PW_STREAM_FLAG_MAP_BUFFERS);
+  return pw_stream_connect(reader.stream, PW_DIRECTION_INPUT, PW_ID_ANY, kFlags, offers.data(),
+                           offers.size()) >= 0;
+}
+
+void tell(Reader& reader) {
+  std::sort(reader.ages.begin(), reader.ages.end());
+  const double age = reader.ages.empty() ? 0 : reader.ages[reader.ages.size() / 2];
+  const double seconds = clockNow(CLOCK_MONOTONIC) - reader.start - reader.firstFrame;
+  std::printf(
+      "{\"frames\": %zu, \"first\": %.2f, \"age\": %.2f, \"decoding\": %.5f, \"cpu\": %.5f, \"bytes\": "
+      "%zu}\n",
+      reader.ages.size(), reader.firstFrame * kMilliseconds, age * kMilliseconds, reader.decoding / seconds,
+      clockNow(CLOCK_PROCESS_CPUTIME_ID) / seconds, reader.bytes);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 3) return 2;
+  pw_init(nullptr, nullptr);
+  Reader reader;
+  reader.loop = pw_main_loop_new(nullptr);
+  pw_loop* loop = pw_main_loop_get_loop(reader.loop);
+  timespec end{std::atoi(argv[2]), 0};
+  pw_loop_update_timer(loop, pw_loop_add_timer(loop, timeIsOver, reader.loop), &end, nullptr, false);
+  reader.start = clockNow(CLOCK_MONOTONIC);
+  if (!connect(reader, argv[1])) return 1;
+  pw_main_loop_run(reader.loop);
+  tell(reader);
+  pw_stream_destroy(reader.stream);
+  pw_main_loop_destroy(reader.loop);
+  return reader.ages.empty() ? 1 : 0;
+}

@@ -1,0 +1,1 @@
+"""Measures Vistrel beside other camera programs on a private desktop."""

@@ -1,0 +1,162 @@
+"""One run of the benchmark: every case in every round, the programs in turn."""
+
+import contextlib
+import dataclasses
+import sys
+import time
+
+from benchmarks import measures
+from benchmarks.cases import EVERY_CASE, MJPEG_720, QUICK_CASES, RAW_720, SMALL, Case
+from benchmarks.viewers import VIEWERS, GStreamer, Vistrel, appear, disappear
+from stage.desktop import Desktop
+
+SCREEN = "1600x1000"
+READER = "bare reader"
+
+
+@dataclasses.dataclass(frozen=True)
+class Plan:
+    name: str
+    rounds: int
+    cases: list
+    openings: list  # the cases of which the way to the first picture is measured
+    steady: float  # seconds
+    lost: int
+    hidden: int
+    menus: tuple  # numbers of cameras
+    repeats: int  # of what takes moments
+
+
+FULL = Plan("full", 3, EVERY_CASE, [Case(RAW_720, SMALL), Case(MJPEG_720, SMALL)], 2.5, 20, 60, (1, 8, 64), 4)
+QUICK = Plan("quick", 1, QUICK_CASES, [Case(RAW_720, SMALL)], 2, 5, 10, (64,), 2)
+
+
+class Rounds:
+    """`only`: the cases with this in their name, and nothing but the programs showing them."""
+
+    def __init__(self, plan, record, only=""):
+        self._plan = plan
+        self._record = record
+        self._only = only
+        self._start = time.monotonic()
+        self._viewers = []
+
+    def run(self):
+        for viewer in VIEWERS:
+            reason = viewer.missing()
+            if reason:
+                self._record.fail("steady", viewer.name, "any", reason)
+            else:
+                self._viewers.append(viewer)
+        for number in range(self._plan.rounds):
+            self._tell(f"round {number + 1} of {self._plan.rounds}")
+            self._show_cases()
+            if not self._only:
+                self._open()
+                self._lose()
+                self._hide()
+                self._menus()
+            self._viewers.append(self._viewers.pop(0))
+
+    def _tell(self, text):
+        print(f"{time.monotonic() - self._start:7.1f} s  {text}", file=sys.stderr, flush=True)
+
+    @contextlib.contextmanager
+    def _kept(self, kind, program, case):
+        """Runs a measurement: its values or its failure go on record, and the next one follows in any case."""
+        values = {}
+        try:
+            yield values
+        except Exception as problem:  # noqa: BLE001 (whatever another program does, it must not end the run)
+            self._record.fail(kind, program, case, f"{type(problem).__name__}: {problem}")
+            self._tell(f"{kind}, {case}, {program}: FAILED, {problem}")
+        else:
+            self._record.add(kind, program, case, values)
+            facts = " ".join(f"{key}={value:.4g}" if isinstance(value, float) else f"{key}={value}"
+                             for key, value in values.items())
+            self._tell(f"{kind}, {case}, {program}: {facts}")
+
+    @contextlib.contextmanager
+    def _with_camera(self, desktop, camera):
+        """A fresh one each time: a reader that ended badly may have left its buffers taken."""
+        try:
+            yield desktop.camera(**camera.options)
+        finally:
+            desktop.unplug_all()
+
+    @contextlib.contextmanager
+    def _with_viewer(self, desktop, kind, case):
+        viewer = kind(desktop, case)
+        try:
+            yield viewer
+        finally:
+            viewer.close()
+
+    def _show_cases(self):
+        cases = [case for case in self._plan.cases if self._only in case.label]
+        for camera in dict.fromkeys(case.camera for case in cases):
+            with Desktop(size=SCREEN) as desktop:
+                with self._kept("floor", READER, camera.label) as values, self._with_camera(desktop, camera) as source:
+                    values |= measures.floor(desktop, source, max(2, round(self._plan.steady)))
+                for case in cases:
+                    if case.camera == camera:
+                        self._show(desktop, case)
+
+    def _show(self, desktop, case):
+        for kind in self._viewers:
+            if not kind.shows(case):
+                continue
+            with self._kept("steady", kind.name, case.label) as values, \
+                    self._with_camera(desktop, case.camera) as source, self._with_viewer(desktop, kind, case) as viewer:
+                values |= measures.steady(desktop, source, viewer, self._plan.steady)
+                if kind is Vistrel:
+                    values["icon"] = viewer.seconds_to_icon
+
+    def _open(self):
+        for case in self._plan.openings:
+            with Desktop(size=SCREEN) as desktop:
+                for kind in self._viewers:
+                    self._open_often(desktop, kind, case)
+                for _ in range(self._plan.repeats):
+                    with self._kept("opening", READER, case.label) as values, \
+                            self._with_camera(desktop, case.camera) as source:
+                        values["first"] = measures.floor(desktop, source, 1)["first"] / 1000
+
+    def _open_often(self, desktop, kind, case):
+        with self._with_camera(desktop, case.camera) as source, self._with_viewer(desktop, kind, case) as viewer:
+            with self._kept("place", kind.name, case.label) as values:
+                values["place"] = appear(desktop, viewer)
+                disappear(source, viewer)
+            if "place" not in values:
+                return
+            for _ in range(self._plan.repeats):
+                with self._kept("opening", kind.name, case.label) as opened:
+                    opened |= measures.opening(desktop, source, viewer, values["place"])
+
+    def _lose(self):
+        case = Case(RAW_720, SMALL)
+        with Desktop(size=SCREEN) as desktop:
+            for kind in [kind for kind in self._viewers if kind in (Vistrel, GStreamer)]:
+                with self._kept("lost", kind.name, case.label) as values, \
+                        self._with_camera(desktop, case.camera) as source, \
+                        self._with_viewer(desktop, kind, case) as viewer:
+                    values |= measures.lost(desktop, source, viewer, self._plan.lost)
+
+    def _hide(self):
+        case = Case(RAW_720, SMALL)
+        with self._kept("hidden", Vistrel.name, f"{self._plan.hidden} s") as values, Desktop(size=SCREEN) as desktop, \
+                self._with_camera(desktop, case.camera) as source, \
+                self._with_viewer(desktop, Vistrel, case) as vistrel:
+            values |= measures.hidden(desktop, source, vistrel, self._plan.hidden)
+
+    def _menus(self):
+        for number in self._plan.menus:
+            case = f"{number} camera{'s' if number > 1 else ''}"
+            with self._kept("menu", Vistrel.name, case) as values, Desktop(size=SCREEN) as desktop:
+                for index in range(number):
+                    desktop.camera(name=f"Camera {index}", node=f"camera{index}", **RAW_720.options)
+                with self._with_viewer(desktop, Vistrel, Case(RAW_720, SMALL)) as vistrel:
+                    values |= measures.menu(desktop, vistrel)
+                    for _ in range(self._plan.repeats):
+                        with self._kept("menu", Vistrel.name, case) as built:
+                            built |= measures.menu_build(desktop, vistrel)
