@@ -23,6 +23,7 @@ void NSApplication::reset() {
   queue_.clear();
   mainMenu_.reset();
   windows_.clear();
+  comingWindow_.reset();
   modalCodes_.clear();
   isActive_ = false;
   isTerminating_ = false;
@@ -115,7 +116,12 @@ void NSApplication::stopModal(int code) {
   host::current().mainLoop().endModal();
 }
 
+void NSApplication::mapComingWindow() {
+  if (const auto window = comingWindow_.lock()) window->map();
+}
+
 void NSApplication::windowDidOrderFront(const std::shared_ptr<NSWindow>& window) {
+  comingWindow_.reset();
   std::erase(windows_, window);
   windows_.push_back(window);
 }

@@ -72,6 +72,9 @@ class NSApplication final : public NSResponder, public host::SessionClient {
   [[nodiscard]] bool isModal() const { return !modalCodes_.empty(); }
 
   // For windows: they put themselves on the list while they are on screen.
+  /// The window will order front as soon as it is ready, or is mapped before if the main loop has to wait.
+  void windowWillOrderFront(const std::shared_ptr<NSWindow>& window) { comingWindow_ = window; }
+  void mapComingWindow();
   void windowDidOrderFront(const std::shared_ptr<NSWindow>& window);
   void windowDidOrderOut(NSWindow* window);
   void windowDidBecomeKey(NSWindow* window);
@@ -98,6 +101,7 @@ class NSApplication final : public NSResponder, public host::SessionClient {
   std::deque<std::shared_ptr<NSEvent>> queue_;
   std::shared_ptr<NSMenu> mainMenu_;
   std::vector<std::shared_ptr<NSWindow>> windows_;
+  std::weak_ptr<NSWindow> comingWindow_;
   std::vector<int> modalCodes_;
   bool isActive_ = false;
   bool isTerminating_ = false;

@@ -72,6 +72,7 @@ void NSPopover::showRelativeToRect(const Rect& rect, NSView& view, NSRectEdge /*
   window_->setFrame(place.frame);
   NSStatusBar::system().popoverWillOpen();
   isShown_ = true;
+  window_->willOrderFront();
   appear();
   window_->makeKeyAndOrderFront(this);
   watchPresses();

@@ -132,23 +132,38 @@ void NSWindow::setAppearance(std::optional<NSAppearance> appearance) {
   if (native_) native_->attributesDidChange();
 }
 
+void NSWindow::makeNative() {
+  if (native_) return;
+  native_ = host::current().windows().makeWindow(*this, *this);
+  native_->contentDidChange();
+  native_->firstResponderDidChange(dynamic_cast<NSView*>(firstResponder_));
+}
+
+void NSWindow::willOrderFront() { NSApplication::shared().windowWillOrderFront(shared_from_this()); }
+
+void NSWindow::map() {
+  if (std::exchange(isMapped_, true)) return;
+  makeNative();
+  native_->show();
+}
+
 void NSWindow::makeKeyAndOrderFront(NSObject* /*sender*/) {
-  if (!native_) {
-    native_ = host::current().windows().makeWindow(*this, *this);
-    native_->contentDidChange();
-    native_->firstResponderDidChange(dynamic_cast<NSView*>(firstResponder_));
-  }
+  makeNative();
   const bool wasVisible = std::exchange(isVisible_, true);
   NSApplication::shared().windowDidOrderFront(shared_from_this());
   if (!wasVisible && contentView_) contentView_->viewWillAppear();
-  native_->show();
+  if (wasVisible) {
+    native_->activate();
+  } else {
+    map();
+  }
   setKey(true);
 }
 
 void NSWindow::orderOut(NSObject* /*sender*/) {
   if (!isVisible_) return;
   setKey(false);
-  isVisible_ = false;
+  isVisible_ = isMapped_ = false;
   native_->hide();
   NSApplication::shared().windowDidOrderOut(this);
 }

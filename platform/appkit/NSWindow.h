@@ -78,6 +78,9 @@ class NSWindow : public NSResponder,
   void setAppearance(std::optional<NSAppearance> appearance);
 
   void makeKeyAndOrderFront(NSObject* sender);
+  /// Announces `makeKeyAndOrderFront`: what its content does until then may block the main thread, and the
+  /// desktop shows the window before that.
+  void willOrderFront();
   void orderOut(NSObject* sender);
   /// Asks as the close button does, in vain while a sheet is attached; `close` obeys and aborts the sheet.
   virtual void performClose(NSObject* sender);
@@ -105,6 +108,9 @@ class NSWindow : public NSResponder,
   /// Delivers an event of this window. True when it was taken.
   virtual bool sendEvent(const NSEvent& event);
 
+  /// Brings the native window to the screen, once for each ordering front.
+  void map();
+
   // From views.
   void viewDidChange(NSView& view);
   void contentDidChange();
@@ -126,6 +132,7 @@ class NSWindow : public NSResponder,
  private:
   [[nodiscard]] bool isClosable() const;
   void updateCloseButton();
+  void makeNative();
   void setKey(bool isKey);
   void saveFrame() const;
   void tellTrackingOwners(NSEventType type);
@@ -142,6 +149,7 @@ class NSWindow : public NSResponder,
   std::shared_ptr<NSAlert> sheet_;
   NSResponder* firstResponder_ = nullptr;
   std::unique_ptr<host::NativeWindow> native_;
+  bool isMapped_ = false;
   bool isVisible_ = false;
   bool isKey_ = false;
 };

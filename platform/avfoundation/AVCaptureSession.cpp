@@ -4,6 +4,7 @@
 #include <optional>
 #include <utility>
 
+#include "appkit/CATransaction.h"
 #include "foundation/NotificationCenter.h"
 #include "host/Host.h"
 
@@ -13,10 +14,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto kStartPatience = 250ms;
-// Three looks without a frame are the three seconds after which a camera counts as silent.
-constexpr auto kWatchdogInterval = 1000ms;
-constexpr int kIdleLooksOfASilentCamera = 3;
+constexpr std::chrono::milliseconds kStartPatience = 250ms;
+constexpr std::chrono::milliseconds kLongestSilence = 3s;
 
 std::optional<PixelSize> sizeOf(const std::string& preset) {
   if (preset == AVCaptureSessionPreset3840x2160) return PixelSize{3840, 2160};
@@ -50,9 +49,11 @@ void AVCaptureSession::startRunning() {
     didStart();
     return;
   }
-  const auto outcome = input_->stream().start(sizeOf(preset_), *this, kStartPatience);
+  input_->stream().begin(sizeOf(preset_), *this);
+  CATransaction::flush();
+  const auto outcome = input_->stream().awaitStart(kStartPatience);
+  if (outcome != host::StreamStart::Failed) armWatchdog(kLongestSilence, Look::First);
   if (outcome == host::StreamStart::Running) didStart();
-  if (outcome != host::StreamStart::Failed) armWatchdog();
 }
 
 void AVCaptureSession::didStart() {
@@ -64,6 +65,7 @@ void AVCaptureSession::stopRunning() {
   if (!std::exchange(isRunning_, false)) return;
   const auto kept = shared_from_this();
   watchdog_.reset();
+  CATransaction::flush();
   if (input_) input_->stream().stop();
   if (!std::exchange(hasStarted_, false)) return;
   NotificationCenter::defaultCenter().post(AVCaptureSessionDidStopRunningNotification, this);
@@ -87,16 +89,17 @@ void AVCaptureSession::streamDidFail(const Error& error) {
                                            {{AVCaptureSessionErrorKey, reason}});
 }
 
-void AVCaptureSession::armWatchdog() {
-  watchdog_ = host::current().mainLoop().after(kWatchdogInterval, [this] { lookAtFrames(); });
+void AVCaptureSession::armWatchdog(std::chrono::milliseconds delay, Look look) {
+  watchdog_ = host::current().mainLoop().after(delay, [this, look] { lookForFrames(look); });
 }
 
-void AVCaptureSession::lookAtFrames() {
-  const auto frames = input_->stream().frameCount();
-  idleLooks_ = frames == framesSeen_ ? idleLooks_ + 1 : 0;
-  framesSeen_ = frames;
-  if (idleLooks_ < kIdleLooksOfASilentCamera) {
-    armWatchdog();
+// The frames of a loop that stood still wait in it: before a camera counts as silent, they are let in.
+void AVCaptureSession::lookForFrames(Look look) {
+  const auto left = kLongestSilence - input_->stream().silence();
+  if (left > 0ms) {
+    armWatchdog(left, Look::First);
+  } else if (look == Look::First) {
+    armWatchdog(0ms, Look::Second);
   } else {
     streamDidFail({"the camera sends no pictures"});
   }

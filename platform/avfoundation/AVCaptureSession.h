@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <memory>
 #include <string>
 
@@ -52,6 +53,7 @@ class AVCaptureSession final : public host::CameraStreamClient,
   [[nodiscard]] const std::string& sessionPreset() const { return preset_; }
 
   /// Returns when the session runs or has failed, or after 250 ms; a slow camera goes on starting by itself.
+  /// What is meant to be on screen is there before it waits.
   void startRunning();
   void stopRunning();
   [[nodiscard]] bool isRunning() const { return isRunning_; }
@@ -65,14 +67,13 @@ class AVCaptureSession final : public host::CameraStreamClient,
 
  private:
   void didStart();
-  void armWatchdog();
-  void lookAtFrames();
+  enum class Look { First, Second };
+  void armWatchdog(std::chrono::milliseconds delay, Look look);
+  void lookForFrames(Look look);
 
   std::unique_ptr<AVCaptureDeviceInput> input_;
   std::string preset_;
   std::unique_ptr<host::Timer> watchdog_;
-  std::uint64_t framesSeen_ = 0;
-  int idleLooks_ = 0;
   bool isRunning_ = false;
   bool hasStarted_ = false;
 };

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <chrono>
-#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -32,7 +31,7 @@ struct CameraDevice {
 class CameraStreamClient {
  public:
   virtual ~CameraStreamClient() = default;
-  /// A start that was pending has succeeded. Not called when `start` itself answered `Running`.
+  /// A start that was pending has succeeded. Not called when `awaitStart` itself answered `Running`.
   virtual void streamDidStart() = 0;
   /// The stream has ended by itself and delivers nothing more: unplugged, refused format, device error.
   virtual void streamDidFail(const Error& error) = 0;
@@ -48,18 +47,20 @@ class CameraStream {
   /// True when the camera reaches `size` at 24 frames a second or more, in any format that can be shown.
   [[nodiscard]] virtual bool supports(PixelSize size) const = 0;
 
-  /// Starts delivering pictures of `size`, or, with none, of the backend's own choice: the largest size up to
-  /// 1920 × 1080 that reaches 24 frames a second, else the fastest, the larger of equals. Returns within
-  /// `patience`; `Pending` means that the start goes on by itself and the client will hear of it. A `Failed`
-  /// start is reported to the client too, from the main loop. `client` must outlive the stream or its `stop`.
-  virtual StreamStart start(std::optional<PixelSize> size, CameraStreamClient& client,
-                            std::chrono::milliseconds patience) = 0;
+  /// Asks for pictures of `size`, or, with none, of the backend's own choice: the largest size up to
+  /// 1920 × 1080 that reaches 24 frames a second, else the fastest, the larger of equals. Waits for nothing.
+  /// `client` must outlive the stream or its `stop`.
+  virtual void begin(std::optional<PixelSize> size, CameraStreamClient& client) = 0;
+
+  /// Waits for what was begun, at most `patience`. `Pending` means that the start goes on by itself and the
+  /// client will hear of it. A `Failed` start is reported to the client too, from the main loop.
+  virtual StreamStart awaitStart(std::chrono::milliseconds patience) = 0;
 
   /// Ends the stream and closes the device within 100 ms. The client hears nothing afterwards.
   virtual void stop() = 0;
 
-  /// Frames that arrived since the start, shown or not; what a watchdog looks at.
-  [[nodiscard]] virtual std::uint64_t frameCount() const = 0;
+  /// For how long no frame has come, shown or not: since the last one, or since `begin`.
+  [[nodiscard]] virtual std::chrono::milliseconds silence() const = 0;
 
   /// Drops the picture, so that the glass shows a neutral surface instead of a frozen one.
   virtual void clearPicture() = 0;

@@ -80,6 +80,8 @@ class WindowSystem {
  public:
   virtual ~WindowSystem() = default;
   [[nodiscard]] virtual std::unique_ptr<NativeWindow> makeWindow(NSWindow& window, WindowClient& client) = 0;
+  /// Sends what was commanded and not sent yet. Called before something blocks the main loop.
+  virtual void flush() = 0;
   /// While a client is set, presses outside are reported to it. Null: nothing is watched.
   virtual void setOutsidePressClient(OutsidePressClient* client) = 0;
   /// Shows an alert, as a sheet on `parent` where there is one, and returns; `NSAlert::respond` is called

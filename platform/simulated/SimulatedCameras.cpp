@@ -67,10 +67,13 @@ bool SimulatedStream::supports(PixelSize size) const {
   return std::find(camera_->sizes.begin(), camera_->sizes.end(), size) != camera_->sizes.end();
 }
 
-host::StreamStart SimulatedStream::start(std::optional<PixelSize> size, host::CameraStreamClient& client,
-                                         std::chrono::milliseconds /*patience*/) {
+void SimulatedStream::begin(std::optional<PixelSize> size, host::CameraStreamClient& client) {
   client_ = &client;
+  lastFrame_ = owner_.loop_.now();
   owner_.lastStart = size ? std::to_string(size->width) + "x" + std::to_string(size->height) : "own choice";
+}
+
+host::StreamStart SimulatedStream::awaitStart(std::chrono::milliseconds /*patience*/) {
   switch (camera_->behavior) {
     case StartBehavior::Runs:
       hasPicture_ = true;
@@ -80,6 +83,7 @@ host::StreamStart SimulatedStream::start(std::optional<PixelSize> size, host::Ca
       return host::StreamStart::Failed;
     case StartBehavior::HangsForEver:
     case StartBehavior::StartsLater:
+      if (owner_.whileWaiting) owner_.whileWaiting();
       break;
   }
   return host::StreamStart::Pending;
@@ -91,7 +95,7 @@ void SimulatedStream::stop() {
 }
 
 void SimulatedStream::sendFrame() {
-  ++frames_;
+  lastFrame_ = owner_.loop_.now();
   hasPicture_ = true;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -45,6 +46,8 @@ class SimulatedCameras final : public host::CameraHost {
   /// What the last started stream was asked for, as "1920x1080" or "own choice".
   std::string lastStart;
   std::vector<std::string> centerStageCalls;
+  /// Called when a stream that does not come keeps the main thread waiting.
+  std::function<void()> whileWaiting;
 
  private:
   friend class SimulatedStream;
@@ -60,10 +63,10 @@ class SimulatedStream final : public host::CameraStream {
   ~SimulatedStream() override;
 
   [[nodiscard]] bool supports(PixelSize size) const override;
-  host::StreamStart start(std::optional<PixelSize> size, host::CameraStreamClient& client,
-                          std::chrono::milliseconds patience) override;
+  void begin(std::optional<PixelSize> size, host::CameraStreamClient& client) override;
+  host::StreamStart awaitStart(std::chrono::milliseconds patience) override;
   void stop() override;
-  [[nodiscard]] std::uint64_t frameCount() const override { return frames_; }
+  [[nodiscard]] std::chrono::milliseconds silence() const override { return owner_.loop_.now() - lastFrame_; }
   void clearPicture() override { hasPicture_ = false; }
 
   void sendFrame();
@@ -78,7 +81,7 @@ class SimulatedStream final : public host::CameraStream {
   std::shared_ptr<SimulatedCamera> camera_;
   std::shared_ptr<SimulatedStream*> self_;
   host::CameraStreamClient* client_ = nullptr;
-  std::uint64_t frames_ = 0;
+  std::chrono::milliseconds lastFrame_{0};
   bool hasPicture_ = false;
 };
 

@@ -25,6 +25,7 @@ class SimulatedMainLoop final : public host::MainLoop {
   void advance(std::chrono::milliseconds time);
   /// Does `work` when the next modal loop waits: the user's answer.
   void onceModal(std::function<void()> work) { modalScript_.push_back(std::move(work)); }
+  [[nodiscard]] std::chrono::milliseconds now() const { return now_; }
   [[nodiscard]] bool hasQuit() const { return hasQuit_; }
   [[nodiscard]] std::size_t timerCount() const { return timers_.size(); }
 

@@ -12,6 +12,11 @@ SimulatedWindow::SimulatedWindow(SimulatedWindows& owner, NSWindow& window, host
 
 SimulatedWindow::~SimulatedWindow() { std::erase(owner_.windows_, this); }
 
+void SimulatedWindow::show() {
+  isOnScreen_ = true;
+  if (owner_.whenShown) owner_.whenShown();
+}
+
 std::unique_ptr<host::NativeWindow> SimulatedWindows::makeWindow(NSWindow& window,
                                                                  host::WindowClient& client) {
   return std::make_unique<SimulatedWindow>(*this, window, client);

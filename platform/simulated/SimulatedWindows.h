@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -17,7 +18,7 @@ class SimulatedWindow final : public host::NativeWindow {
   ~SimulatedWindow() override;
 
   void contentDidChange() override {}
-  void show() override { isOnScreen_ = true; }
+  void show() override;
   void hide() override { isOnScreen_ = false; }
   void attributesDidChange() override {}
   void viewDidChange(NSView& /*view*/) override {}
@@ -48,6 +49,7 @@ class SimulatedWindow final : public host::NativeWindow {
 class SimulatedWindows final : public host::WindowSystem {
  public:
   std::unique_ptr<host::NativeWindow> makeWindow(NSWindow& window, host::WindowClient& client) override;
+  void flush() override {}
   void setOutsidePressClient(host::OutsidePressClient* client) override { outsideClient_ = client; }
   void showAlert(const std::shared_ptr<NSAlert>& alert, NSWindow* parent) override;
 
@@ -58,6 +60,8 @@ class SimulatedWindows final : public host::WindowSystem {
   /// Where a press is reported that hits none of the program's windows. Reports nothing when nobody listens.
   void pressOutside(Point location);
 
+  /// Called when a window comes to the screen.
+  std::function<void()> whenShown;
   /// Alerts that wait for an answer.
   std::vector<std::shared_ptr<NSAlert>> alerts;
 

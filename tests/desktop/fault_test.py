@@ -1,12 +1,15 @@
 """What cameras and the media daemon do wrong, and that the mirror outlives it."""
 
+import os
 import signal
 import unittest
 
 from stage.processes import wait_until
+from stage.program import centre
 from tests.desktop.harness import FAILED, SAVING, STARTED, DesktopTest
 
 ODD_NAMES = ("", "x" * 500, "Fish & Chips", "<b>bold</b>", "two\nlines", "מצלמה קדמית", "Cafe\u0301 _under_", "Twin", "Twin")
+NEUTRAL = (0xD9, 0xDA, 0xDD)  # the glass without a picture, on a light desktop
 
 
 class CameraFaultTest(DesktopTest):
@@ -46,6 +49,21 @@ class CameraFaultTest(DesktopTest):
                 vistrel.click()
                 wait_until(lambda: not vistrel.windows(), "the end of the window")
                 self.desktop.unplug_all()
+
+    def test_a_hung_camera_holds_up_no_window(self):
+        camera = self.desktop.camera()
+        vistrel = self.start()
+        os.kill(camera.pid, signal.SIGSTOP)
+        self.addCleanup(os.kill, camera.pid, signal.SIGCONT)
+        vistrel.click()
+        window = wait_until(vistrel.windows, "the window")[0]
+        place = centre(window["place"])
+        wait_until(lambda: self.screen.colour(place) == NEUTRAL, "a neutral surface")
+        self.assertNotIn(STARTED, vistrel.lines)
+        os.kill(camera.pid, signal.SIGCONT)
+        self.screen.live_picture()
+        vistrel.wait_line(STARTED)
+        self.assertEqual(vistrel.windows()[0]["place"], window["place"])
 
     def test_broken_frames_are_dropped_and_the_next_good_one_is_shown(self):
         camera = self.desktop.camera(offers=["mjpeg:1280x720@30"])

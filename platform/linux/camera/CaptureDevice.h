@@ -35,15 +35,13 @@ class CaptureDevice {
   virtual ~CaptureDevice() = default;
 
   [[nodiscard]] virtual const std::vector<VideoMode>& modes() const = 0;
-  /// See host::CameraStream::start. `client` must outlive the run.
-  virtual host::StreamStart start(const ModeChoice& mode, CaptureClient& client,
-                                  std::chrono::milliseconds patience) = 0;
+  /// See host::CameraStream. `client` must outlive the run.
+  virtual void begin(const ModeChoice& mode, CaptureClient& client) = 0;
+  virtual host::StreamStart awaitStart(std::chrono::milliseconds patience) = 0;
   /// Gives every buffer back and ends the stream; nothing is called afterwards.
   virtual void stop() = 0;
   /// The newest frame, in place, valid until control returns to the main loop. None when there is none.
   [[nodiscard]] virtual std::optional<Frame> frame() const = 0;
-  /// Frames that arrived since the start.
-  [[nodiscard]] virtual std::uint64_t frameCount() const = 0;
 };
 
 }  // namespace vistrel::capture

@@ -25,19 +25,20 @@ CaptureStream::~CaptureStream() {
 
 bool CaptureStream::supports(PixelSize size) const { return supportsSize(device_->modes(), size); }
 
-host::StreamStart CaptureStream::start(std::optional<PixelSize> size, host::CameraStreamClient& client,
-                                       std::chrono::milliseconds patience) {
+void CaptureStream::begin(std::optional<PixelSize> size, host::CameraStreamClient& client) {
   stop();
   client_ = &client;
+  lastFrame_ = std::chrono::steady_clock::now();
   mode_ = size ? chooseMode(device_->modes(), *size) : chooseMode(device_->modes());
-  if (!mode_) {
-    failLater({"The camera offers no picture format that can be shown."});
-    return host::StreamStart::Failed;
-  }
+  if (!mode_) return failLater({"The camera offers no picture format that can be shown."});
   showing_ = Showing::WaitingForGoodFrame;
   if (mode_->format == PixelFormat::Mjpeg)
     decoder_ = std::make_unique<DecodeThread>(reactor_, [this](auto outcome) { frameDecoded(outcome); });
-  return device_->start(*mode_, *this, patience);
+  device_->begin(*mode_, *this);
+}
+
+host::StreamStart CaptureStream::awaitStart(std::chrono::milliseconds patience) {
+  return mode_ ? device_->awaitStart(patience) : host::StreamStart::Failed;
 }
 
 void CaptureStream::stop() {
@@ -46,7 +47,10 @@ void CaptureStream::stop() {
   reset();
 }
 
-std::uint64_t CaptureStream::frameCount() const { return device_->frameCount(); }
+std::chrono::milliseconds CaptureStream::silence() const {
+  const auto silence = std::chrono::steady_clock::now() - lastFrame_;
+  return std::chrono::duration_cast<std::chrono::milliseconds>(silence);
+}
 
 void CaptureStream::clearPicture() {
   if (showing_ == Showing::Picture) showing_ = Showing::WaitingForGoodFrame;
@@ -80,6 +84,7 @@ bool CaptureStream::paint(const GlassTarget& target) {
 void CaptureStream::captureStarted() { client_->streamDidStart(); }
 
 void CaptureStream::frameArrived() {
+  lastFrame_ = std::chrono::steady_clock::now();
   if (decoder_) {
     hasUndecodedFrame_ = true;
     return decodeNewest();

@@ -21,10 +21,10 @@ class CaptureStream final : public host::CameraStream, public GlassSource, priva
   ~CaptureStream() override;
 
   [[nodiscard]] bool supports(PixelSize size) const override;
-  host::StreamStart start(std::optional<PixelSize> size, host::CameraStreamClient& client,
-                          std::chrono::milliseconds patience) override;
+  void begin(std::optional<PixelSize> size, host::CameraStreamClient& client) override;
+  host::StreamStart awaitStart(std::chrono::milliseconds patience) override;
   void stop() override;
-  [[nodiscard]] std::uint64_t frameCount() const override;
+  [[nodiscard]] std::chrono::milliseconds silence() const override;
   void clearPicture() override;
 
   [[nodiscard]] PixelSize pictureSize() const override;
@@ -56,6 +56,7 @@ class CaptureStream final : public host::CameraStream, public GlassSource, priva
   std::shared_ptr<CaptureStream*> self_;
 
   Showing showing_ = Showing::Nothing;
+  std::chrono::steady_clock::time_point lastFrame_;
   std::optional<std::chrono::steady_clock::time_point> firstFrame_;
   std::function<void()> handler_;
   bool isGlassTold_ = false;

@@ -61,14 +61,20 @@ PipeWireDevice::~PipeWireDevice() {
   graph_->loop().remove(*this);
 }
 
-host::StreamStart PipeWireDevice::start(const ModeChoice& mode, CaptureClient& client,
-                                        std::chrono::milliseconds patience) {
+void PipeWireDevice::begin(const ModeChoice& mode, CaptureClient& client) {
   stop();
   client_ = &client;
-  frameCount_ = 0;
-  if (!openStream(mode)) return host::StreamStart::Failed;
+  // The request leaves with the next turn of the loop.
+  if (openStream(mode)) waitForStream({});
+}
+
+void PipeWireDevice::waitForStream(std::chrono::milliseconds patience) {
   const auto isOver = [this] { return failure_ || state_ == PW_STREAM_STATE_STREAMING; };
   graph_->loop().waitUntil(isOver, patience);
+}
+
+host::StreamStart PipeWireDevice::awaitStart(std::chrono::milliseconds patience) {
+  if (!failure_) waitForStream(patience);
   if (failure_) return host::StreamStart::Failed;
   const bool isRunning = state_ == PW_STREAM_STATE_STREAMING;
   isStartUntold_ = !isRunning;
@@ -177,7 +183,6 @@ void PipeWireDevice::hold(pw_buffer* buffer) {
   held_ = buffer;
   frame_ = frame;
   isFrameUntold_ = true;
-  ++frameCount_;
 }
 
 void PipeWireDevice::letGo() {

@@ -23,11 +23,10 @@ class PipeWireDevice final : public CaptureDevice, private PipeWireClient {
   ~PipeWireDevice() override;
 
   [[nodiscard]] const std::vector<VideoMode>& modes() const override { return modes_; }
-  host::StreamStart start(const ModeChoice& mode, CaptureClient& client,
-                          std::chrono::milliseconds patience) override;
+  void begin(const ModeChoice& mode, CaptureClient& client) override;
+  host::StreamStart awaitStart(std::chrono::milliseconds patience) override;
   void stop() override;
   [[nodiscard]] std::optional<Frame> frame() const override { return frame_; }
-  [[nodiscard]] std::uint64_t frameCount() const override { return frameCount_; }
 
  private:
   static void onState(void* data, pw_stream_state old, pw_stream_state state, const char* error);
@@ -41,6 +40,7 @@ class PipeWireDevice final : public CaptureDevice, private PipeWireClient {
 
   bool openStream(const ModeChoice& mode);
   void closeStream();
+  void waitForStream(std::chrono::milliseconds patience);
   void fail(Error error);
   void hold(pw_buffer* buffer);
   void letGo();
@@ -61,7 +61,6 @@ class PipeWireDevice final : public CaptureDevice, private PipeWireClient {
   std::optional<AgreedFormat> agreed_;
   pw_buffer* held_ = nullptr;
   std::optional<Frame> frame_;
-  std::uint64_t frameCount_ = 0;
 
   bool isFrameUntold_ = false;
   bool isStartUntold_ = false;

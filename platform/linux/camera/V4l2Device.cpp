@@ -41,12 +41,10 @@ V4l2Device::~V4l2Device() {
   if (fd_ >= 0) system_.close(fd_);
 }
 
-host::StreamStart V4l2Device::start(const ModeChoice& mode, CaptureClient& client,
-                                    std::chrono::milliseconds patience) {
+void V4l2Device::begin(const ModeChoice& mode, CaptureClient& client) {
   stop();
   client_ = &client;
   mode_ = mode;
-  frameCount_ = 0;
   self_ = std::make_shared<V4l2Device*>(this);
   const int fd = fd_ >= 0 ? std::exchange(fd_, -1) : system_.open(path_);
   if (fd < 0) return failLater(errorOfCall(-fd));
@@ -56,10 +54,17 @@ host::StreamStart V4l2Device::start(const ModeChoice& mode, CaptureClient& clien
       if (const auto device = self.lock()) (*device)->settle();
     });
   });
+}
+
+host::StreamStart V4l2Device::awaitStart(std::chrono::milliseconds patience) {
+  if (failure_) return host::StreamStart::Failed;
   const auto state = run_->await(patience);
   isStartUntold_ = state == V4l2Run::State::Starting;
   if (isStartUntold_) return host::StreamStart::Pending;
-  if (state != V4l2Run::State::Running) return failLater(run_->error());
+  if (state != V4l2Run::State::Running) {
+    failLater(run_->error());
+    return host::StreamStart::Failed;
+  }
   watchFrames();
   return host::StreamStart::Running;
 }
@@ -79,14 +84,13 @@ void V4l2Device::close() {
   run_.reset();
 }
 
-host::StreamStart V4l2Device::failLater(Error error) {
+void V4l2Device::failLater(Error error) {
   close();
   failure_ = std::move(error);
   self_ = std::make_shared<V4l2Device*>(this);
   reactor_.post([self = std::weak_ptr(self_)] {
     if (const auto device = self.lock()) (*device)->tellFailure();
   });
-  return host::StreamStart::Failed;
 }
 
 // The last thing that happens: the client may destroy this device.
@@ -98,10 +102,7 @@ void V4l2Device::tellFailure() {
 // A start that was pending has come to an end.
 void V4l2Device::settle() {
   if (!std::exchange(isStartUntold_, false)) return;
-  if (run_->await({}) != V4l2Run::State::Running) {
-    failLater(run_->error());
-    return;
-  }
+  if (run_->await({}) != V4l2Run::State::Running) return failLater(run_->error());
   watchFrames();
   client_->captureStarted();
 }
@@ -111,24 +112,22 @@ void V4l2Device::watchFrames() {
 }
 
 void V4l2Device::takeFrames() {
-  const auto before = frameCount_;
+  bool hasNewer = false;
   while (true) {
     const auto filled = run_->take();
-    if (!filled) {
-      failLater(filled.error());
-      return;
-    }
+    if (!filled) return failLater(filled.error());
     if (!filled.value()) break;
-    hold(*filled.value());
+    hasNewer = hold(*filled.value()) || hasNewer;
   }
-  if (frameCount_ != before) client_->frameArrived();
+  if (hasNewer) client_->frameArrived();
 }
 
-void V4l2Device::hold(const V4l2Run::Filled& filled) {
-  if (filled.isDamaged) return run_->giveBack(filled.index);
+// A damaged one goes back unseen.
+bool V4l2Device::hold(const V4l2Run::Filled& filled) {
+  if (filled.isDamaged) return run_->giveBack(filled.index), false;
   if (held_) run_->giveBack(held_->index);
   held_ = filled;
-  ++frameCount_;
+  return true;
 }
 
 std::optional<Frame> V4l2Device::frame() const {

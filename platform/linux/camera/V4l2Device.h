@@ -20,21 +20,20 @@ class V4l2Device final : public CaptureDevice {
   ~V4l2Device() override;
 
   [[nodiscard]] const std::vector<VideoMode>& modes() const override { return modes_; }
-  host::StreamStart start(const ModeChoice& mode, CaptureClient& client,
-                          std::chrono::milliseconds patience) override;
+  void begin(const ModeChoice& mode, CaptureClient& client) override;
+  host::StreamStart awaitStart(std::chrono::milliseconds patience) override;
   void stop() override;
   [[nodiscard]] std::optional<Frame> frame() const override;
-  [[nodiscard]] std::uint64_t frameCount() const override { return frameCount_; }
 
  private:
   V4l2Device(Reactor& reactor, V4l2System& system, std::string path, int fd);
 
-  host::StreamStart failLater(Error error);
+  void failLater(Error error);
   void settle();
   void tellFailure();
   void watchFrames();
   void takeFrames();
-  void hold(const V4l2Run::Filled& filled);
+  bool hold(const V4l2Run::Filled& filled);
   void close();
 
   Reactor& reactor_;
@@ -47,7 +46,6 @@ class V4l2Device final : public CaptureDevice {
   std::shared_ptr<V4l2Run> run_;
   std::unique_ptr<Registration> registration_;
   std::optional<V4l2Run::Filled> held_;
-  std::uint64_t frameCount_ = 0;
   bool isStartUntold_ = false;
   std::optional<Error> failure_;
   /// Lives as long as a run may call back.

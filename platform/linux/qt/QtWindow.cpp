@@ -131,6 +131,7 @@ void QtWindow::applyChrome() {
   const PopoverShape shape(shell_->content().geometry(), tip, shell_->geometry().topLeft());
   shell_->setChrome(shape.outline(), chromeLine(window_.effectiveAppearance()));
   x11_.setShape(*shell_->windowHandle(), shape.region(shell_->devicePixelRatioF()));
+  x11_.setBackground(*shell_->windowHandle(), neutralGlass(window_.effectiveAppearance()));
 }
 
 void QtWindow::viewDidChange(NSView& view) {

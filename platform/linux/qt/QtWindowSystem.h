@@ -14,6 +14,7 @@ class QtWindowSystem final : public host::WindowSystem {
   explicit QtWindowSystem(x11::RawPresses& presses) : outsidePresses_(presses) {}
 
   std::unique_ptr<host::NativeWindow> makeWindow(NSWindow& window, host::WindowClient& client) override;
+  void flush() override { x11_.flush(); }
   void setOutsidePressClient(host::OutsidePressClient* client) override;
   void showAlert(const std::shared_ptr<NSAlert>& alert, NSWindow* parent) override;
 

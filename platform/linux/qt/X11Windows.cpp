@@ -101,6 +101,16 @@ void X11Windows::setShape(const QWindow& window, const QRegion& shape) {
                        idOf(window), 0, 0, static_cast<std::uint32_t>(rectangles.size()), rectangles.data());
 }
 
+void X11Windows::setBackground(const QWindow& window, const QColor& colour) {
+  if (!connection_) return;
+  const std::uint32_t pixel = colour.rgb();
+  xcb_change_window_attributes(connection_, idOf(window), XCB_CW_BACK_PIXEL, &pixel);
+}
+
+void X11Windows::flush() {
+  if (connection_) xcb_flush(connection_);
+}
+
 void X11Windows::noteUserAction() {
   QScreen* screen = QGuiApplication::primaryScreen();
   if (!connection_ || !screen) return;

@@ -2,6 +2,7 @@
 
 #include <xcb/xcb.h>
 
+#include <QColor>
 #include <QRegion>
 #include <QWindow>
 
@@ -26,6 +27,12 @@ class X11Windows {
   /// moment. Some wishes (a hot key, a tray host's message) reach the program past its own connection, and
   /// without this they look older than the user's last key in another program.
   void noteUserAction();
+
+  /// What the server fills the window with where nothing was painted yet: it needs no turn of the main loop.
+  void setBackground(const QWindow& window, const QColor& colour);
+
+  /// Sends what was asked for and not sent yet.
+  void flush();
 
   /// Whether the keyboard focus is in `window`, whatever a grab has told it.
   [[nodiscard]] bool hasFocus(const QWindow& window) const;

@@ -246,12 +246,14 @@ TEST(Mirror, faultsOfACameraEndInALineAndANeutralGlass) {
       {"freezes",
        nothing,
        [&](Program& p) {
-         for (int i = 0; i < 5; ++i) {
+         for (const auto pause : {700ms, 2999ms, 2500ms}) {
            camera(p).streams[0]->sendFrame();
-           p.desktop.loop.advance(1s);
+           p.desktop.loop.advance(pause);
          }
+         camera(p).streams[0]->sendFrame();
+         p.desktop.loop.advance(2999ms);
          EXPECT_EQ(p.takeLog(), Lines{started});
-         p.desktop.loop.advance(3s);
+         p.desktop.loop.advance(1ms);
        },
        {error + "the camera sends no pictures"}},
       {"is unplugged",
@@ -279,6 +281,28 @@ TEST(Mirror, faultsOfACameraEndInALineAndANeutralGlass) {
     EXPECT_EQ(program.desktop.loop.timerCount(), 0U);
     program.desktop.clickIcon();
     EXPECT_TRUE(program.isShown());
+  }
+}
+
+TEST(Mirror, isOnScreenWhileItWaitsForACameraThatHangs) {
+  Program program;
+  program.launchWith({"A"});
+  program.desktop.cameraHost.camera("A").behavior = simulated::StartBehavior::HangsForEver;
+  Lines order;
+  program.desktop.windowSystem.whenShown = [&] {
+    order.push_back("shown, streams " + std::to_string(program.desktop.cameraHost.openStreams()));
+  };
+  program.desktop.cameraHost.whileWaiting = [&] {
+    const Rect frame = program.desktop.windowSystem.titled("Vistrel").window().frame();
+    order.push_back("waiting at width " + std::to_string(static_cast<int>(frame.width)));
+    EXPECT_EQ(program.mirror().captureSession(), nullptr);
+  };
+  for (int showing = 0; showing < 2; ++showing) {
+    program.desktop.clickIcon();
+    EXPECT_EQ(std::exchange(order, {}), (Lines{"shown, streams 1", "waiting at width 426"}));
+    EXPECT_TRUE(program.isShown());
+    program.desktop.clickIcon();
+    EXPECT_TRUE(program.desktop.windowSystem.onScreen().empty());
   }
 }
 

@@ -38,7 +38,8 @@ class V4l2Test : public testing::Test, public CaptureClient {
   host::StreamStart start(milliseconds patience) {
     makeProvider();
     device_ = std::move(provider_->open("v4l2:" + node(0))).value();
-    return device_->start(chooseMode(device_->modes(), kSize).value(), *this, patience);
+    device_->begin(chooseMode(device_->modes(), kSize).value(), *this);
+    return device_->awaitStart(patience);
   }
   bool runUntil(const std::function<bool()>& isDone) { return reactor_.runUntil(isDone); }
   int firstByte() { return std::get<Picture>(device_->frame().value()).planes[0].data[0]; }
@@ -101,14 +102,12 @@ TEST_F(V4l2Test, HoldsTheNewestFrameAndGivesTheOthersBack) {
   system_.deliver(2);
   EXPECT_TRUE(runUntil([&] { return arrived_ > 0; }));
   EXPECT_EQ(arrived_, 1);
-  EXPECT_EQ(device_->frameCount(), 2U);
   EXPECT_EQ(firstByte(), 2);
   EXPECT_EQ(system_.queuedCount(), 2U);
   system_.deliver(3, V4L2_BUF_FLAG_ERROR);
   system_.deliver(4);
   EXPECT_TRUE(runUntil([&] { return arrived_ > 1; }));
   EXPECT_EQ(firstByte(), 4);
-  EXPECT_EQ(device_->frameCount(), 3U);
   device_->stop();
   EXPECT_EQ(system_.openCount(), 0);
   EXPECT_EQ(system_.mappedCount(), 0);
