@@ -26,7 +26,7 @@ def main():
             finally:
                 desktop.screen.save(PICTURE)
     way = "mirrored" if seen["mirrored"] else "not mirrored"
-    print(f"{seen['fps']:.1f} frames a second, {way}, {seen['age']} ms old; {PICTURE.relative_to(ROOT)}")
+    print(f"{seen['fps']:.1f} frames a second, {way}, {seen['age']:.0f} ms old; {PICTURE.relative_to(ROOT)}")
     return 0 if seen["mirrored"] and seen["upright"] else 1
 
 

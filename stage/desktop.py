@@ -185,6 +185,11 @@ class Desktop:
         self._pipewire = []
 
     @property
+    def server_pid(self):
+        """The X server's process."""
+        return self._xvfb.pid
+
+    @property
     def pipewire(self):
         """The daemon's process."""
         return self._pipewire[0]

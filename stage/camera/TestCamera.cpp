@@ -198,7 +198,6 @@ void TestCamera::parameterChanged(void* self, std::uint32_t id, const spa_pod* p
 }
 
 void TestCamera::useFormat(const spa_pod* format) {
-  source_.reset();
   if (format == nullptr) return say("FORMAT none");
   if (options_.manner == Manner::Refusing) {
     say("FORMAT refused");
@@ -211,7 +210,8 @@ void TestCamera::useFormat(const spa_pod* format) {
                                   [&](auto& o) { return matches(o, *chosen); });
   if (offer == options_.offers.end()) return;
   if (chosen->rate.num != 0) rate_ = chosen->rate;
-  source_ = PictureSource::create(*offer, options_);
+  if (source_ == nullptr || &*offer != drawn_) source_ = PictureSource::create(*offer, options_);
+  drawn_ = &*offer;
   say("FORMAT %s %dx%d %u/%u", offer->formatName.c_str(), offer->width, offer->height, rate_.num,
       rate_.denom);
   announceBuffers();

@@ -47,6 +47,7 @@ class TestCamera {
   pw_stream* stream_ = nullptr;
   spa_hook listener_{};
   std::unique_ptr<PictureSource> source_;
+  const Offer* drawn_ = nullptr;  ///< what `source_` draws, kept between streams: a camera is ready at once
   spa_fraction rate_{30, 1};
   std::uint32_t counter_ = 0;
   int latency_ = 0;

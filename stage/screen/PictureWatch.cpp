@@ -1,6 +1,7 @@
 #include "stage/screen/PictureWatch.h"
 
 #include <algorithm>
+#include <array>
 #include <thread>
 
 namespace vistrel::stage {
@@ -8,12 +9,23 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::chrono::milliseconds kBetweenLooks{2};
+constexpr std::chrono::milliseconds kBetweenLooks{1};
 constexpr std::chrono::milliseconds kBetweenSearches{20};
 
-std::uint32_t millisecondsNow() {
+using Milliseconds = std::chrono::duration<double, std::milli>;
+
+std::uint32_t wholeMilliseconds(Clock::time_point time) {
   return static_cast<std::uint32_t>(
-      std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now().time_since_epoch()).count());
+      std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch()).count());
+}
+
+/// The clock tells whole milliseconds; in the mean a picture was taken half of one later.
+double ageOf(const clock::Reading& reading) {
+  constexpr double kHalf = 0.5;
+  const auto now = Clock::now();
+  const Milliseconds fraction =
+      now.time_since_epoch() - std::chrono::floor<std::chrono::milliseconds>(now.time_since_epoch());
+  return clock::difference(wholeMilliseconds(now), reading.milliseconds) + fraction.count() - kHalf;
 }
 
 std::optional<Rectangle> search(const Screen& screen, Clock::time_point deadline) {
@@ -24,12 +36,18 @@ std::optional<Rectangle> search(const Screen& screen, Clock::time_point deadline
   }
 }
 
-/// The clock alone: a sixth of the picture is all that each look has to fetch.
+/// One line of each row of the clock is all that a look has to fetch. The counter comes first: when the next
+/// picture comes between the two, it is the counter of a picture that was seen already.
 std::optional<clock::Reading> look(const Screen& screen, Rectangle place) {
-  const int top = clock::rowTop(place.height, 0);
-  const Image strip = screen.capture({place.x, place.y + top, place.width, place.height - top});
-  if (strip.width != place.width || strip.height != place.height - top) return std::nullopt;
-  return clock::read(place.width, place.height, [&](int x, int y) { return strip.isLight(x, y - top); });
+  std::array<Image, clock::kRows> lines;
+  for (int row = 0; row < clock::kRows; ++row) {
+    const int middle = (clock::rowTop(place.height, row) + clock::rowTop(place.height, row + 1)) / 2;
+    lines[row] = screen.capture({place.x, place.y + middle, place.width, 1});
+    if (lines[row].width != place.width || lines[row].height != 1) return std::nullopt;
+  }
+  const int second = clock::rowTop(place.height, 1);
+  return clock::read(place.width, place.height,
+                     [&](int x, int y) { return lines[y < second ? 0 : 1].isLight(x, 0); });
 }
 
 void take(Sighting& sighting, std::optional<clock::Reading>& last, const clock::Reading& reading) {
@@ -37,14 +55,14 @@ void take(Sighting& sighting, std::optional<clock::Reading>& last, const clock::
   if (last->counter == reading.counter) return;
   sighting.skipped += std::max(0, clock::difference(reading.counter, last->counter) - 1);
   sighting.isMirrored = reading.isMirrored;
-  sighting.ages.push_back(clock::difference(millisecondsNow(), reading.milliseconds));
+  sighting.ages.push_back(ageOf(reading));
   ++sighting.frames;
   last = reading;
 }
 
 }  // namespace
 
-int Sighting::age(int percent) const {
+double Sighting::age(int percent) const {
   if (ages.empty()) return -1;
   return ages[std::min(ages.size() - 1, ages.size() * percent / 100)];
 }
@@ -77,14 +95,14 @@ std::optional<Sighting> watchPicture(const Screen& screen, std::optional<Rectang
 
 std::optional<double> awaitPicture(const Screen& screen, Rectangle place,
                                    std::chrono::milliseconds patience) {
-  const auto begin = millisecondsNow();
+  const auto begin = wholeMilliseconds(Clock::now());
   const auto deadline = Clock::now() + patience;
   while (Clock::now() < deadline) {
     const auto reading = look(screen, place);
     const auto now = Clock::now();
     if (reading && clock::difference(reading->milliseconds, begin) >= 0)
       return std::chrono::duration<double>(now.time_since_epoch()).count();
-    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    std::this_thread::sleep_for(kBetweenLooks);
   }
   return std::nullopt;
 }

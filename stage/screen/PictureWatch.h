@@ -15,15 +15,15 @@ struct Sighting {
   bool isMirrored = false;
   bool isUpright = false;
   double softness = 0;
-  int frames = 0;         ///< different ones
-  int skipped = 0;        ///< frames of the camera in between that were never seen
-  int unreadable = 0;     ///< looks that found no clock
-  double seconds = 0;     ///< from the first frame to the last
-  std::vector<int> ages;  ///< milliseconds from the camera to the screen, ascending
+  int frames = 0;            ///< different ones
+  int skipped = 0;           ///< frames of the camera in between that were never seen
+  int unreadable = 0;        ///< looks that found no clock
+  double seconds = 0;        ///< from the first frame to the last
+  std::vector<double> ages;  ///< milliseconds from the camera to the screen, ascending
 
   [[nodiscard]] double framesPerSecond() const { return seconds > 0 ? (frames - 1) / seconds : 0; }
   /// The age that `percent` of the frames do not exceed.
-  [[nodiscard]] int age(int percent) const;
+  [[nodiscard]] double age(int percent) const;
 };
 
 /// Looks until `frames` different ones were seen (0: no such end) or `patience` is over. None: no picture.
