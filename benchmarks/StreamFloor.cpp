@@ -1,12 +1,13 @@
 // What no viewer can go below: takes a camera's frames from PipeWire and does nothing with them, or decodes
 // JPEG at one eighth and keeps nothing.
-//   vistrel_stream_floor NODE SECONDS     prints one JSON object
+//   vistrel_stream_floor NODE SECONDS     prints one JSON object; times of a frame in milliseconds
 #include <spa/buffer/meta.h>
 #include <spa/param/video/format-utils.h>
 
 #include <algorithm>
 #include <array>
-#include <chrono>
+#include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
@@ -136,12 +137,10 @@ bool connect(Reader& reader, const char* node) {
 void tell(Reader& reader) {
   std::sort(reader.ages.begin(), reader.ages.end());
   const double age = reader.ages.empty() ? 0 : reader.ages[reader.ages.size() / 2];
-  const double seconds = clockNow(CLOCK_MONOTONIC) - reader.start - reader.firstFrame;
-  std::printf(
-      "{\"frames\": %zu, \"first\": %.2f, \"age\": %.2f, \"decoding\": %.5f, \"cpu\": %.5f, \"bytes\": "
-      "%zu}\n",
-      reader.ages.size(), reader.firstFrame * kMilliseconds, age * kMilliseconds, reader.decoding / seconds,
-      clockNow(CLOCK_PROCESS_CPUTIME_ID) / seconds, reader.bytes);
+  std::printf("{\"frames\": %zu, \"first\": %.3f, \"age\": %.3f, \"decoding\": %.4f, \"bytes\": %zu}\n",
+              reader.ages.size(), reader.firstFrame * kMilliseconds, age * kMilliseconds,
+              reader.decoding / std::max<double>(1, static_cast<double>(reader.ages.size())) * kMilliseconds,
+              reader.bytes);
 }
 
 }  // namespace
@@ -152,7 +151,9 @@ int main(int argc, char** argv) {
   Reader reader;
   reader.loop = pw_main_loop_new(nullptr);
   pw_loop* loop = pw_main_loop_get_loop(reader.loop);
-  timespec end{std::atoi(argv[2]), 0};
+  const double length = std::atof(argv[2]);
+  timespec end{static_cast<std::time_t>(length),
+               static_cast<decltype(timespec::tv_nsec)>(std::fmod(length, 1) * kNanoseconds)};
   pw_loop_update_timer(loop, pw_loop_add_timer(loop, timeIsOver, reader.loop), &end, nullptr, false);
   reader.start = clockNow(CLOCK_MONOTONIC);
   if (!connect(reader, argv[1])) return 1;

@@ -2,6 +2,7 @@
 
 import dataclasses
 
+from benchmarks.measures import FRAMES
 from benchmarks.cases import LARGE, MJPEG_720, PLAIN_4K, RAW_4K, RAW_720, RICH_4K, SMALL, Case
 
 SMALL_720 = Case(RAW_720, SMALL).label
@@ -41,7 +42,7 @@ def _ratio(value, base):
 
 def _processor(record):
     def cpu(program, camera, glass=SMALL):
-        return record.median("steady", program, Case(camera, glass).label, "cpu")
+        return record.median("steady", program, Case(camera, glass).label, "cost")
 
     def beside(program, camera, glass=SMALL):
         return _ratio(cpu(OURS, camera, glass), cpu(program, camera, glass))
@@ -53,7 +54,7 @@ def _processor(record):
 
     yield Bar("raw 720p at 426×240: processor time of GStreamer's", beside(GSTREAMER, RAW_720), 0.4, "×")
     for camera in (RICH_4K, PLAIN_4K):
-        floor = record.median("floor", READER, camera.label, "decoding")
+        floor = _times(FRAMES / 1000, record.median("floor", READER, camera.label, "decoding"))
         kind = f"MJPEG 4K {'rich' if camera.is_rich else 'plain'} at 426×240"
         yield Bar(f"{kind}: of the decoder's floor", _ratio(cpu(OURS, camera), floor), 1.3, "×")
         yield Bar(f"{kind}: of the best peer's", _ratio(cpu(OURS, camera), best_peer(camera)), 0.75, "×")
@@ -88,7 +89,8 @@ def _opening(record):
 def _hidden(record):
     cases = [case for _, case in record.keys("hidden")]
     case = cases[0] if cases else ""
-    yield Bar(f"hidden for {case}: timers armed", record.median("hidden", OURS, case, "timers"), 0, "timers", 0)
+    yield Bar(f"hidden for {case}: wake-ups, by timers or not", record.median("hidden", OURS, case, "wake-ups"), 0,
+              "times", 0)
     yield Bar(f"hidden for {case}: processor time", record.median("hidden", OURS, case, "cpu"), 0.005, "s", 3)
     yield Bar("hidden: resident memory", record.median("hidden", OURS, case, "rss"), 45, "MB", 1)
     yield Bar("hidden: anonymous memory", record.median("hidden", OURS, case, "anonymous"), 10, "MB", 1)

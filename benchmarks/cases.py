@@ -21,7 +21,7 @@ class Camera:
     def options(self):
         """For the private desktop's `camera`."""
         return {"offers": [f"{self.format}:{self.size[0]}x{self.size[1]}@30"],
-                "options": ["--rich"] if self.is_rich else []}
+                "options": ["--rich", "--quality", "70"] if self.is_rich else []}
 
 
 @dataclasses.dataclass(frozen=True)

@@ -11,19 +11,34 @@ from stage.desktop import WATCHER
 
 MENU = "com.canonical.dbusmenu"
 
+FRAMES = 30  # that every test camera sends a second
 SETTLING = 0.8  # seconds from the first pictures until the costs of starting are over
+REST = 0.3  # seconds between an opening, a closing and what follows
 SUSPENSION = 8  # seconds after which the session manager has told everyone that the camera is idle
+
+
+class Stopwatch:
+    """How much of one processor each of the processes takes."""
+
+    def __init__(self, *pids):
+        self._pids = pids
+        self._start = time.monotonic()
+        self._before = [processes.processor_seconds(pid) for pid in pids]
+
+    def shares(self):
+        seconds = time.monotonic() - self._start
+        return [(processes.processor_seconds(pid) - before) / seconds for pid, before in zip(self._pids, self._before)]
 
 
 def steady(desktop, camera, viewer, seconds):
     """Showing the camera. The processor time is taken while nobody reads the screen, the picture right after it."""
     place = appear(desktop, viewer)
     time.sleep(SETTLING)
-    start, before = time.monotonic(), processes.processor_seconds(viewer.pid)
+    watch = Stopwatch(viewer.pid, desktop.server_pid)
     time.sleep(seconds)
-    after, end = processes.processor_seconds(viewer.pid), time.monotonic()
-    values = {"cpu": (after - before) / (end - start), **watched(desktop, place, 0.8 * seconds),
-              **processes.memory(viewer.pid)}
+    cpu, server = watch.shares()
+    values = {"cpu": cpu, "server": server, **watched(desktop, place, 0.8 * seconds), **processes.memory(viewer.pid)}
+    values["cost"] = values["cpu"] * FRAMES / values["fps"]
     values["close"] = disappear(camera, viewer)
     return values
 
@@ -51,8 +66,10 @@ def opening(desktop, camera, viewer, place):
     first = desktop.screen.ask("await", 10000, *place)["seconds"]
     if first is None:
         raise TimeoutError(f"no picture at {place}")
-    time.sleep(0.3)
-    return {"first": first - start, "close": disappear(camera, viewer)}
+    time.sleep(REST)
+    closing = disappear(camera, viewer)
+    time.sleep(REST)
+    return {"first": first - start, "close": closing}
 
 
 def floor(desktop, camera, seconds):
@@ -68,25 +85,25 @@ def hidden(desktop, camera, vistrel, seconds):
     disappear(camera, vistrel)
     time.sleep(SUSPENSION)
     pid = vistrel.pid
-    sleeps, cpu, timers = processes.sleeps(pid), processes.processor_seconds(pid), []
+    switches, cpu, timers = processes.switches(pid), processes.processor_seconds(pid), []
     end = time.monotonic() + seconds
     while time.monotonic() < end:
         time.sleep(1)
         timers.append(processes.timers(pid))
-    return {"sleeps": processes.sleeps(pid) - sleeps, "cpu": processes.processor_seconds(pid) - cpu,
+    return {"wake-ups": processes.wake_ups(switches, processes.switches(pid)), "cpu": processes.processor_seconds(pid) - cpu,
             "timers": None if None in timers else max(map(len, timers)), **processes.memory(pid)}
 
 
 def menu(desktop, vistrel):
-    """A right click on the icon: until the tray host shows the menu, and Vistrel's processor time for it."""
+    """A right click on the icon: until the tray host shows the menu, and Vistrel's processor time until it has gone
+    again."""
     before, start = processes.processor_seconds(vistrel.pid), time.monotonic()
     vistrel.program.click(button=3)
     vistrel.program.menu()
     shown = time.monotonic() - start
-    cpu = processes.processor_seconds(vistrel.pid) - before
     desktop.screen.key("Escape")
     vistrel.program.wait_no_menu()
-    return {"shown": shown, "cpu": cpu}
+    return {"shown": shown, "cpu": processes.processor_seconds(vistrel.pid) - before}
 
 
 def menu_build(desktop, vistrel):

@@ -31,11 +31,15 @@ def processor_seconds(pid):
     return total
 
 
-def sleeps(pid):
-    """How often the threads stopped running, by themselves or not: so often at most were they woken."""
-    counts = [re.findall(r"ctxt_switches:\s+(\d+)", _text(task))
-              for task in pathlib.Path(f"/proc/{pid}/task").glob("*/status")]
-    return sum(int(count) for thread in counts for count in thread)
+def switches(pid):
+    """Of each thread, how often it has stopped running, by itself or not."""
+    return {task.parent.name: sum(map(int, re.findall(r"ctxt_switches:\s+(\d+)", _text(task))))
+            for task in pathlib.Path(f"/proc/{pid}/task").glob("*/status")}
+
+
+def wake_ups(before, after):
+    """How often threads ran between two answers of `switches`; a thread that has ended had to wake up for it."""
+    return sum(count - before.get(thread, 0) for thread, count in after.items()) + len(before.keys() - after.keys())
 
 
 def timers(pid):

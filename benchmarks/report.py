@@ -25,7 +25,7 @@ def is_whole(record):
 
 
 def _sections(record):
-    made = [("Showing: processor seconds a second, frames, age in ms, memory in MB", *_steady(record)),
+    made = [("Showing: processor seconds for 30 frames, age in ms, memory in MB", *_steady(record)),
             ("Opening and closing, in ms", *_opening(record)),
             ("The camera's floors", *_floors(record)),
             ("Vistrel by itself", *_alone(record)),
@@ -35,36 +35,37 @@ def _sections(record):
 
 
 def _steady(record):
-    head = ["camera and glass", "program", "processor", "of GStreamer's", "frames/s", "lost", "age", "age 95 %",
+    head = ["camera and glass", "program", "processor", "of GStreamer's", "X server", "frames/s", "lost", "age", "age 95 %",
             "resident", "proportional", "anonymous", "camera's"]
     order = {case: index for index, case in enumerate(dict.fromkeys(case for _, case in record.keys("steady")))}
     rows = []
     for program, case in sorted(record.keys("steady"), key=lambda key: (order[key[1]], key[0] != OURS, key[0])):
-        median = record.median("steady", program, case, "cpu")
+        median = record.median("steady", program, case, "cost")
         if median is None:
             continue
-        base = record.median("steady", GSTREAMER, case, "cpu")
+        base = record.median("steady", GSTREAMER, case, "cost")
         facts = [record.median("steady", program, case, name)
                  for name in ("fps", "lost", "age", "age95", "rss", "pss", "anonymous", "buffers")]
-        rows.append([case, program, spread(record.spread("steady", program, case, "cpu"), 4),
-                     number(median / base if base else None, 2), number(facts[0]), number(facts[1], 0),
-                     *(number(fact, 0) for fact in facts[2:4]), *(number(fact) for fact in facts[4:])])
+        rows.append([case, program, spread(record.spread("steady", program, case, "cost"), 4),
+                     number(median / base if base else None, 2),
+                     number(record.median("steady", program, case, "server"), 3), number(facts[0]), number(facts[1], 0),
+                     *(number(fact) for fact in facts[2:])])
     return head, rows
 
 
 def _opening(record):
-    head = ["camera and glass", "program", "to the first picture", "to the camera closed"]
+    head = ["camera and glass", "program", "to the first picture", "to the camera closed", "the first time of all"]
     rows = [[case, program, *(spread(record.spread("opening", program, case, name), 0, 1000)
-                              for name in ("first", "close"))]
+                              for name in ("first", "close", "cold"))]
             for program, case in sorted(record.keys("opening"), key=lambda key: key[1])]
     return head, rows
 
 
 def _floors(record):
-    head = ["camera", "program", "first frame, ms", "age at arrival, ms", "decoding at 1/8, s/s", "frame, kB"]
+    head = ["camera", "program", "first frame, ms", "age at arrival, ms", "decoding at 1/8, ms", "frame, kB"]
     rows = [[case, program, spread(record.spread("floor", program, case, "first"), 0),
              spread(record.spread("floor", program, case, "age"), 1),
-             spread(record.spread("floor", program, case, "decoding"), 4),
+             spread(record.spread("floor", program, case, "decoding"), 2),
              number(_kilobytes(record.median("floor", program, case, "bytes")), 0)]
             for program, case in record.keys("floor") if record.values("floor", program, case, "age")]
     return head, rows
@@ -83,7 +84,7 @@ def _alone(record):
         rows.append(["start to icon", "", spread((icons[len(icons) // 2], icons[0], icons[-1]), 0, 1000), "ms"])
     for _, case in record.keys("hidden"):
         for name, what, digits, unit in (("cpu", "processor time", 4, "s"), ("timers", "timers armed", 0, ""),
-                                         ("sleeps", "times that a thread went to sleep", 0, ""),
+                                         ("wake-ups", "wake-ups of its threads", 0, ""),
                                          ("rss", "resident", 1, "MB"), ("pss", "proportional", 1, "MB"),
                                          ("anonymous", "anonymous", 1, "MB")):
             rows.append([f"hidden for {case}", what, spread(record.spread("hidden", OURS, case, name), digits), unit])

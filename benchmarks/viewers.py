@@ -4,7 +4,7 @@ itself."""
 import shutil
 import time
 
-from benchmarks.cases import GLASSES, MJPEG_720, RAW_720, SMALL
+from benchmarks.cases import GLASSES
 from stage.processes import NeverCame
 from stage.program import Program, centre
 
@@ -25,13 +25,14 @@ class Vistrel:
     def pid(self):
         return self.program.pid
 
+    @property
+    def status(self):
+        """None while it runs."""
+        return self.program.process.status
+
     @staticmethod
     def missing():
         return None
-
-    @staticmethod
-    def shows(_case):
-        return True
 
     def show(self):
         self._screen.click(self._icon)
@@ -59,6 +60,10 @@ class Peer:
     def pid(self):
         return self._process.pid
 
+    @property
+    def status(self):
+        return self._process.status
+
     @classmethod
     def missing(cls):
         """Why it cannot be measured on this machine; None: it can."""
@@ -85,10 +90,6 @@ class GStreamer(Peer):
     programs = ["gst-launch-1.0"]
 
     @staticmethod
-    def shows(_case):
-        return True
-
-    @staticmethod
     def arguments(case):
         width, height = case.picture
         decoder = ["jpegdec", "!"] if case.camera.format == "mjpeg" else []
@@ -104,10 +105,6 @@ class Ffplay(Peer):
     programs = ["ffplay", "pw-v4l2"]
 
     @staticmethod
-    def shows(case):
-        return case.camera in (RAW_720, MJPEG_720)
-
-    @staticmethod
     def arguments(case):
         (width, height), size = case.picture, case.camera.size
         return ["pw-v4l2", "ffplay", "-loglevel", "error", "-fflags", "nobuffer", "-flags", "low_delay", "-framedrop",
@@ -116,14 +113,10 @@ class Ffplay(Peer):
 
 
 class Cheese(Peer):
-    """Chooses the size of its window by itself, so that it stands beside one glass only."""
+    """Chooses the size of its window by itself, and does not mirror."""
 
     name = "Cheese"
     programs = ["cheese"]
-
-    @staticmethod
-    def shows(case):
-        return case.camera in (RAW_720, MJPEG_720) and case.glass == SMALL
 
     @staticmethod
     def arguments(_case):
@@ -133,13 +126,16 @@ class Cheese(Peer):
 VIEWERS = (Vistrel, GStreamer, Ffplay, Cheese)
 
 
-def appear(desktop, viewer, patience=12000):
+def appear(desktop, viewer, patience=12):
     """Shows the viewer and gives the place of its picture once that is live."""
     viewer.show()
-    seen = desktop.screen.picture(3, patience)
-    if seen is None:
-        raise NeverCame(" ".join(["showed no live picture;", *viewer.complaint()]))
-    return seen["place"]
+    deadline = time.monotonic() + patience
+    while time.monotonic() < deadline and viewer.status is None:
+        seen = desktop.screen.picture(3, 2000)
+        if seen:
+            return seen["place"]
+    end = "" if viewer.status is None else f"it ended with status {viewer.status}"
+    raise NeverCame("; ".join(["no live picture", end, *viewer.complaint()]))
 
 
 def disappear(camera, viewer):
