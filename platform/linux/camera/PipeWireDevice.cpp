@@ -109,8 +109,9 @@ bool PipeWireDevice::openStream(const ModeChoice& mode) {
   spa_pod_builder builder;
   spa_pod_builder_init(&builder, memory.data(), memory.size());
   std::array offers{offerOf(builder, mode)};
+  const int direct = graph_->loop().carriesFrames() ? PW_STREAM_FLAG_RT_PROCESS : 0;
   const auto flags = static_cast<pw_stream_flags>(PW_STREAM_FLAG_AUTOCONNECT | PW_STREAM_FLAG_MAP_BUFFERS |
-                                                  PW_STREAM_FLAG_DONT_RECONNECT);
+                                                  PW_STREAM_FLAG_DONT_RECONNECT | direct);
   const int result =
       pw_stream_connect(stream_.get(), PW_DIRECTION_INPUT, PW_ID_ANY, flags, offers.data(), offers.size());
   if (result >= 0) return true;

@@ -32,8 +32,10 @@ bool PipeWireGraph::connect() {
   context_.reset(pw_context_new(
       loop_.get(),
       pw_properties_new(PW_KEY_APP_NAME, "Vistrel", PW_KEY_APP_ID, "org.vistrel.Vistrel", nullptr), 0));
+  if (context_) loop_.adoptFrames(*context_);
   if (context_) core_.reset(pw_context_connect(context_.get(), nullptr, 0));
   if (!core_) {
+    loop_.releaseFrames();
     context_.reset();
     return false;
   }
@@ -134,6 +136,7 @@ void PipeWireGraph::disconnect() {
   registry_.reset();
   spa_hook_remove(&coreListener_);
   core_.reset();
+  loop_.releaseFrames();
   context_.reset();
   answered_ = awaited_ = 0;
 }

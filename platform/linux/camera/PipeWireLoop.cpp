@@ -21,6 +21,10 @@ PipeWireLoop::~PipeWireLoop() {
   pw_deinit();
 }
 
+void PipeWireLoop::adoptFrames(pw_context& context) {
+  frames_ = FrameLoop::takeOver(context, reactor_, [this] { forEach(&PipeWireClient::deliver); });
+}
+
 void PipeWireLoop::add(PipeWireClient& client) { clients_.push_back(&client); }
 
 // A walk may be under way: the place is emptied, not closed up.

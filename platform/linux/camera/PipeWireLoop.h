@@ -7,6 +7,7 @@
 #include <memory>
 #include <vector>
 
+#include "linux/camera/FrameLoop.h"
 #include "linux/camera/Reactor.h"
 
 namespace vistrel::capture {
@@ -32,6 +33,11 @@ class PipeWireLoop {
   PipeWireLoop& operator=(const PipeWireLoop&) = delete;
 
   [[nodiscard]] pw_loop* get() const { return loop_; }
+  /// Passes the frames of the context's streams on from the main loop too, where the library allows it.
+  void adoptFrames(pw_context& context);
+  /// Before the context goes.
+  void releaseFrames() { frames_.reset(); }
+  [[nodiscard]] bool carriesFrames() const { return frames_ != nullptr; }
   void add(PipeWireClient& client);
   void remove(PipeWireClient& client);
   /// Runs this loop alone until `isDone` or until patience ends. What happens meanwhile is delivered later,
@@ -54,6 +60,7 @@ class PipeWireLoop {
   std::shared_ptr<PipeWireLoop*> self_;
   bool isDeliveryPosted_ = false;
   std::unique_ptr<Registration> registration_;
+  std::unique_ptr<FrameLoop> frames_;
 };
 
 }  // namespace vistrel::capture

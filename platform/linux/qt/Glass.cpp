@@ -1,6 +1,7 @@
 #include "qt/Glass.h"
 
 #include <QBackingStore>
+#include <QGuiApplication>
 #include <QPaintEvent>
 #include <QPainter>
 #include <utility>
@@ -37,14 +38,11 @@ Glass::Glass(QWidget* parent) : QWidget(parent) {
 
 Glass::~Glass() { detach(); }
 
-capture::GlassSource* Glass::source() const {
-  return layer_ ? dynamic_cast<capture::GlassSource*>(layer_->stream()) : nullptr;
-}
-
 void Glass::setLayer(std::shared_ptr<AVCaptureVideoPreviewLayer> layer) {
   if (layer == layer_) return;
   detach();
   layer_ = std::move(layer);
+  source_ = layer_ ? dynamic_cast<capture::GlassSource*>(layer_->stream()) : nullptr;
   attach();
   update();
 }
@@ -54,34 +52,32 @@ void Glass::setNeutralColour(const QColor& colour) {
 }
 
 void Glass::attach() {
-  auto* const from = source();
-  if (!from || isAttached_) return;
+  if (!source_ || isAttached_) return;
   isAttached_ = std::make_shared<bool>(true);
   toldSize_ = {};
   tellSize(place());
-  from->setPictureHandler([this, token = std::weak_ptr<bool>(isAttached_)] {
+  source_->setPictureHandler([this, token = std::weak_ptr<bool>(isAttached_)] {
     if (!token.expired()) pictureChanged();
   });
 }
 
 void Glass::detach() {
   if (!std::exchange(isAttached_, nullptr)) return;
-  if (auto* const from = source()) from->setPictureHandler({});
+  source_->setPictureHandler({});
 }
 
 void Glass::tellSize(const Place& place) {
   const PixelSize size = isEmpty(place.picture) ? place.glass.size : place.picture.size;
-  if (std::exchange(toldSize_, size) != size) source()->setGlassSize(size);
+  if (std::exchange(toldSize_, size) != size) source_->setGlassSize(size);
 }
 
 Glass::Place Glass::place() const {
   const QPoint origin = mapTo(window(), QPoint(0, 0));
   const Rect points{double(origin.x()), double(origin.y()), double(width()), double(height())};
   Place place{pixelRect(points, devicePixelRatioF()), {}};
-  auto* const from = source();
-  if (!from) return place;
+  if (!source_) return place;
   const bool keepsAspect = layer_->videoGravity() == AVLayerVideoGravity::ResizeAspect;
-  const PixelSize picture = from->pictureSize();
+  const PixelSize picture = source_->pictureSize();
   const bool hasPicture = picture.width > 0 && picture.height > 0;
   place.picture =
       keepsAspect || !hasPicture ? letterBox(place.glass.size, picture) : PixelRect{0, 0, place.glass.size};
@@ -97,17 +93,56 @@ QRect Glass::inPoints(const PixelRect& rect) const {
 // Only the picture is drawn again, and at once: a turn of the main loop for each frame costs more than it
 // brings.
 void Glass::pictureChanged() {
-  const PixelRect picture = place().picture;
-  if (isEmpty(picture) || picture != paintedPicture_) {
+  const Place where = place();
+  if (isEmpty(where.picture) || where.picture != paintedPicture_) {
     update();
-  } else {
-    repaint(inPoints(picture));
+  } else if (!drawBesideQt(where)) {
+    repaint(inPoints(where.picture));
   }
+}
+
+// Qt would wait for the server before each frame, by way of a thread that has to wake for the answer.
+bool Glass::drawBesideQt(const Place& where) {
+  QWindow* handle = window()->windowHandle();
+  if (!handle || !handle->isExposed() || isCovered()) return false;
+  if (watched_ != handle) {
+    watched_ = handle;
+    handle->installEventFilter(this);
+    const bool isX11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>() != nullptr;
+    shared_ = isX11 ? x11::SharedPicture::create(static_cast<xcb_window_t>(handle->winId())) : nullptr;
+  }
+  const PixelRect target = shifted(where.picture, where.glass);
+  std::uint8_t* pixels = shared_ ? shared_->pixels(target.size) : nullptr;
+  if (!pixels || !paintInto(pixels, target.size.width * kBytesPerPixel, target.size)) return false;
+  shared_->draw(target.x, target.y);
+  return true;
+}
+
+// What Qt keeps of the window is older than what is on the glass.
+bool Glass::eventFilter(QObject* object, QEvent* event) {
+  if (event->type() == QEvent::Expose) update();
+  return QWidget::eventFilter(object, event);
+}
+
+// Widgets that come later among their siblings lie above.
+bool Glass::isCovered() const {
+  QRect area = geometry();
+  for (const QWidget* widget = this; !widget->isWindow(); widget = widget->parentWidget()) {
+    bool isAbove = false;
+    for (const QObject* child : widget->parentWidget()->children()) {
+      const auto* sibling = qobject_cast<const QWidget*>(child);
+      const bool covers = isAbove && sibling && sibling->isVisible() && !sibling->isWindow();
+      if (covers && sibling->geometry().intersects(area)) return true;
+      isAbove = isAbove || child == widget;
+    }
+    area.translate(widget->parentWidget()->pos());
+  }
+  return false;
 }
 
 void Glass::paintEvent(QPaintEvent* event) {
   const Place where = place();
-  if (source()) tellSize(where);
+  if (source_) tellSize(where);
   const bool isPainted = !isEmpty(where.picture) && paintPicture(where, event->region());
   paintedPicture_ = isPainted ? where.picture : PixelRect{};
   paintAround(isPainted ? inPoints(where.picture) : QRect(), event->region());
@@ -137,13 +172,15 @@ bool Glass::paintByImage(const Place& where) {
 }
 
 bool Glass::paintInto(QImage& image, const PixelRect& target) {
-  const auto* connection = layer_->connection();
   std::uint8_t* pixels = image.bits() + static_cast<qsizetype>(target.y) * image.bytesPerLine() +
                          static_cast<qsizetype>(target.x) * kBytesPerPixel;
-  return source()->paint({.pixels = pixels,
-                          .stride = static_cast<int>(image.bytesPerLine()),
-                          .size = target.size,
-                          .isMirrored = connection && connection->isVideoMirrored()});
+  return paintInto(pixels, static_cast<int>(image.bytesPerLine()), target.size);
+}
+
+bool Glass::paintInto(std::uint8_t* pixels, int stride, PixelSize size) {
+  const auto* connection = layer_->connection();
+  const bool isMirrored = connection && connection->isVideoMirrored();
+  return source_->paint({.pixels = pixels, .stride = stride, .size = size, .isMirrored = isMirrored});
 }
 
 void Glass::paintAround(const QRect& picture, const QRegion& region) {
@@ -162,6 +199,9 @@ void Glass::showEvent(QShowEvent* /*event*/) { attach(); }
 void Glass::hideEvent(QHideEvent* /*event*/) {
   detach();
   spare_ = QImage();
+  shared_.reset();
+  if (watched_) watched_->removeEventFilter(this);
+  watched_ = nullptr;
 }
 
 }  // namespace vistrel::qt

@@ -2,18 +2,23 @@
 
 #include <QColor>
 #include <QImage>
+#include <QPointer>
 #include <QWidget>
+#include <QWindow>
 #include <memory>
 #include <optional>
 
 #include "avfoundation/AVCaptureVideoPreviewLayer.h"
 #include "linux/camera/GlassSource.h"
 #include "qt/GlassLayout.h"
+#include "x11/SharedPicture.h"
 
 namespace vistrel::qt {
 
-/// The live picture: paints the newest frame of a layer's camera straight into the window's backing store, at
-/// the size on screen. A neutral surface while there is no picture; no work at all while it is hidden.
+/// The live picture: paints the newest frame of a layer's camera at the size on screen. The first one goes
+/// into the window's backing store; the next ones go past Qt to the server, while nothing lies over the
+/// picture and its place stays the same. A neutral surface while there is no picture; no work at all while it
+/// is hidden.
 class Glass final : public QWidget {
  public:
   explicit Glass(QWidget* parent);
@@ -27,6 +32,7 @@ class Glass final : public QWidget {
   void resizeEvent(QResizeEvent* event) override;
   void showEvent(QShowEvent* event) override;
   void hideEvent(QHideEvent* event) override;
+  bool eventFilter(QObject* object, QEvent* event) override;
 
  private:
   /// Where the picture lies: in the glass, and in the backing store; both in physical pixels.
@@ -34,24 +40,29 @@ class Glass final : public QWidget {
     PixelRect glass;
     PixelRect picture;
   };
-  [[nodiscard]] capture::GlassSource* source() const;
   [[nodiscard]] Place place() const;
   [[nodiscard]] QRect inPoints(const PixelRect& rect) const;
   void attach();
   void detach();
   void pictureChanged();
+  bool drawBesideQt(const Place& place);
+  [[nodiscard]] bool isCovered() const;
   void tellSize(const Place& place);
   bool paintPicture(const Place& place, const QRegion& region);
   bool paintStraight(const PixelRect& target);
   bool paintByImage(const Place& place);
   bool paintInto(QImage& image, const PixelRect& target);
+  bool paintInto(std::uint8_t* pixels, int stride, PixelSize size);
   void paintAround(const QRect& picture, const QRegion& region);
 
   std::shared_ptr<AVCaptureVideoPreviewLayer> layer_;
+  capture::GlassSource* source_ = nullptr;  // the layer's, null when it has none
   QColor neutral_;
   QImage spare_;
   PixelSize toldSize_;
   PixelRect paintedPicture_;
+  std::unique_ptr<x11::SharedPicture> shared_;
+  QPointer<QWindow> watched_;
   // The source may outlive the glass, with the glass's handler in it.
   std::shared_ptr<bool> isAttached_;
 };
