@@ -64,10 +64,13 @@ const bool kRegistered = [] {
   } const formats[] = {{"YUY2", PixelFormat::Yuy2}, {"UYVY", PixelFormat::Uyvy}, {"NV12", PixelFormat::Nv12},
                        {"I420", PixelFormat::I420}, {"BGRX", PixelFormat::Bgrx}, {"RGBX", PixelFormat::Rgbx},
                        {"RGB", PixelFormat::Rgb24}, {"BGR", PixelFormat::Bgr24}};
-  for (const PixelSize glass : kGlasses)
-    benchmark::RegisterBenchmark(("copy/" + text(glass)).c_str(), [=](benchmark::State& s) {
-      copy(s, glass);
-    })->Unit(benchmark::kMicrosecond);
+  for (const PixelSize source : {kSources[0], kSources[1]})  // of 4:3 and of 16:9
+    for (const PixelSize wide : kGlasses) {
+      const PixelSize glass = glassFor(source, wide);
+      benchmark::RegisterBenchmark(("copy/" + text(glass)).c_str(), [=](benchmark::State& s) {
+        copy(s, glass);
+      })->Unit(benchmark::kMicrosecond);
+    }
   for (const auto& format : formats)
     for (const PixelSize source : kSources)
       for (const PixelSize glass : kGlasses)

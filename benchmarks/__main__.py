@@ -39,7 +39,10 @@ def main():
         return 0
     plan = QUICK if options.quick else FULL
     record = Record(FOLDER / f"{plan.name}.json", facts(plan.name))
-    Rounds(plan, record, options.case).run()
+    try:
+        Rounds(plan, record, options.case).run()
+    except KeyboardInterrupt:
+        print("ended early", file=sys.stderr)
     record.facts["loadAfter"] = os.getloadavg()[0]
     record.save()
     print(report.text(record))

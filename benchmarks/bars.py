@@ -2,8 +2,7 @@
 
 import dataclasses
 
-from benchmarks.measures import FRAMES
-from benchmarks.cases import LARGE, MJPEG_720, PLAIN_4K, RAW_4K, RAW_720, RICH_4K, SMALL, Case
+from benchmarks.cases import FRAMES, LARGE, MJPEG_720, PLAIN_4K, RAW_4K, RAW_720, RICH_4K, SMALL, Case
 
 SMALL_720 = Case(RAW_720, SMALL).label
 OURS, GSTREAMER, READER = "Vistrel", "GStreamer", "bare reader"

@@ -2,6 +2,7 @@
 
 import dataclasses
 
+FRAMES = 30  # that every test camera sends a second
 GLASSES = ((426, 240), (852, 480), (1278, 720))
 SIZES = ((640, 480), (1280, 720), (1920, 1080), (3840, 2160))
 

@@ -6,13 +6,13 @@ import time
 from gi.repository import GLib
 
 from benchmarks import processes
+from benchmarks.cases import FRAMES
 from benchmarks.viewers import appear, disappear
 from stage.desktop import WATCHER
 
 MENU = "com.canonical.dbusmenu"
 
-FRAMES = 30  # that every test camera sends a second
-SETTLING = 0.8  # seconds from the first pictures until the costs of starting are over
+SETTLING = 0.6  # seconds from the first pictures until the costs of starting are over
 REST = 0.3  # seconds between an opening, a closing and what follows
 SUSPENSION = 8  # seconds after which the session manager has told everyone that the camera is idle
 

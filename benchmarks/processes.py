@@ -48,7 +48,7 @@ def timers(pid):
     if platform.machine() != "x86_64":
         return None
     found = [f"thread {task.parent.name}: {limited}" for task in pathlib.Path(f"/proc/{pid}/task").glob("*/syscall")
-             if (limited := _limited_wait(_text(task)))]
+             if (limited := limited_wait(_text(task)))]
     for descriptor in pathlib.Path(f"/proc/{pid}/fdinfo").iterdir():
         times = re.search(r"it_value: \((\d+), (\d+)\)", _text(descriptor))
         if times and times.groups() != ("0", "0"):
@@ -56,7 +56,7 @@ def timers(pid):
     return found
 
 
-def _limited_wait(call):
+def limited_wait(call):
     """`call` as /proc tells it: the number of a system call and its arguments; "running" for a thread that runs."""
     words = call.split()
     if not words or not words[0].isdigit() or int(words[0]) not in _WAITS:

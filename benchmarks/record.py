@@ -53,6 +53,9 @@ class Record:
         values = self.values(kind, program, case, name)
         return (statistics.median(values), min(values), max(values)) if values else None
 
+    def is_measured(self, kind, program, case):
+        return any("values" in sample for sample in self._of(kind, program, case))
+
     def errors(self, kind, program, case):
         return [sample["error"] for sample in self._of(kind, program, case) if "error" in sample]
 

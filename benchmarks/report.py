@@ -4,6 +4,8 @@ from benchmarks import table
 from benchmarks.bars import GSTREAMER, OURS, judge
 from benchmarks.table import number, spread
 
+KINDS = ("steady", "opening", "place", "floor", "lost", "hidden", "menu", "loop")
+
 
 def text(record):
     return "\n\n".join(f"{title}\n\n{table.text(head, rows)}" for title, head, rows in _sections(record))
@@ -18,10 +20,9 @@ def document(record):
 
 
 def is_whole(record):
-    """Vistrel was measured in every case that was tried."""
-    ours = [(kind, key) for kind in ("steady", "opening", "lost", "hidden", "menu")
-            for key in record.keys(kind) if key[0] == OURS]
-    return bool(ours) and not any(record.errors(kind, *key) for kind, key in ours)
+    """Vistrel was measured, in one round at least, in every case that was tried."""
+    ours = [(kind, *key) for kind in KINDS for key in record.keys(kind) if key[0] == OURS]
+    return bool(ours) and all(record.is_measured(*key) for key in ours)
 
 
 def _sections(record):
@@ -29,6 +30,8 @@ def _sections(record):
             ("Opening and closing, in ms", *_opening(record)),
             ("The camera's floors", *_floors(record)),
             ("Vistrel by itself", *_alone(record)),
+            ("Inner loops: nanoseconds for each pixel of the glass, mirrored", *_loops(record, "", 2, 1)),
+            ("Inner loops: milliseconds for each frame of MJPEG", *_loops(record, "MJPEG", 3, 1e-6)),
             ("Not measured", *_missing(record)),
             ("Bars", *_bars(record))]
     return [(title, head, rows) for title, head, rows in made if rows]
@@ -97,9 +100,27 @@ def _alone(record):
     return ["what", "", "median (least–greatest)", "unit"], rows
 
 
+def _loops(record, start, digits, factor):
+    """A row for each loop and size of the camera's picture, a column for each height of the glass."""
+    heights = sorted({height for *_, height in _loop_cells(record, start)}, key=lambda height: height or 0)
+    rows = {}
+    for loop, source, median, height in _loop_cells(record, start):
+        rows.setdefault((loop, source), {})[height] = number(factor * median, digits)
+    head = ["loop", "camera's picture", *("any glass" if height is None else f"glass {height}" for height in heights)]
+    return head, [[*key, *(cells.get(height, "") for height in heights)] for key, cells in rows.items()]
+
+
+def _loop_cells(record, start):
+    for loop, case in record.keys("loop"):
+        source, glass = case.split(" at ") if " at " in case else (case, "any")
+        median = record.median("loop", loop, case, "ns")
+        if median is not None and loop.startswith("MJPEG") == bool(start):
+            yield loop, source, median, None if glass == "any" else int(glass.split("x")[-1])
+
+
 def _missing(record):
     rows = []
-    for kind in ("steady", "opening", "place", "floor", "lost", "hidden", "menu"):
+    for kind in KINDS:
         for program, case in record.keys(kind):
             errors = record.errors(kind, program, case)
             if errors:

@@ -2,16 +2,19 @@
 
 import contextlib
 import dataclasses
+import subprocess
 import sys
 import time
 
-from benchmarks import measures
-from benchmarks.cases import EVERY_CASE, MJPEG_720, QUICK_CASES, RAW_720, SMALL, Case
+from benchmarks import loops, measures
+from benchmarks.cases import EVERY_CASE, LARGE, MJPEG_720, QUICK_CASES, RAW_720, SMALL, Case
 from benchmarks.viewers import VIEWERS, Cheese, GStreamer, Vistrel, appear, disappear
-from stage.desktop import Desktop
+from stage.desktop import ROOT, Desktop
 
 SCREEN = "1600x1000"
+BUILD = ROOT / "build" / "release"
 READER = "bare reader"
+LOOP = 0.02  # seconds that each inner loop runs at least
 MOMENT = 0.5  # seconds that are enough for a first frame
 
 
@@ -27,11 +30,14 @@ class Plan:
     hidden: int
     menus: tuple  # numbers of cameras
     repeats: int  # of what takes moments
+    loops: str  # the names of inner loops
 
 
-FULL = Plan("full", 3, EVERY_CASE, [case for case in EVERY_CASE if case.camera in (RAW_720, MJPEG_720)],
-            [Case(RAW_720, SMALL), Case(MJPEG_720, SMALL)], 2.5, 20, 60, (1, 8, 64), 4)
-QUICK = Plan("quick", 1, QUICK_CASES, [Case(RAW_720, SMALL)], [Case(RAW_720, SMALL)], 2, 4, 5, (64,), 2)
+FULL = Plan("full", 3, EVERY_CASE, [Case(camera, glass) for camera in (RAW_720, MJPEG_720) for glass in (SMALL, LARGE)],
+            [Case(RAW_720, SMALL), Case(MJPEG_720, SMALL)], 2.2, 20, 60, (1, 8, 64), 3,
+            "^(copy|jpeg_)|/mirrored")
+QUICK = Plan("quick", 1, QUICK_CASES, [Case(RAW_720, SMALL)], [Case(RAW_720, SMALL)], 2, 4, 5, (64,), 2,
+             "^copy|^YUY2/1280x720/.*/mirrored")
 
 
 class Rounds:
@@ -60,6 +66,8 @@ class Rounds:
                 self._hide()
                 self._menus()
             self._viewers.append(self._viewers.pop(0))
+        if not self._only:
+            self._loop()
 
     def _tell(self, text):
         print(f"{time.monotonic() - self._start:7.1f} s  {text}", file=sys.stderr, flush=True)
@@ -102,25 +110,36 @@ class Rounds:
         finally:
             viewer.close()
 
+    def _on_desktop(self, kind, case, measure):
+        """`measure(desktop)`; a desktop that does not come up is a failure like any other."""
+        try:
+            with Desktop(size=SCREEN) as desktop:
+                measure(desktop)
+        except Exception as problem:  # noqa: BLE001
+            self._record.fail(kind, Vistrel.name, case, f"the desktop: {problem}")
+            self._tell(f"{kind}, {case}: FAILED, {problem}")
+
     def _show_cases(self):
         cases = [case for case in self._plan.cases if self._only in case.label]
         for camera in dict.fromkeys(case.camera for case in cases):
-            with Desktop(size=SCREEN) as desktop:
-                with self._kept("floor", READER, camera.label) as values, self._with_camera(desktop, camera) as source:
-                    values |= measures.floor(desktop, source, max(2, round(self._plan.steady)))
-                for case in cases:
-                    if case.camera == camera:
-                        self._show(desktop, case)
+            shown = [case for case in cases if case.camera == camera]
+            self._on_desktop("steady", shown[0].label, lambda desktop: self._show_camera(desktop, shown))
 
-    def _show(self, desktop, case):
-        for kind in self._viewers:
-            if not self._is_shown(kind, case):
-                continue
-            with self._kept("steady", kind.name, case.label) as values, \
-                    self._with_camera(desktop, case.camera) as source, self._with_viewer(desktop, kind, case) as viewer:
-                values |= measures.steady(desktop, source, viewer, self._plan.steady)
-                if kind is Vistrel:
-                    values["icon"] = viewer.seconds_to_icon
+    def _show_camera(self, desktop, cases):
+        camera = cases[0].camera
+        with self._kept("floor", READER, camera.label) as values, self._with_camera(desktop, camera) as source:
+            values |= measures.floor(desktop, source, self._plan.steady)
+        for case in cases:
+            for kind in self._viewers:
+                if self._is_shown(kind, case):
+                    self._show(desktop, kind, case)
+
+    def _show(self, desktop, kind, case):
+        with self._kept("steady", kind.name, case.label) as values, \
+                self._with_camera(desktop, case.camera) as source, self._with_viewer(desktop, kind, case) as viewer:
+            values |= measures.steady(desktop, source, viewer, self._plan.steady)
+            if kind is Vistrel:
+                values["icon"] = viewer.seconds_to_icon
 
     def _is_shown(self, kind, case):
         if kind is Cheese and case.glass != SMALL:
@@ -129,20 +148,24 @@ class Rounds:
 
     def _open(self):
         for case in self._plan.openings:
-            with Desktop(size=SCREEN) as desktop:
-                places = self._places(desktop, case)
-                for _ in range(self._plan.repeats):
-                    for kind in self._viewers:
-                        if kind in places:
-                            with self._kept("opening", kind.name, case.label) as values, \
-                                    self._with_used_camera(desktop, case.camera) as source, \
-                                    self._with_viewer(desktop, kind, case) as viewer:
-                                if kind is Vistrel:  # which is there all day: the first time of all apart
-                                    values["cold"] = measures.opening(desktop, source, viewer, places[kind])["first"]
-                                values |= measures.opening(desktop, source, viewer, places[kind])
-                    with self._kept("opening", READER, case.label) as values, \
-                            self._with_used_camera(desktop, case.camera) as source:
-                        values["first"] = measures.floor(desktop, source, MOMENT)["first"] / 1000
+            self._on_desktop("opening", case.label, lambda desktop: self._open_case(desktop, case))
+
+    def _open_case(self, desktop, case):
+        places = self._places(desktop, case)
+        for _ in range(self._plan.repeats):
+            for kind, place in places.items():
+                self._open_once(desktop, kind, case, place)
+            with self._kept("opening", READER, case.label) as values, \
+                    self._with_used_camera(desktop, case.camera) as source:
+                values["first"] = measures.floor(desktop, source, MOMENT)["first"] / 1000
+
+    def _open_once(self, desktop, kind, case, place):
+        with self._kept("opening", kind.name, case.label) as values, \
+                self._with_used_camera(desktop, case.camera) as source, \
+                self._with_viewer(desktop, kind, case) as viewer:
+            if kind is Vistrel:  # which is there all day: the first time of all apart
+                values["cold"] = measures.opening(desktop, source, viewer, place)["first"]
+            values |= measures.opening(desktop, source, viewer, place)
 
     def _places(self, desktop, case):
         """Where each program shows its picture."""
@@ -157,12 +180,14 @@ class Rounds:
 
     def _lose(self):
         case = Case(RAW_720, SMALL)
-        with Desktop(size=SCREEN) as desktop:
-            for kind in [kind for kind in self._viewers if kind in (Vistrel, GStreamer)]:
-                with self._kept("lost", kind.name, case.label) as values, \
-                        self._with_camera(desktop, case.camera) as source, \
-                        self._with_viewer(desktop, kind, case) as viewer:
-                    values |= measures.lost(desktop, source, viewer, self._plan.lost)
+        for kind in self._viewers:
+            if kind in (Vistrel, GStreamer):
+                self._on_desktop("lost", case.label, lambda desktop: self._lose_frames(desktop, kind, case))
+
+    def _lose_frames(self, desktop, kind, case):
+        with self._kept("lost", kind.name, case.label) as values, \
+                self._with_camera(desktop, case.camera) as source, self._with_viewer(desktop, kind, case) as viewer:
+            values |= measures.lost(desktop, source, viewer, self._plan.lost)
 
     def _hide(self):
         case = Case(RAW_720, SMALL)
@@ -173,12 +198,21 @@ class Rounds:
 
     def _menus(self):
         for number in self._plan.menus:
-            case = f"{number} camera{'s' if number > 1 else ''}"
-            with self._kept("menu", Vistrel.name, case) as values, Desktop(size=SCREEN) as desktop:
-                for index in range(number):
-                    desktop.camera(name=f"Camera {index}", node=f"camera{index}", **RAW_720.options)
-                with self._with_viewer(desktop, Vistrel, Case(RAW_720, SMALL)) as vistrel:
-                    values |= measures.menu(desktop, vistrel)
-                    for _ in range(self._plan.repeats):
-                        with self._kept("menu", Vistrel.name, case) as built:
-                            built |= measures.menu_build(desktop, vistrel)
+            self._on_desktop("menu", f"{number} cameras", lambda desktop: self._show_menu(desktop, number))
+
+    def _show_menu(self, desktop, number):
+        for index in range(number):
+            desktop.camera(name=f"Camera {index}", node=f"camera{index}", **RAW_720.options)
+        with self._with_viewer(desktop, Vistrel, Case(RAW_720, SMALL)) as vistrel:
+            for measure in [measures.menu] + self._plan.repeats * [measures.menu_build]:
+                with self._kept("menu", Vistrel.name, f"{number} cameras") as values:
+                    values |= measure(desktop, vistrel)
+
+    def _loop(self):
+        try:
+            found = loops.measure(BUILD / "benchmarks" / "vistrel_bench", self._plan.loops, LOOP)
+        except (OSError, subprocess.SubprocessError) as problem:
+            return self._record.fail("loop", "inner loops", "any", str(problem))
+        for loop, case, nanoseconds in found:
+            self._record.add("loop", loop, case, {"ns": nanoseconds})
+        self._tell(f"{len(found)} inner loops")
