@@ -30,6 +30,7 @@ SimulatedDesktop::SimulatedDesktop(const std::string& resourceDirectory) : resou
 
 SimulatedDesktop::~SimulatedDesktop() {
   forgetEarlierProcess();
+  loop.dropQueued();
   Log::setSink(nullptr);
   host::install(nullptr);
 }

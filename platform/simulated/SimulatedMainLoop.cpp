@@ -45,6 +45,11 @@ void SimulatedMainLoop::settle() {
   }
 }
 
+void SimulatedMainLoop::dropQueued() {
+  // What goes with the work may queue more.
+  while (!queue_.empty()) std::exchange(queue_, {}).clear();
+}
+
 std::unique_ptr<host::Timer> SimulatedMainLoop::after(std::chrono::milliseconds delay,
                                                       std::function<void()> work) {
   auto timer = std::make_unique<SimulatedTimer>(*this, std::move(work));

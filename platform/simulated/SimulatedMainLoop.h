@@ -26,6 +26,8 @@ class SimulatedMainLoop final : public host::MainLoop {
   /// Does `work` when the next modal loop waits: the user's answer.
   void onceModal(std::function<void()> work) { modalScript_.push_back(std::move(work)); }
   [[nodiscard]] std::chrono::milliseconds now() const { return now_; }
+  /// Drops what is queued: nobody turns the loop again, and what the work holds must go before the rest.
+  void dropQueued();
   [[nodiscard]] bool hasQuit() const { return hasQuit_; }
   [[nodiscard]] std::size_t timerCount() const { return timers_.size(); }
 
