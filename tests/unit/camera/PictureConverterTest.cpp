@@ -21,16 +21,31 @@ struct Channel {
   int yStep = 1;
 };
 
+// Decoded JPEG is planar with a chroma resolution of its own, or without chroma.
+enum class Chroma { OfFormat, Own, None };
+
 struct Layout {
   const char* name;
   PixelFormat format;
   bool isRgb;
   std::array<Channel, 3> channels;  // Y, U, V or R, G, B
+  Chroma chroma = Chroma::OfFormat;
 };
 
 const Layout kLayouts[] = {
     {"I420", PixelFormat::I420, false, {{{0, 0, 1, 1, 1}, {1, 0, 1, 2, 2}, {2, 0, 1, 2, 2}}}},
     {"YV12", PixelFormat::Yv12, false, {{{0, 0, 1, 1, 1}, {2, 0, 1, 2, 2}, {1, 0, 1, 2, 2}}}},
+    {"planar 4:2:2",
+     PixelFormat::I420,
+     false,
+     {{{0, 0, 1, 1, 1}, {1, 0, 1, 2, 1}, {2, 0, 1, 2, 1}}},
+     Chroma::Own},
+    {"planar 4:4:4",
+     PixelFormat::I420,
+     false,
+     {{{0, 0, 1, 1, 1}, {1, 0, 1, 1, 1}, {2, 0, 1, 1, 1}}},
+     Chroma::Own},
+    {"grey", PixelFormat::I420, false, {{{0, 0, 1, 1, 1}, {1, 0, 1, 1, 1}, {2, 0, 1, 1, 1}}}, Chroma::None},
     {"NV12", PixelFormat::Nv12, false, {{{0, 0, 1, 1, 1}, {1, 0, 2, 2, 2}, {1, 1, 2, 2, 2}}}},
     {"YUY2", PixelFormat::Yuy2, false, {{{0, 0, 2, 1, 1}, {0, 1, 4, 2, 1}, {0, 3, 4, 2, 1}}}},
     {"UYVY", PixelFormat::Uyvy, false, {{{0, 1, 2, 1, 1}, {0, 0, 4, 2, 1}, {0, 2, 4, 2, 1}}}},
@@ -59,10 +74,12 @@ class Source {
       strides_[i] = rowBytes[i] + gap;
       blocks_[i].resize(static_cast<std::size_t>(strides_[i]) * (rows_[i] - 1) + rowBytes[i]);
       for (auto& byte : blocks_[i]) byte = static_cast<std::uint8_t>(random() >> 8);
+      if (i > 0 && layout.chroma == Chroma::None) std::fill(blocks_[i].begin(), blocks_[i].end(), 128);
     }
   }
 
   [[nodiscard]] Picture picture(YuvColour colour) const {
+    if (layout_.chroma != Chroma::OfFormat) return decoded(colour);
     std::vector<PlaneMemory> memory;
     for (int i = 0; i < 3 && rows_[i] > 0; ++i) memory.push_back({blocks_[i], strides_[i]});
     return pictureIn(memory, layout_.format, size_, colour).value();
@@ -76,6 +93,14 @@ class Source {
   }
 
  private:
+  [[nodiscard]] Picture decoded(YuvColour colour) const {
+    const Channel& chroma = layout_.channels[1];
+    Picture result{layout_.format, size_, {samplesOf(size_.width, chroma.xStep), rows_[1]}, {}, colour};
+    for (int i = 0; i < (layout_.chroma == Chroma::None ? 1 : 3); ++i)
+      result.planes[i] = {blocks_[i].data(), strides_[i]};
+    return result;
+  }
+
   const Layout& layout_;
   PixelSize size_;
   std::array<int, 3> strides_{};
