@@ -1,6 +1,7 @@
 // What no viewer can go below: takes a camera's frames from PipeWire and does nothing with them, or decodes
 // JPEG at one eighth and keeps nothing.
-//   vistrel_stream_floor NODE SECONDS     prints one JSON object; times of a frame in milliseconds
+//   vistrel_stream_floor NODE SECONDS     for so long from the first frame on; prints one JSON object, with
+//                                         times in milliseconds
 #include <spa/buffer/meta.h>
 #include <spa/param/video/format-utils.h>
 
@@ -21,6 +22,7 @@ namespace {
 
 constexpr double kNanoseconds = 1e9;
 constexpr double kMilliseconds = 1e3;
+constexpr double kPatience = 15;  // seconds for the first frame
 
 double clockNow(clockid_t clock) {
   timespec t{};
@@ -61,6 +63,8 @@ struct Reader {
   pw_main_loop* loop = nullptr;
   pw_stream* stream = nullptr;
   Decoder decoder;
+  spa_source* end = nullptr;
+  double length = 0;
   double start = 0;
   double firstFrame = 0;
   double decoding = 0;
@@ -68,11 +72,21 @@ struct Reader {
   std::vector<double> ages;
 };
 
+void endIn(Reader& reader, double seconds) {
+  timespec time{};
+  time.tv_sec = static_cast<decltype(time.tv_sec)>(seconds);
+  time.tv_nsec = static_cast<decltype(time.tv_nsec)>(std::fmod(seconds, 1) * kNanoseconds);
+  pw_loop_update_timer(pw_main_loop_get_loop(reader.loop), reader.end, &time, nullptr, false);
+}
+
 void take(Reader& reader, const spa_buffer& buffer) {
   const auto* header = static_cast<const spa_meta_header*>(
       spa_buffer_find_meta_data(&buffer, SPA_META_Header, sizeof(spa_meta_header)));
   const double now = clockNow(CLOCK_MONOTONIC);
-  if (reader.ages.empty()) reader.firstFrame = now - reader.start;
+  if (reader.ages.empty()) {
+    reader.firstFrame = now - reader.start;
+    endIn(reader, reader.length);
+  }
   reader.ages.push_back(header ? now - static_cast<double>(header->pts) / kNanoseconds : 0);
   const auto& data = buffer.datas[0];
   reader.bytes = data.chunk->size;
@@ -85,10 +99,14 @@ void take(Reader& reader, const spa_buffer& buffer) {
 
 void process(void* data) {
   auto& reader = *static_cast<Reader*>(data);
+  pw_buffer* newest = nullptr;
   while (auto* buffer = pw_stream_dequeue_buffer(reader.stream)) {
-    take(reader, *buffer->buffer);
-    pw_stream_queue_buffer(reader.stream, buffer);
+    if (newest) pw_stream_queue_buffer(reader.stream, newest);
+    newest = buffer;
   }
+  if (!newest) return;
+  take(reader, *newest->buffer);
+  pw_stream_queue_buffer(reader.stream, newest);
 }
 
 void formatChanged(void* data, std::uint32_t id, const spa_pod* format) {
@@ -150,11 +168,9 @@ int main(int argc, char** argv) {
   pw_init(nullptr, nullptr);
   Reader reader;
   reader.loop = pw_main_loop_new(nullptr);
-  pw_loop* loop = pw_main_loop_get_loop(reader.loop);
-  const double length = std::atof(argv[2]);
-  timespec end{static_cast<std::time_t>(length),
-               static_cast<decltype(timespec::tv_nsec)>(std::fmod(length, 1) * kNanoseconds)};
-  pw_loop_update_timer(loop, pw_loop_add_timer(loop, timeIsOver, reader.loop), &end, nullptr, false);
+  reader.length = std::atof(argv[2]);
+  reader.end = pw_loop_add_timer(pw_main_loop_get_loop(reader.loop), timeIsOver, reader.loop);
+  endIn(reader, kPatience);
   reader.start = clockNow(CLOCK_MONOTONIC);
   if (!connect(reader, argv[1])) return 1;
   pw_main_loop_run(reader.loop);

@@ -15,7 +15,7 @@ SCREEN = "1600x1000"
 BUILD = ROOT / "build" / "release"
 READER = "bare reader"
 LOOP = 0.02  # seconds that each inner loop runs at least
-MOMENT = 0.5  # seconds that are enough for a first frame
+MOMENT = 0.1  # seconds that follow a first frame when nothing else is asked for
 
 
 @dataclasses.dataclass(frozen=True)
@@ -180,14 +180,16 @@ class Rounds:
 
     def _lose(self):
         case = Case(RAW_720, SMALL)
-        for kind in self._viewers:
-            if kind in (Vistrel, GStreamer):
-                self._on_desktop("lost", case.label, lambda desktop: self._lose_frames(desktop, kind, case))
+        self._on_desktop("lost", case.label, lambda desktop: self._lose_frames(desktop, case))
 
-    def _lose_frames(self, desktop, kind, case):
-        with self._kept("lost", kind.name, case.label) as values, \
-                self._with_camera(desktop, case.camera) as source, self._with_viewer(desktop, kind, case) as viewer:
-            values |= measures.lost(desktop, source, viewer, self._plan.lost)
+    def _lose_frames(self, desktop, case):
+        for kind in self._viewers:
+            if kind not in (Vistrel, GStreamer):
+                continue
+            with self._kept("lost", kind.name, case.label) as values, \
+                    self._with_camera(desktop, case.camera) as source, \
+                    self._with_viewer(desktop, kind, case) as viewer:
+                values |= measures.lost(desktop, source, viewer, self._plan.lost)
 
     def _hide(self):
         case = Case(RAW_720, SMALL)
