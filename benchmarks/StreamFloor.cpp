@@ -120,8 +120,11 @@ void formatChanged(void* data, std::uint32_t id, const spa_pod* format) {
   pw_stream_update_params(static_cast<Reader*>(data)->stream, offers.data(), offers.size());
 }
 
-void timeIsOver(void* loop, std::uint64_t /*expirations*/) {
-  pw_main_loop_quit(static_cast<pw_main_loop*>(loop));
+// Once the loop has ended, frames would come on PipeWire's own thread: the stream has to end before.
+void timeIsOver(void* data, std::uint64_t /*expirations*/) {
+  auto& reader = *static_cast<Reader*>(data);
+  pw_stream_disconnect(reader.stream);
+  pw_main_loop_quit(reader.loop);
 }
 
 const spa_pod* anyFormat(spa_pod_builder& builder, std::uint32_t subtype) {
@@ -169,7 +172,7 @@ int main(int argc, char** argv) {
   Reader reader;
   reader.loop = pw_main_loop_new(nullptr);
   reader.length = std::atof(argv[2]);
-  reader.end = pw_loop_add_timer(pw_main_loop_get_loop(reader.loop), timeIsOver, reader.loop);
+  reader.end = pw_loop_add_timer(pw_main_loop_get_loop(reader.loop), timeIsOver, &reader);
   endIn(reader, kPatience);
   reader.start = clockNow(CLOCK_MONOTONIC);
   if (!connect(reader, argv[1])) return 1;

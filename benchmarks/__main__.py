@@ -4,6 +4,7 @@ The exit status tells whether Vistrel could be measured everywhere, not whether 
 stands as such in the output."""
 
 import argparse
+import dataclasses
 import os
 import pathlib
 import platform
@@ -31,6 +32,7 @@ def facts(name):
 def main():
     parser = argparse.ArgumentParser(prog="./bench", description=__doc__)
     parser.add_argument("--quick", action="store_true", help="one round of few cases, 3 minutes: a smoke check")
+    parser.add_argument("--rounds", type=int, help="instead of three")
     parser.add_argument("--case", default="", help="only the cases with this in their name: 'raw 1280'")
     parser.add_argument("--document", type=pathlib.Path, metavar="JSON", help="write what a run gave as Markdown")
     options = parser.parse_args()
@@ -38,6 +40,7 @@ def main():
         print(report.document(Record.read(options.document)))
         return 0
     plan = QUICK if options.quick else FULL
+    plan = dataclasses.replace(plan, rounds=options.rounds or plan.rounds)
     record = Record(FOLDER / f"{plan.name}.json", facts(plan.name))
     try:
         Rounds(plan, record, options.case).run()
