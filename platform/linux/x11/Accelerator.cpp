@@ -26,13 +26,16 @@ constexpr Modifier kGtkModifiers[] = {{"primary", kControl}, {"control", kContro
 constexpr Modifier kQtModifiers[] = {
     {"ctrl", kControl}, {"shift", kShift}, {"alt", kOption}, {"meta", kCommand}};
 
+// GNOME's name for the key left of the digits, whatever the layout prints there.
+constexpr const char* kAboveTab = "above_tab";
+constexpr std::uint16_t kPlaceAboveTab = 41;
+
 struct KeyName {
   const char* name;
   xkb_keysym_t symbol;
 };
 
 // Names that are not those of the key symbols.
-constexpr KeyName kGtkKeys[] = {{"above_tab", XKB_KEY_grave}};
 constexpr KeyName kQtKeys[] = {
     {"del", XKB_KEY_Delete},
     {"ins", XKB_KEY_Insert},
@@ -90,7 +93,8 @@ std::optional<Accelerator> parseGtkAccelerator(std::string_view text) {
     modifiers |= *bit;
     text.remove_prefix(end + 1);
   }
-  return withSymbol(keySymbol(kGtkKeys, text), modifiers);
+  if (lowerCased(text) == kAboveTab) return Accelerator{XKB_KEY_NoSymbol, modifiers, kPlaceAboveTab};
+  return withSymbol(keySymbol({}, text), modifiers);
 }
 
 std::optional<Accelerator> parseQtAccelerator(std::string_view text) {

@@ -12,6 +12,7 @@ namespace vistrel::x11 {
 struct Accelerator {
   xkb_keysym_t symbol = XKB_KEY_NoSymbol;
   std::int64_t modifiers = 0;
+  std::uint16_t place = 0;  ///< the Linux event code of a key that is meant by its place; then no symbol
   bool operator==(const Accelerator&) const = default;
 };
 

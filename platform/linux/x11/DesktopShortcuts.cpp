@@ -53,8 +53,13 @@ std::optional<Accelerators> readPresentDesktop() {
   return std::nullopt;
 }
 
+std::optional<Keymap::Place> placeOf(const Accelerator& accelerator, Keymap& keymap) {
+  if (accelerator.place != 0) return Keymap::Place{accelerator.place, false};
+  return keymap.find(accelerator.symbol);
+}
+
 std::optional<Dictionaries::value_type> dictionaryOf(const Accelerator& accelerator, Keymap& keymap) {
-  const auto place = keymap.find(accelerator.symbol);
+  const auto place = placeOf(accelerator, keymap);
   const auto code = place ? virtualKeyCodeFromEvdev(place->evdevCode) : std::nullopt;
   if (!code) return std::nullopt;
   const auto modifiers = accelerator.modifiers | (place->isShifted ? kShiftBit : 0);

@@ -38,6 +38,11 @@ std::unique_ptr<Registration> PollReactor::after(std::chrono::milliseconds delay
   return add({-1, Clock::now() + delay, std::move(handler)});
 }
 
+std::size_t PollReactor::timersAhead() const {
+  const auto isAhead = [](const Handle& entry) { return entry->due != Clock::time_point::max(); };
+  return static_cast<std::size_t>(std::count_if(entries_->begin(), entries_->end(), isAhead));
+}
+
 void PollReactor::post(std::function<void()> work) {
   const std::lock_guard lock(mutex_);
   posted_.push_back(std::move(work));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <functional>
 #include <list>
 #include <memory>
@@ -22,6 +23,8 @@ class PollReactor final : public Reactor {
                                                     std::function<void()> handler) override;
   void post(std::function<void()> work) override;
 
+  /// How many timers are still to come.
+  [[nodiscard]] std::size_t timersAhead() const;
   /// Runs until `isDone`, or gives up after `limit` and answers false.
   bool runUntil(const std::function<bool()>& isDone,
                 std::chrono::milliseconds limit = std::chrono::seconds(10));

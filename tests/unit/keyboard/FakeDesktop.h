@@ -34,7 +34,8 @@ class FakeDesktop final : public host::Host,
   std::set<Combination> takenByOthers;
   std::map<std::uint16_t, std::string> characters;
   bool hasKeymap = true;
-  host::KeyboardHost* realKeyboard = nullptr;  ///< asked for characters instead, where there is one
+  host::KeyboardHost* realKeyboard = nullptr;  ///< answers what is not scripted, where there is one
+  host::HotKeyHost* realHotKeys = nullptr;     ///< takes the grabs instead, where there is one
   std::optional<std::vector<std::map<std::string, std::any>>> desktopShortcuts;
   std::vector<std::function<void()>> queue;
 
@@ -69,7 +70,7 @@ class FakeDesktop final : public host::Host,
     return hasKeymap ? std::optional(characters[keyCode]) : std::nullopt;
   }
   std::optional<std::vector<std::map<std::string, std::any>>> symbolicHotKeys() override {
-    return desktopShortcuts;
+    return desktopShortcuts || !realKeyboard ? desktopShortcuts : realKeyboard->symbolicHotKeys();
   }
   void beep() override {}
   bool setKeyboardCaptured(bool) override { return true; }
@@ -90,7 +91,7 @@ class FakeDesktop final : public host::Host,
 
   host::MainLoop& mainLoop() override { return *this; }
   host::UserFiles& userFiles() override { return *this; }
-  host::HotKeyHost& hotKeys() override { return *this; }
+  host::HotKeyHost& hotKeys() override { return realHotKeys ? *realHotKeys : *this; }
   host::KeyboardHost& keyboard() override { return *this; }
   host::Resources& resources() override { std::abort(); }
   host::LoginItems& loginItems() override { std::abort(); }

@@ -1,0 +1,156 @@
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+
+#include "KeyboardShortcuts/CarbonKeyboardShortcuts.h"
+#include "linux/x11/SessionBus.h"
+#include "tests/desktop/x11/ServerFixture.h"
+#include "tests/unit/keyboard/FakeDesktop.h"
+
+namespace vistrel::x11 {
+namespace {
+
+using KeyboardShortcuts::Shortcut;
+using Combinations = std::vector<std::pair<std::int64_t, std::int64_t>>;
+
+class KeyboardTest : public ServerTest {
+ protected:
+  KeyboardTest() { desktop.realKeyboard = &keyboard; }
+
+  testing::FakeDesktop desktop;
+};
+
+TEST_F(KeyboardTest, showsWhatTheLatinLayoutPrints) {
+  struct {
+    const char* layout;
+    std::uint8_t group;
+    std::vector<std::pair<std::uint16_t, const char*>> keys;
+  } const rows[] = {
+      {"us", 0, {{kVK_ANSI_A, "a"}, {kVK_ANSI_Y, "y"}, {kVK_ANSI_Keypad7, "7"}, {kVK_ANSI_KeypadEnter, ""}}},
+      {"de", 0, {{kVK_ANSI_Y, "z"}, {kVK_ANSI_Minus, "ß"}, {kVK_ANSI_Grave, "^"}, {kVK_ANSI_Equal, "´"}}},
+      {"fr",
+       0,
+       {{kVK_ANSI_A, "q"}, {kVK_ANSI_Semicolon, "m"}, {kVK_ANSI_1, "&"}, {kVK_ANSI_LeftBracket, "^"}}},
+      {"us,ru", 1, {{kVK_ANSI_A, "a"}}},
+      {"ru,de", 0, {{kVK_ANSI_Y, "z"}}},
+      {"ru", 0, {{kVK_ANSI_A, "a"}, {kVK_ANSI_Y, "y"}, {kVK_Function, ""}}},
+  };
+  for (const auto& row : rows) {
+    setLayout(row.layout);
+    lock(0, row.group);
+    for (const auto& [key, text] : row.keys)
+      EXPECT_EQ(keyboard.displayCharacter(key), text) << row.layout << key;
+    unlock();
+  }
+}
+
+TEST_F(KeyboardTest, displaysTheRowsOfLettersAndTheSpecialKeys) {
+  constexpr std::int64_t kLetters[] = {
+      kVK_ANSI_Q, kVK_ANSI_W, kVK_ANSI_E, kVK_ANSI_R, kVK_ANSI_T, kVK_ANSI_Y,         kVK_ANSI_U,
+      kVK_ANSI_I, kVK_ANSI_O, kVK_ANSI_P, kVK_ANSI_A, kVK_ANSI_S, kVK_ANSI_D,         kVK_ANSI_F,
+      kVK_ANSI_G, kVK_ANSI_H, kVK_ANSI_J, kVK_ANSI_K, kVK_ANSI_L, kVK_ANSI_Semicolon, kVK_ANSI_Z,
+      kVK_ANSI_X, kVK_ANSI_C, kVK_ANSI_V, kVK_ANSI_B, kVK_ANSI_N, kVK_ANSI_M};
+  constexpr std::int64_t kSpecial[] = {36,  51,  117, 119, 53,  114, 115, 49, 48, 116, 121, 126,
+                                       124, 125, 123, 122, 120, 99,  118, 96, 97, 98,  100, 101,
+                                       109, 103, 111, 105, 107, 113, 106, 64, 79, 80,  90};
+  const std::string special =
+      " ↩ ⌫ ⌦ ↘ ⎋ ?\u20DD ↖ ⎵ ⇥ ⇞ ⇟ ↑ → ↓ ←"
+      " F1 F2 F3 F4 F5 F6 F7 F8 F9 F10 F11 F12 F13 F14 F15 F16 F17 F18 F19 F20";
+  for (const auto& [layout, letters] : {std::pair{"us", "QWERTYUIOPASDFGHJKL;ZXCVBNM"},
+                                        {"de", "QWERTZUIOPASDFGHJKLÖYXCVBNM"},
+                                        {"fr", "AZERTYUIOPQSDFGHJKLMWXCVBN,"}}) {
+    setLayout(layout);
+    std::string shown;
+    for (const auto key : kLetters) shown += Shortcut(key).description();
+    for (const auto key : kSpecial) shown.append(" ").append(Shortcut(key).description());
+    EXPECT_EQ(shown, letters + special) << layout;
+  }
+}
+
+const std::filesystem::path& settingsFolder() {
+  static const std::filesystem::path folder = std::getenv("XDG_CONFIG_HOME");
+  return folder;
+}
+
+void write(const std::filesystem::path& path, const std::string& text) {
+  std::filesystem::create_directories(path.parent_path());
+  std::ofstream(path) << text;
+}
+
+void writeGnomeSettings() {
+  write(settingsFolder() / "glib-2.0/settings/keyfile", R"([org/gnome/desktop/wm/keybindings]
+close=['<Nonsense>F9', '<Super>F9']
+minimize=['']
+begin-move=['disabled']
+[org/gnome/settings-daemon/plugins/media-keys]
+custom-keybindings=['nonsense', '//', '/org/own/first/', '/org/own/none/', '/org/own/second/']
+[org/own/first]
+binding='<Primary><Alt>k'
+[org/own/second]
+binding=''
+)");
+}
+
+void writeXfceSettings() {
+  const std::string set = "xfconf-query -c xfce4-keyboard-shortcuts -n -p '/commands/custom/";
+  for (const auto* property : {"<Primary><Alt>Delete' -t string -s lock", "<Nonsense>F1' -t string -s lock",
+                               "<Super>F9' -t string -s ''", "override' -t bool -s true"}) {
+    ASSERT_EQ(std::system((set + property).c_str()), 0);
+  }
+}
+
+TEST_F(KeyboardTest, knowsTheShortcutsOfThePresentDesktop) {
+  writeGnomeSettings();
+  writeXfceSettings();
+  write(settingsFolder() / "kglobalshortcutsrc",
+        "[kwin]\nKill=Meta+Ctrl+D,none,Kill\nOff=none,Meta+F9,Off\n");
+  setLayout("de");
+  struct {
+    const char* desktop;
+    Combinations taken;
+    Combinations free;
+  } const rows[] = {
+      {"XFCE",
+       {{kVK_ForwardDelete, 0x1800}, {kVK_F4, 0x800}},
+       {{kVK_F9, 0x100}, {kVK_F2, 0x800}, {kVK_F1, 0}}},
+      {"KDE", {{kVK_ANSI_D, 0x1100}}, {{kVK_F9, 0x100}, {kVK_F4, 0x800}}},
+      // Of the window manager, mutter, the shell, the media keys and the user's own.
+      {"ubuntu:GNOME",
+       {{kVK_F9, 0x100},
+        {kVK_Tab, 0x800},
+        {kVK_ANSI_Grave, 0x100},
+        {kVK_LeftArrow, 0x100},
+        {kVK_F1, 0x1800},
+        {kVK_ANSI_S, 0x100},
+        {kVK_ANSI_L, 0x100},
+        {kVK_VolumeUp, 0},
+        {kVK_VolumeUp, 0x1000},
+        {kVK_ANSI_K, 0x1800}},
+       {{kVK_F4, 0x800}, {kVK_ANSI_H, 0x100}, {kVK_F7, 0x800}, {kVK_F9, 0}, {kVK_ANSI_J, 0x1B00}}},
+  };
+  for (const auto& row : rows) {
+    ::setenv("XDG_CURRENT_DESKTOP", row.desktop, 1);
+    for (const auto& [code, modifiers] : row.taken) {
+      EXPECT_TRUE(Shortcut(code, modifiers).isTakenBySystem()) << row.desktop << code;
+    }
+    for (const auto& [code, modifiers] : row.free) {
+      EXPECT_FALSE(Shortcut(code, modifiers).isTakenBySystem()) << row.desktop << code;
+    }
+  }
+}
+
+TEST_F(KeyboardTest, findsTheDesktopThatRuns) {
+  ::unsetenv("XDG_CURRENT_DESKTOP");
+  EXPECT_FALSE(keyboard.symbolicHotKeys().has_value());
+  const SessionBus bus;
+  std::ignore = bus.call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                         "RequestName", g_variant_new("(su)", "org.kde.kglobalaccel", 0));
+  const auto file = settingsFolder() / "kglobalshortcutsrc";
+  write(file, "[kwin]\nKill=Meta+Ctrl+D,none,Kill\n");
+  EXPECT_TRUE(Shortcut(kVK_ANSI_D, 0x1100).isTakenBySystem());
+  std::filesystem::remove(file);
+  EXPECT_FALSE(keyboard.symbolicHotKeys().has_value());
+}
+
+}  // namespace
+}  // namespace vistrel::x11
