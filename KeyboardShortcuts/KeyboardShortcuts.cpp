@@ -6,6 +6,7 @@
 
 #include "KeyboardShortcuts/CarbonKeyboardShortcuts.h"
 #include "KeyboardShortcuts/Storage.h"
+#include "foundation/Guarded.h"
 #include "foundation/NotificationCenter.h"
 
 namespace vistrel::KeyboardShortcuts {
@@ -33,7 +34,7 @@ void runActions(const ActionTable& table, const Shortcut& shortcut) {
   const ActionTable snapshot = table;
   for (const auto& [name, actions] : snapshot) {
     if (readStoredShortcut(name) != shortcut) continue;
-    for (const auto& action : actions) action();
+    for (const auto& action : actions) runGuarded("a shortcut's action", action);
   }
 }
 

@@ -238,8 +238,8 @@ void RecorderCocoa::showAlert(const std::string& title, const std::string& expla
     alert->runModal();
     return;
   }
-  alert->beginSheetModalForWindow(*window(), [](NSModalResponse response) {
-    NSApplication::shared().stopModal(static_cast<int>(response));
+  alert->beginSheetModalForWindow(*window(), [parent = window()](NSModalResponse response) {
+    NSApplication::shared().stopModal(static_cast<int>(response), parent);
   });
   NSApplication::shared().runModalForWindow(window());
 }

@@ -24,7 +24,7 @@ Shortcut::Shortcut(std::int64_t carbonKeyCode, std::int64_t carbonModifiers)
 Shortcut::Shortcut(Key key, NSEventModifierFlags modifiers) : Shortcut(key.rawValue, carbon(modifiers)) {}
 
 std::optional<Shortcut> Shortcut::fromEvent(const NSEvent& event) {
-  if (!event.isKeyEvent()) return std::nullopt;
+  if (!event.isKeyEvent() || event.keyCode() == NSEvent::kNoKeyCode) return std::nullopt;
   return Shortcut(event.keyCode(), carbon(event.modifierFlags()));
 }
 

@@ -70,7 +70,9 @@ template <>
 struct std::hash<vistrel::KeyboardShortcuts::Shortcut> {
   std::size_t operator()(const vistrel::KeyboardShortcuts::Shortcut& shortcut) const noexcept {
     // Key codes stay below the modifiers' lowest bit many times over, so the sum spreads well.
-    constexpr std::int64_t kSpread = 0x10000;
-    return std::hash<std::int64_t>{}(shortcut.carbonKeyCode() * kSpread ^ shortcut.carbonModifiers());
+    constexpr std::uint64_t kSpread = 0x10000;
+    const auto keyCode = static_cast<std::uint64_t>(shortcut.carbonKeyCode());
+    return std::hash<std::uint64_t>{}(keyCode * kSpread ^
+                                      static_cast<std::uint64_t>(shortcut.carbonModifiers()));
   }
 };

@@ -80,7 +80,7 @@ View credits() {
 
 View links() {
   const std::string maker = std::string("© ") + kMaker;
-  return swiftui::HStack({swiftui::LinkButton("FAQ", [] { openAddress(address::kFaq); }), Text("|"),
+  return swiftui::HStack({swiftui::LinkButton(localized("FAQ"), [] { openAddress(address::kFaq); }), Text("|"),
                           swiftui::LinkButton(maker, [] { openAddress(address::kMaker); })});
 }
 

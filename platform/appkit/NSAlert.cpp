@@ -17,7 +17,7 @@ void NSAlert::beginSheetModalForWindow(NSWindow& window, Completion completion) 
 
 NSModalResponse NSAlert::runModal() {
   completion_ = [](NSModalResponse response) {
-    NSApplication::shared().stopModal(static_cast<int>(response));
+    NSApplication::shared().stopModal(static_cast<int>(response), nullptr);
   };
   host::current().windows().showAlert(shared_from_this(), nullptr);
   return static_cast<NSModalResponse>(NSApplication::shared().runModalForWindow(nullptr));

@@ -24,7 +24,7 @@ void NSApplication::reset() {
   mainMenu_.reset();
   windows_.clear();
   comingWindow_.reset();
-  modalCodes_.clear();
+  modals_.clear();
   isActive_ = false;
   isTerminating_ = false;
 }
@@ -102,18 +102,21 @@ NSWindow* NSApplication::keyWindow() const {
   return found == windows_.rend() ? nullptr : found->get();
 }
 
-int NSApplication::runModalForWindow(NSWindow* /*window*/) {
-  modalCodes_.push_back(0);
+int NSApplication::runModalForWindow(NSWindow* window) {
+  modals_.push_back({window});
   host::current().mainLoop().runModal();
-  const int code = modalCodes_.back();
-  modalCodes_.pop_back();
+  const int code = modals_.back().code;
+  modals_.pop_back();
+  if (!modals_.empty() && modals_.back().isStopped) host::current().mainLoop().endModal();
   return code;
 }
 
-void NSApplication::stopModal(int code) {
-  if (modalCodes_.empty()) return;
-  modalCodes_.back() = code;
-  host::current().mainLoop().endModal();
+void NSApplication::stopModal(int code, const NSWindow* window) {
+  const auto isMeant = [&](const Modal& modal) { return modal.window == window && !modal.isStopped; };
+  const auto found = std::find_if(modals_.rbegin(), modals_.rend(), isMeant);
+  if (found == modals_.rend()) return;
+  *found = {window, code, true};
+  if (found == modals_.rbegin()) host::current().mainLoop().endModal();
 }
 
 void NSApplication::mapComingWindow() {

@@ -66,10 +66,11 @@ class NSApplication final : public NSResponder, public host::SessionClient {
   [[nodiscard]] const std::vector<std::shared_ptr<NSWindow>>& windows() const { return windows_; }
   [[nodiscard]] NSWindow* keyWindow() const;
 
-  /// Delivers events until `stopModal`; answers its code. Stopping ends the innermost loop only.
+  /// Delivers events until `stopModal` for the same window, which may be none; answers its code. One that is
+  /// stopped while another runs inside it returns after that one.
   int runModalForWindow(NSWindow* window);
-  void stopModal(int code);
-  [[nodiscard]] bool isModal() const { return !modalCodes_.empty(); }
+  void stopModal(int code, const NSWindow* window);
+  [[nodiscard]] bool isModal() const { return !modals_.empty(); }
 
   // For windows: they put themselves on the list while they are on screen.
   /// The window will order front as soon as it is ready, or is mapped before if the main loop has to wait.
@@ -102,7 +103,12 @@ class NSApplication final : public NSResponder, public host::SessionClient {
   std::shared_ptr<NSMenu> mainMenu_;
   std::vector<std::shared_ptr<NSWindow>> windows_;
   std::weak_ptr<NSWindow> comingWindow_;
-  std::vector<int> modalCodes_;
+  struct Modal {
+    const NSWindow* window;
+    int code = 0;
+    bool isStopped = false;
+  };
+  std::vector<Modal> modals_;
   bool isActive_ = false;
   bool isTerminating_ = false;
 };

@@ -72,6 +72,8 @@ class NSEvent {
     int clickCount = 1;
     float pressure = 0;
   };
+  /// The key code of a key that has no place on the platform's keyboard.
+  static constexpr std::uint16_t kNoKeyCode = 0xFFFF;
   struct Key {
     NSEventType type = NSEventType::KeyDown;
     NSEventModifierFlags modifierFlags = {};

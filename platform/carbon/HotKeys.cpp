@@ -2,13 +2,11 @@
 
 #include <algorithm>
 #include <cstring>
-#include <exception>
 #include <memory>
-#include <string>
 #include <utility>
 #include <vector>
 
-#include "foundation/Log.h"
+#include "foundation/Guarded.h"
 #include "host/Host.h"
 
 namespace vistrel {
@@ -69,28 +67,15 @@ EventManager& manager() {
   return value;
 }
 
-void reportFailure(const char* what) {
-  Log::warning(std::string("vistrel: a hot key's action failed: ") + what);
-}
-
-// Nothing may be thrown into the main loop, which is a library's.
-void dispatchSafely(const Event& event) noexcept {
-  try {
-    manager().dispatcher.dispatch(event);
-  } catch (const std::exception& failure) {
-    reportFailure(failure.what());
-  } catch (...) {
-    reportFailure("unknown reason");
-  }
-}
-
 void hotKeyChanged(std::uint32_t token, host::HotKeyPhase phase) {
   const auto& hotKeys = manager().hotKeys;
   const auto found = std::find_if(hotKeys.begin(), hotKeys.end(),
                                   [&](const auto& hotKey) { return hotKey->token() == token; });
   if (found == hotKeys.end()) return;
   const auto kind = phase == host::HotKeyPhase::Pressed ? kEventHotKeyPressed : kEventHotKeyReleased;
-  dispatchSafely({{kEventClassKeyboard, kind}, (*found)->id()});
+  const Event event{{kEventClassKeyboard, kind}, (*found)->id()};
+  // Nothing may be thrown into the main loop, which is a library's.
+  runGuarded("a hot key's action", [&] { manager().dispatcher.dispatch(event); });
 }
 
 void listen(host::HotKeyHost& host) {

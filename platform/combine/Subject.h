@@ -34,7 +34,7 @@ class Channel : public std::enable_shared_from_this<Channel<Output>> {
     waiting_.push_back({value, seats_});
     if (isDelivering_) return;
     const auto kept = this->shared_from_this();
-    isDelivering_ = true;
+    const Delivering delivering(*this);
     while (!waiting_.empty()) {
       const Delivery delivery = std::move(waiting_.front());
       waiting_.pop_front();
@@ -42,10 +42,23 @@ class Channel : public std::enable_shared_from_this<Channel<Output>> {
         if (seat->isTaken) seat->receiver(delivery.value);
       }
     }
-    isDelivering_ = false;
   }
 
  private:
+  /// What a receiver throws ends the delivery, and what still waited with it; later values come as ever.
+  class Delivering {
+   public:
+    explicit Delivering(Channel& channel) : channel_(channel) { channel_.isDelivering_ = true; }
+    Delivering(const Delivering&) = delete;
+    Delivering& operator=(const Delivering&) = delete;
+    ~Delivering() {
+      channel_.waiting_.clear();
+      channel_.isDelivering_ = false;
+    }
+
+   private:
+    Channel& channel_;
+  };
   struct Seat {
     Receiver receiver;
     bool isTaken = true;

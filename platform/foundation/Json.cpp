@@ -10,40 +10,58 @@ namespace {
 using Library = nlohmann::ordered_json;
 
 constexpr std::size_t kLongestText = 1U << 20U;
-constexpr int kDeepestNesting = 64;
+constexpr std::size_t kDeepestNesting = 64;
 
-Value fromLibrary(const Library& value);
+/// Builds a value while the library reads a text, in one pass; gives up at what is nested too deeply.
+class Reader {
+ public:
+  [[nodiscard]] Value take() { return std::move(root_); }
 
-Value objectFrom(const Library& value) {
-  Object object;
-  for (const auto& [name, member] : value.items()) object.emplace_back(name, fromLibrary(member));
-  return Value{std::move(object)};
-}
-
-Value arrayFrom(const Library& value) {
-  Array array;
-  for (const auto& element : value) array.push_back(fromLibrary(element));
-  return Value{std::move(array)};
-}
-
-Value numberFrom(const Library& value) {
-  if (value.is_number_unsigned()) {
-    const auto number = value.get<std::uint64_t>();
-    if (number > static_cast<std::uint64_t>(INT64_MAX)) return Value{static_cast<double>(number)};
-    return Value{static_cast<std::int64_t>(number)};
+  bool null() { return add({nullptr}); }
+  bool boolean(bool value) { return add({value}); }
+  bool number_integer(std::int64_t value) { return add({value}); }
+  bool number_unsigned(std::uint64_t value) {
+    if (value > static_cast<std::uint64_t>(INT64_MAX)) return add({static_cast<double>(value)});
+    return add({static_cast<std::int64_t>(value)});
   }
-  if (value.is_number_integer()) return Value{value.get<std::int64_t>()};
-  return Value{value.get<double>()};
-}
+  bool number_float(double value, const std::string& /*text*/) { return add({value}); }
+  bool string(std::string& value) { return add({std::move(value)}); }
+  bool binary(Library::binary_t& /*value*/) { return false; }
+  bool key(std::string& name) {
+    name_ = std::move(name);
+    return true;
+  }
+  bool start_object(std::size_t /*size*/) { return open({Object{}}); }
+  bool start_array(std::size_t /*size*/) { return open({Array{}}); }
+  bool end_object() { return close(); }
+  bool end_array() { return close(); }
+  static bool parse_error(std::size_t, const std::string&, const nlohmann::detail::exception&) {
+    return false;
+  }
 
-Value fromLibrary(const Library& value) {
-  if (value.is_object()) return objectFrom(value);
-  if (value.is_array()) return arrayFrom(value);
-  if (value.is_string()) return Value{value.get<std::string>()};
-  if (value.is_boolean()) return Value{value.get<bool>()};
-  if (value.is_number()) return numberFrom(value);
-  return Value{nullptr};
-}
+ private:
+  // A container that is open does not move: the one around it grows only after it is closed.
+  Value* place(Value value) {
+    if (open_.empty()) return &(root_ = std::move(value));
+    auto& content = open_.back()->content;
+    if (auto* array = std::get_if<Array>(&content)) return &array->emplace_back(std::move(value));
+    return &std::get<Object>(content).emplace_back(std::move(name_), std::move(value)).second;
+  }
+  bool add(Value value) { return place(std::move(value)) != nullptr; }
+  bool open(Value container) {
+    if (open_.size() >= kDeepestNesting) return false;
+    open_.push_back(place(std::move(container)));
+    return true;
+  }
+  bool close() {
+    open_.pop_back();
+    return true;
+  }
+
+  Value root_{nullptr};
+  std::vector<Value*> open_;
+  std::string name_;
+};
 
 Library toLibrary(const Value& value);
 
@@ -55,7 +73,8 @@ struct LibraryWriter {
   }
   Library operator()(const Object& object) const {
     Library result = Library::object();
-    for (const auto& [name, member] : object) result[name] = toLibrary(member);
+    auto& members = result.get_ref<Library::object_t&>();
+    for (const auto& [name, member] : object) members.emplace_back(name, toLibrary(member));
     return result;
   }
   template <class T>
@@ -90,16 +109,9 @@ std::optional<double> Value::number() const {
 
 std::optional<Value> parse(std::string_view text) {
   if (text.size() > kLongestText) return std::nullopt;
-  bool isTooDeep = false;
-  const auto watchDepth = [&](int depth, Library::parse_event_t event, Library&) {
-    const bool opens =
-        event == Library::parse_event_t::object_start || event == Library::parse_event_t::array_start;
-    if (opens && depth >= kDeepestNesting) isTooDeep = true;
-    return !isTooDeep;
-  };
-  const Library value = Library::parse(text, watchDepth, false);
-  if (value.is_discarded() || isTooDeep) return std::nullopt;
-  return fromLibrary(value);
+  Reader reader;
+  if (!Library::sax_parse(text, &reader)) return std::nullopt;
+  return reader.take();
 }
 
 std::string write(const Value& value) { return dump(value, -1); }

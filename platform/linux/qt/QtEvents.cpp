@@ -27,9 +27,10 @@ constexpr std::array<Modifier, 5> kModifiers = {{
 
 bool isModifierKey(std::uint16_t keyCode) { return keyCode >= kVK_RightCommand && keyCode <= kVK_Function; }
 
-std::optional<std::uint16_t> virtualKeyCode(const QKeyEvent& event) {
+std::uint16_t virtualKeyCode(const QKeyEvent& event) {
   const quint32 code = event.nativeScanCode();
-  return code > kEvdevOffset ? virtualKeyCodeFromEvdev(code - kEvdevOffset) : std::nullopt;
+  const auto known = code > kEvdevOffset ? virtualKeyCodeFromEvdev(code - kEvdevOffset) : std::nullopt;
+  return known.value_or(NSEvent::kNoKeyCode);
 }
 
 NSEventType typeOf(const QKeyEvent& event, std::uint16_t keyCode) {
@@ -60,10 +61,9 @@ NSEventModifierFlags flagsOf(Qt::KeyboardModifiers modifiers) {
 
 std::shared_ptr<NSEvent> keyEvent(const QKeyEvent& event, NSWindow& window) {
   const auto keyCode = virtualKeyCode(event);
-  if (!keyCode) return nullptr;
-  return NSEvent::keyEvent({.type = typeOf(event, *keyCode),
+  return NSEvent::keyEvent({.type = typeOf(event, keyCode),
                             .modifierFlags = flagsOf(event.modifiers()),
-                            .keyCode = *keyCode,
+                            .keyCode = keyCode,
                             .isARepeat = event.isAutoRepeat()},
                            &window);
 }

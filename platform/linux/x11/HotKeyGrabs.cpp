@@ -46,11 +46,15 @@ HotKeyGrabs::~HotKeyGrabs() {
 }
 
 bool HotKeyGrabs::grab(std::uint32_t token, host::HotKeyCombination combination) {
-  const auto key = xKeyCode(combination.keyCode);
-  if (!key || !connection_.isOpen()) return false;
-  const Entry entry{token, combination.modifiers, *key, false};
-  if (!isShared(entry) && !take(entry)) return false;
+  const auto code = xKeyCode(combination.keyCode);
+  if (!code || !connection_.isOpen()) return false;
+  Entry entry{token, combination.modifiers, *code};
+  entry.isTaken = isShared(entry) || take(entry);
+  if (!entry.isTaken) return false;
+  const auto keys = keysDown();
+  if (keys && isDown(*keys, entry.code)) entry.state = Key::DownBefore;
   entries_.push_back(entry);
+  watchHeldKeys();
   return true;
 }
 
@@ -60,7 +64,7 @@ void HotKeyGrabs::release(std::uint32_t token) {
   if (found == entries_.end()) return;
   const Entry entry = *found;
   entries_.erase(found);
-  if (!isShared(entry)) giveBack(entry);
+  if (entry.isTaken && !isShared(entry)) giveBack(entry);
 }
 
 void HotKeyGrabs::setHandler(std::function<void(std::uint32_t, host::HotKeyPhase)> handler) {
@@ -69,7 +73,7 @@ void HotKeyGrabs::setHandler(std::function<void(std::uint32_t, host::HotKeyPhase
 
 bool HotKeyGrabs::isShared(const Entry& entry) const {
   return std::any_of(entries_.begin(), entries_.end(), [&](const Entry& other) {
-    return other.key == entry.key && other.modifiers == entry.modifiers;
+    return other.isTaken && other.code == entry.code && other.modifiers == entry.modifiers;
   });
 }
 
@@ -78,8 +82,8 @@ bool HotKeyGrabs::take(const Entry& entry) {
   if (!mask) return false;
   std::vector<xcb_void_cookie_t> cookies;
   for (const auto locks : modifiers_.lockVariants()) {
-    cookies.push_back(xcb_grab_key_checked(connection_.get(), 1, connection_.root(), *mask | locks, entry.key,
-                                           XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
+    cookies.push_back(xcb_grab_key_checked(connection_.get(), 1, connection_.root(), *mask | locks,
+                                           entry.code, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
   }
   bool isWhole = true;
   for (const auto cookie : cookies) isWhole = connection_.succeeds(cookie) && isWhole;
@@ -91,7 +95,7 @@ void HotKeyGrabs::giveBack(const Entry& entry) {
   const auto mask = modifiers_.mask(entry.modifiers);
   if (!mask) return;
   for (const auto locks : modifiers_.lockVariants()) {
-    xcb_ungrab_key(connection_.get(), entry.key, connection_.root(), *mask | locks);
+    xcb_ungrab_key(connection_.get(), entry.code, connection_.root(), *mask | locks);
   }
   connection_.flush();
 }
@@ -109,43 +113,65 @@ void HotKeyGrabs::eventCame(const xcb_generic_event_t& event) {
   }
 }
 
+bool HotKeyGrabs::isPressedBy(const Entry& entry, const xcb_key_press_event_t& event) const {
+  return entry.isTaken && event.detail == entry.code &&
+         modifiers_.mask(entry.modifiers) == (event.state & modifiers_.significant());
+}
+
+bool HotKeyGrabs::offer(const xcb_generic_event_t& event) {
+  const auto& key = reinterpret_cast<const xcb_key_press_event_t&>(event);
+  const auto kind = event.response_type & kEventKindBits;
+  const bool isOurs = std::any_of(entries_.begin(), entries_.end(), [&](const Entry& entry) {
+    return (kind == XCB_KEY_PRESS && isPressedBy(entry, key)) ||
+           (kind == XCB_KEY_RELEASE && entry.code == key.detail && entry.state == Key::Held);
+  });
+  if (isOurs) eventCame(event);
+  return isOurs;
+}
+
 void HotKeyGrabs::keyPressed(const xcb_key_press_event_t& event) {
   const auto snapshot = entries_;
-  for (const auto& [token, modifiers, key, wasHeld] : snapshot) {
-    const auto isPressed =
-        event.detail == key && modifiers_.mask(modifiers) == (event.state & modifiers_.significant());
-    if (!isPressed || wasHeld) continue;
-    for (auto& entry : entries_) entry.isHeld = entry.isHeld || entry.token == token;
+  for (const auto& pressed : snapshot) {
+    if (pressed.state != Key::Up || !isPressedBy(pressed, event)) continue;
+    for (auto& entry : entries_) {
+      if (entry.token == pressed.token) entry.state = Key::Held;
+    }
     watchHeldKeys();
-    tell(token, host::HotKeyPhase::Pressed);
+    tell(pressed.token, host::HotKeyPhase::Pressed);
   }
 }
 
-void HotKeyGrabs::keyReleased(xcb_keycode_t key) {
+void HotKeyGrabs::keyReleased(xcb_keycode_t code) {
   const auto snapshot = entries_;
   // Whatever the modifiers: they may have been let go of first.
-  for (auto& entry : entries_) entry.isHeld = entry.isHeld && entry.key != key;
+  for (auto& entry : entries_) {
+    if (entry.code == code) entry.state = Key::Up;
+  }
   watchHeldKeys();
   for (const auto& entry : snapshot) {
-    if (entry.key == key && entry.isHeld) tell(entry.token, host::HotKeyPhase::Released);
+    if (entry.code == code && entry.state == Key::Held) tell(entry.token, host::HotKeyPhase::Released);
   }
 }
 
 void HotKeyGrabs::watchHeldKeys() {
-  const bool isAnyHeld =
-      std::any_of(entries_.begin(), entries_.end(), [](const Entry& entry) { return entry.isHeld; });
+  const bool isAnyDown = std::any_of(entries_.begin(), entries_.end(),
+                                     [](const Entry& entry) { return entry.state != Key::Up; });
   heldWatch_ =
-      isAnyHeld ? connection_.reactor().after(kHeldKeyInterval, [this] { checkHeldKeys(); }) : nullptr;
+      isAnyDown ? connection_.reactor().after(kHeldKeyInterval, [this] { checkHeldKeys(); }) : nullptr;
+}
+
+Reply<xcb_query_keymap_reply_t> HotKeyGrabs::keysDown() {
+  return connection_.wait(xcb_query_keymap_reply, xcb_query_keymap(connection_.get()));
 }
 
 void HotKeyGrabs::checkHeldKeys() {
-  const auto keys = connection_.wait(xcb_query_keymap_reply, xcb_query_keymap(connection_.get()));
+  const auto keys = keysDown();
   // What happened before the answer comes first: a repeat that is heard after its release would be a new
   // press.
   connection_.deliver();
   const auto snapshot = entries_;
   for (const auto& entry : snapshot) {
-    if (entry.isHeld && (!keys || !isDown(*keys, entry.key))) keyReleased(entry.key);
+    if (entry.state != Key::Up && (!keys || !isDown(*keys, entry.code))) keyReleased(entry.code);
   }
   watchHeldKeys();
 }
@@ -156,7 +182,7 @@ void HotKeyGrabs::renew() {
   if (present == modifiers_) return;
   for (const auto& entry : entries_) giveBack(entry);
   modifiers_ = present;
-  for (const auto& entry : entries_) std::ignore = take(entry);
+  for (auto& entry : entries_) entry.isTaken = take(entry);
 }
 
 void HotKeyGrabs::tell(std::uint32_t token, host::HotKeyPhase phase) const {

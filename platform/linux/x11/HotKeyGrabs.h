@@ -24,18 +24,27 @@ class HotKeyGrabs final : public host::HotKeyHost {
   void release(std::uint32_t token) override;
   void setHandler(std::function<void(std::uint32_t, host::HotKeyPhase)> handler) override;
 
+  /// A key event that another connection of this program got because it holds the keyboard: dealt with as if
+  /// it had come here. Answers whether it was a hot key's.
+  bool offer(const xcb_generic_event_t& event);
+
  private:
+  /// `DownBefore`: the key was down already when it was taken, so nobody pressed the hot key yet.
+  enum class Key { Up, Held, DownBefore };
   struct Entry {
     std::uint32_t token;
     std::uint32_t modifiers;
-    xcb_keycode_t key;
-    bool isHeld;
+    xcb_keycode_t code;
+    Key state = Key::Up;
+    bool isTaken = false;
   };
   void eventCame(const xcb_generic_event_t& event);
+  [[nodiscard]] bool isPressedBy(const Entry& entry, const xcb_key_press_event_t& event) const;
   void keyPressed(const xcb_key_press_event_t& event);
   void keyReleased(xcb_keycode_t key);
   void checkHeldKeys();
   void watchHeldKeys();
+  [[nodiscard]] Reply<xcb_query_keymap_reply_t> keysDown();
   void renew();
   bool take(const Entry& entry);
   void giveBack(const Entry& entry);

@@ -65,7 +65,8 @@ std::optional<Keymap::Place> Keymap::find(xkb_keysym_t wanted) {
   if (!update()) return std::nullopt;
   for (const xkb_level_index_t level : {0U, 1U}) {
     for (std::uint16_t code = 1; code <= kHighestEvdevCode; ++code) {
-      if (symbol(chosen_, code, chosenLayout_, level) == wanted) return Place{code, level == 1};
+      if (symbol(chosen_, code, chosenLayout_, level) == wanted)
+        return Place{code, level == 1 && !isOnKeypad(code)};
     }
   }
   return std::nullopt;

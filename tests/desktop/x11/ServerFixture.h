@@ -4,6 +4,7 @@
 #include <xcb/xtest.h>
 
 #include <cstdlib>
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -121,6 +122,23 @@ class ServerTest : public ::testing::Test {
     user.tap(keyCode);
     user.up(kVK_Option);
     user.up(kVK_Control);
+  }
+  /// Control, Option and a key, held until it repeated itself; `meanwhile` is run when all are down.
+  void hold(
+      std::uint32_t keyCode, const std::function<void()>& meanwhile = [] {}) {
+    ASSERT_EQ(std::system("xset r rate 20 100"), 0);
+    int presses = 0;
+    const auto count = connection.subscribe(X11Connection::Delivery::FromMainLoop, [&](const auto& event) {
+      if (event.response_type == XCB_KEY_PRESS) ++presses;
+    });
+    for (const std::uint32_t each : {std::uint32_t{kVK_Control}, std::uint32_t{kVK_Option}, keyCode})
+      user.down(each);
+    meanwhile();
+    EXPECT_TRUE(reactor.runUntil([&] { return presses > 3; }));
+    // The modifiers go first.
+    for (const std::uint32_t each : {std::uint32_t{kVK_Option}, std::uint32_t{kVK_Control}, keyCode})
+      user.up(each);
+    EXPECT_EQ(std::system("xset r rate"), 0);
   }
   void lock(std::uint8_t modifiers, std::uint8_t group) {
     xcb_xkb_latch_lock_state(user.get(), XCB_XKB_ID_USE_CORE_KBD, 0xFF, modifiers, 1, group, 0, 0, 0);

@@ -91,6 +91,16 @@ TEST_F(RegistryTest, sharesAHotKeyBetweenNames) {
   disable(kSecond);
   EXPECT_TRUE(desktop.grabs.empty());
   EXPECT_EQ(getShortcut(kSecond), kSpace);
+
+  setShortcut(kSpace, kFirst);
+  setShortcut(kF5, kFirst);
+  EXPECT_EQ(desktop.grabs.size(), 1U);
+  take();
+  pressSpace();
+  EXPECT_EQ(take(), Strings{});
+  enable(kSecond);
+  pressSpace();
+  EXPECT_EQ(take(), Strings{"second"});
 }
 
 TEST_F(RegistryTest, removesAndResets) {
@@ -156,11 +166,33 @@ TEST_F(RegistryTest, survivesActionsThatChangeShortcuts) {
 
 TEST_F(RegistryTest, reportsWhatAnActionThrows) {
   setShortcut(kSpace, kFirst);
+  setShortcut(kSpace, kSecond);
+  take();
   onKeyDown(kFirst, [] { throw std::runtime_error("broken action"); });
-  onKeyUp(kFirst, [] { throw 1; });
+  onKeyDown(kSecond, [] { throw 1; });
+  onKeyDown(kFirst, say("after"));
+  onKeyDown(kSecond, say("after"));
   ::testing::internal::CaptureStderr();
   pressSpace();
   EXPECT_NE(::testing::internal::GetCapturedStderr().find("broken action"), std::string::npos);
+  EXPECT_EQ(take(), (Strings{"after", "after"}));
+}
+
+TEST_F(RegistryTest, leavesNumbersThatNoKeyHas) {
+  for (const auto* stored : {R"({"carbonKeyCode":9223372036854775807,"carbonModifiers":0})",
+                             R"({"carbonKeyCode":-9223372036854775808,"carbonModifiers":256})",
+                             R"({"carbonKeyCode":49,"carbonModifiers":9223372036854775807})",
+                             R"({"carbonKeyCode":49,"carbonModifiers":-1})"}) {
+    UserDefaults::standard().setString(stored, storageKey(kFirst));
+    onKeyUp(kFirst, say("up"));
+    disable(kFirst);
+    enable(kFirst);
+    EXPECT_TRUE(desktop.grabs.empty()) << stored;
+    const Name again("first", kF5);
+    EXPECT_EQ(UserDefaults::standard().stringForKey(storageKey(kFirst)), stored);
+    setShortcut(std::nullopt, kFirst);
+    EXPECT_EQ(getShortcut(kFirst), std::nullopt);
+  }
 }
 
 TEST_F(RegistryTest, numbersHotKeysAndRefusesWhatIsNotIts) {

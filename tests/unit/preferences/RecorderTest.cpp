@@ -107,6 +107,8 @@ TEST_F(RecorderTest, DecidesAboutEachKey) {
       {"Backspace", 0, "", kBackspace, true, true, 0},
       {"Delete", Flags::kFunction, "", kDeleteForward, true, true, 0},
       {"Delete with a modifier", Flags::kOption, "⌥⌦", kDeleteForward, true, false, 0},
+      {"a key without a place", 0, "⌘A", NSEvent::kNoKeyCode, true, true, 1},
+      {"the same with a modifier", Flags::kControl, "⌘A", NSEvent::kNoKeyCode, true, true, 1},
   };
   for (const auto& c : cases) {
     setShortcut(commandA, name);
@@ -131,7 +133,7 @@ TEST_F(RecorderTest, TellsOfEachRecordingAndEachClear) {
   recorder->userChangedText("");
   expectRecording(true, "the clear button was clicked while idle");
   EXPECT_EQ(changes, (std::vector<std::optional<Shortcut>>{commandA, std::nullopt}));
-  EXPECT_FALSE(UserDefaults::standard().boolForKey("KeyboardShortcuts_unitTest"));
+  EXPECT_EQ(UserDefaults::standard().objectForKey("KeyboardShortcuts_unitTest"), UserDefaults::Value(false));
   EXPECT_TRUE(desktop.hotKeyHost.grabs.empty());
 }
 
@@ -187,6 +189,32 @@ TEST_F(RecorderTest, RefusesWhatTheMenuOrTheSystemUses) {
   EXPECT_NE(titles[1].find("desktop"), std::string::npos) << titles[1];
   EXPECT_EQ(getShortcut(name), std::nullopt);
   EXPECT_TRUE(changes.empty());
+}
+
+TEST_F(RecorderTest, WaitsForItsOwnAlert) {
+  const auto second = std::make_shared<RecorderCocoa>(name);
+  const auto other = NSWindow::create({600, 0, 480, 360}, 3, NSBackingStoreType::Buffered, false);
+  other->setContentView(std::make_shared<NSView>());
+  other->contentView()->addSubview(second);
+  other->makeKeyAndOrderFront(nullptr);
+  takeBySystem(commandA);
+  auto& alerts = desktop.windowSystem.alerts;
+  desktop.loop.onceModal([&] {
+    other->makeFirstResponder(second.get());
+    other->handleEvent(NSEvent::keyEvent({.modifierFlags = {Flags::kCommand}, .keyCode = kA}, other.get()));
+    EXPECT_TRUE(second->isRecording());
+    EXPECT_FALSE(recorder->isRecording()) << "its loop is around this one";
+  });
+  desktop.loop.onceModal([&] { alerts[0]->respond(NSModalResponse::FirstButton); });
+  desktop.loop.onceModal([&] {
+    EXPECT_FALSE(second->isRecording()) << "its alert is still up";
+    EXPECT_EQ(other->attachedSheet(), alerts[1]);
+    alerts[1]->respond(NSModalResponse::FirstButton);
+  });
+  record();
+  press(kA, Flags::kCommand);
+  EXPECT_TRUE(recorder->isRecording());
+  EXPECT_FALSE(NSApplication::shared().isModal());
 }
 
 TEST_F(RecorderTest, LeavesNothingSwitchedOnHoweverItEnds) {
