@@ -2,6 +2,8 @@
 
 #include <xcb/xcb.h>
 
+#include <QPixmapCache>
+#include <QThreadPool>
 #include <cstdlib>
 #include <string>
 
@@ -19,6 +21,13 @@ Result<void> findDisplay() {
   return Error{std::string("Vistrel needs an X11 display, and cannot reach \"") + display + "\""};
 }
 
+// What Qt keeps for half a minute, pixmaps and threads that painted, is thrown away by timers. Hidden,
+// nothing may wake up.
+void keepNothingForLater() {
+  QPixmapCache::setCacheLimit(0);
+  QThreadPool::globalInstance()->setExpiryTimeout(0);
+}
+
 }  // namespace
 
 Result<std::unique_ptr<QApplication>> makeApplication(int& argumentCount, char** arguments) {
@@ -30,7 +39,9 @@ Result<std::unique_ptr<QApplication>> makeApplication(int& argumentCount, char**
   QApplication::setQuitOnLastWindowClosed(false);
   // The one style of Qt's own that draws every control from the palette, light or dark.
   QApplication::setStyle("Fusion");
-  return std::make_unique<QApplication>(argumentCount, arguments);
+  auto application = std::make_unique<QApplication>(argumentCount, arguments);
+  keepNothingForLater();
+  return application;
 }
 
 }  // namespace vistrel::qt
