@@ -113,6 +113,7 @@ bool Glass::drawBesideQt(const Place& where) {
   }
   const PixelRect target = shifted(where.picture, where.glass);
   std::uint8_t* pixels = shared_ ? shared_->pixels(target.size) : nullptr;
+  if (!pixels) shared_.reset();  // it will not be otherwise with the next frame
   if (!pixels || !paintInto(pixels, target.size.width * kBytesPerPixel, target.size)) return false;
   shared_->draw(target.x, target.y);
   return true;
