@@ -1,8 +1,9 @@
 #include "x11/HostMenuWatch.h"
 
-#include <algorithm>
 #include <cstring>
+#include <span>
 #include <utility>
+#include <vector>
 
 namespace vistrel::x11 {
 
@@ -57,16 +58,27 @@ bool HostMenuWatch::isMenuOnScreen() {
   const auto cookie = xcb_query_tree(connection_.get(), connection_.root());
   const auto tree = connection_.wait(xcb_query_tree_reply, cookie);
   if (!tree) return false;
-  const auto* first = xcb_query_tree_children(tree.get());
-  return std::any_of(first, first + tree->children_len, [this](auto window) { return isMenu(window); });
+  // A tray host waits meanwhile: all is asked before the first answer is waited for.
+  std::vector<Question> questions;
+  for (const auto window : std::span(xcb_query_tree_children(tree.get()), tree->children_len))
+    questions.push_back(ask(window));
+  bool isThere = false;
+  for (const Question& question : questions) isThere = isMenu(question) || isThere;
+  connection_.readEvents();
+  return isThere;
 }
 
-bool HostMenuWatch::isMenu(xcb_window_t window) {
+HostMenuWatch::Question HostMenuWatch::ask(xcb_window_t window) {
   auto* x = connection_.get();
-  const auto attributesCookie = xcb_get_window_attributes(x, window);
-  const auto typeCookie = xcb_get_property(x, 0, window, windowType_, XCB_ATOM_ATOM, 0, 1);
-  const auto attributes = connection_.wait(xcb_get_window_attributes_reply, attributesCookie);
-  const auto type = connection_.wait(xcb_get_property_reply, typeCookie);
+  return {xcb_get_window_attributes(x, window),
+          xcb_get_property(x, 0, window, windowType_, XCB_ATOM_ATOM, 0, 1)};
+}
+
+bool HostMenuWatch::isMenu(const Question& question) {
+  auto* x = connection_.get();
+  const Reply<xcb_get_window_attributes_reply_t> attributes(
+      xcb_get_window_attributes_reply(x, question.attributes, nullptr));
+  const Reply<xcb_get_property_reply_t> type(xcb_get_property_reply(x, question.type, nullptr));
   if (!attributes || !type || attributes->map_state != XCB_MAP_STATE_VIEWABLE) return false;
   if (attributes->override_redirect == 0 || type->value_len == 0) return false;
   return *static_cast<const xcb_atom_t*>(xcb_get_property_value(type.get())) == popupMenu_;

@@ -30,7 +30,13 @@ class HostMenuWatch {
   void listen(Listening listening);
   void eventCame(const xcb_generic_event_t& event);
   void look();
-  [[nodiscard]] bool isMenu(xcb_window_t window);
+  /// What was asked about a window and not answered yet.
+  struct Question {
+    xcb_get_window_attributes_cookie_t attributes;
+    xcb_get_property_cookie_t type;
+  };
+  [[nodiscard]] Question ask(xcb_window_t window);
+  [[nodiscard]] bool isMenu(const Question& question);
   [[nodiscard]] xcb_atom_t atom(const char* name);
 
   X11Connection& connection_;
