@@ -30,24 +30,10 @@ json::Value toJson(const Value& value) {
 /// The members of a preferences file; none when it cannot be read as one. An empty file is an empty store.
 std::optional<json::Object> parseFile(const std::optional<std::string>& bytes) {
   if (!bytes || bytes->empty()) return json::Object{};
+  if (bytes->size() >= host::UserFiles::kTooLarge) return std::nullopt;
   const auto value = json::parse(*bytes);
   if (!value || !value->object()) return std::nullopt;
   return *value->object();
-}
-
-void setAside() {
-  const auto path = host::current().userFiles().setPreferencesAside();
-  Log::warning(path ? "vistrel: the preferences file could not be read and was set aside as " + path.value()
-                    : "vistrel: the preferences file cannot be read: " + path.error().message);
-}
-
-std::optional<json::Object> readFile() {
-  const auto bytes = host::current().userFiles().readPreferences();
-  if (!bytes) {
-    Log::warning("vistrel: the preferences cannot be read: " + bytes.error().message);
-    return json::Object{};
-  }
-  return parseFile(bytes.value());
 }
 
 std::string withMember(json::Object members, const std::string& key, const Value& value) {
@@ -77,13 +63,26 @@ void UserDefaults::registerDefaults(const std::map<std::string, Value>& values) 
 void UserDefaults::reset() {
   stored_.reset();
   registered_.clear();
+  lastWarning_.clear();
+}
+
+// What is wrong with a file stays wrong: one line is enough for it.
+void UserDefaults::warnOnce(const std::string& text) const {
+  if (std::exchange(lastWarning_, text) != text) Log::warning("vistrel: the preferences " + text);
+}
+
+void UserDefaults::setAside(const std::string& unreadable) const {
+  const auto path = host::current().userFiles().setPreferencesAside(unreadable);
+  if (!path) return warnOnce("cannot be read or written: " + path.error().message);
+  if (path.value()) warnOnce("file could not be read and was set aside as " + *path.value());
 }
 
 void UserDefaults::load() const {
   stored_.emplace();
-  auto members = readFile();
-  if (!members) setAside();
-  if (!members) return;
+  const auto bytes = host::current().userFiles().readPreferences();
+  if (!bytes) return warnOnce("cannot be read or written: " + bytes.error().message);
+  const auto members = parseFile(bytes.value());
+  if (!members) return setAside(*bytes.value());
   for (const auto& [key, member] : *members) {
     if (const auto value = fromJson(member)) stored_->insert_or_assign(key, *value);
   }
@@ -130,19 +129,19 @@ std::optional<Value> UserDefaults::objectForKey(const std::string& key) const { 
 
 void UserDefaults::setObject(Value value, const std::string& key) {
   if (!stored_) load();
-  bool isUnreadable = false;
+  std::optional<std::string> unreadable;
   const auto edit = [&](const std::optional<std::string>& present) -> std::optional<std::string> {
     const auto members = parseFile(present);
-    isUnreadable = !members;
-    return isUnreadable ? std::nullopt : std::optional(withMember(*members, key, value));
+    unreadable = members ? std::nullopt : present;
+    return members ? std::optional(withMember(*members, key, value)) : std::nullopt;
   };
   auto& files = host::current().userFiles();
   auto written = files.editPreferences(edit);
-  if (written && isUnreadable) {
-    setAside();
+  if (written && unreadable) {
+    setAside(*unreadable);
     written = files.editPreferences(edit);
   }
-  if (!written) Log::warning("vistrel: the preferences cannot be written: " + written.error().message);
+  if (!written) warnOnce("cannot be read or written: " + written.error().message);
   stored_->insert_or_assign(key, std::move(value));
 }
 

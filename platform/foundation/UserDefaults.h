@@ -40,9 +40,12 @@ class UserDefaults {
   UserDefaults() = default;
   [[nodiscard]] std::optional<Value> find(const std::string& key) const;
   void load() const;
+  void setAside(const std::string& unreadable) const;
+  void warnOnce(const std::string& text) const;
 
   using Map = std::map<std::string, Value>;
   mutable std::optional<Map> stored_;
+  mutable std::string lastWarning_;
   Map registered_;
 };
 

@@ -14,7 +14,10 @@ class UserFiles {
  public:
   virtual ~UserFiles() = default;
 
-  /// The whole file; nothing when there is none.
+  /// No preferences are that large: a file that reaches this many bytes is cut off there, and unreadable.
+  static constexpr std::size_t kTooLarge = std::size_t{1} << 20U;
+
+  /// The whole file; nothing when there is none. What is no file at all is an error.
   virtual Result<std::optional<std::string>> readPreferences() = 0;
 
   /// Under a lock that excludes other processes: hands the present content to `edit` and puts what it answers
@@ -22,8 +25,9 @@ class UserFiles {
   using Edit = std::function<std::optional<std::string>(const std::optional<std::string>& present)>;
   virtual Result<void> editPreferences(const Edit& edit) = 0;
 
-  /// Moves an unreadable file out of the way without deleting it and answers its new path.
-  virtual Result<std::string> setPreferencesAside() = 0;
+  /// Moves the file out of the way without deleting it, under the same lock, and answers its new path;
+  /// nothing when its content is no longer the `unreadable` one, because another process was faster.
+  virtual Result<std::optional<std::string>> setPreferencesAside(const std::string& unreadable) = 0;
 };
 
 }  // namespace vistrel::host

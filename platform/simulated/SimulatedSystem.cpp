@@ -8,16 +8,23 @@
 
 namespace vistrel::simulated {
 
+Result<std::optional<std::string>> SimulatedUserFiles::readPreferences() {
+  if (!readError.empty()) return Error{readError};
+  return preferences;
+}
+
 Result<void> SimulatedUserFiles::editPreferences(const Edit& edit) {
+  if (!readError.empty()) return Error{readError};
   if (!writeError.empty()) return Error{writeError};
   if (auto wanted = edit(preferences)) preferences = std::move(wanted);
   return {};
 }
 
-Result<std::string> SimulatedUserFiles::setPreferencesAside() {
-  setAside.push_back(preferences.value_or(""));
+Result<std::optional<std::string>> SimulatedUserFiles::setPreferencesAside(const std::string& unreadable) {
+  if (preferences != unreadable) return std::optional<std::string>();
+  setAside.push_back(unreadable);
   preferences.reset();
-  return "preferences.json.unreadable-" + std::to_string(setAside.size());
+  return std::optional("preferences.json.unreadable-" + std::to_string(setAside.size()));
 }
 
 std::optional<std::string> SimulatedResources::read(const std::string& path) const {

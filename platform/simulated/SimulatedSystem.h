@@ -12,12 +12,13 @@ namespace vistrel::simulated {
 /// The preferences file in memory, with a disk that can be told to fail.
 class SimulatedUserFiles final : public host::UserFiles {
  public:
-  Result<std::optional<std::string>> readPreferences() override { return preferences; }
+  Result<std::optional<std::string>> readPreferences() override;
   Result<void> editPreferences(const Edit& edit) override;
-  Result<std::string> setPreferencesAside() override;
+  Result<std::optional<std::string>> setPreferencesAside(const std::string& unreadable) override;
 
   std::optional<std::string> preferences;
   std::vector<std::string> setAside;
+  std::string readError;
   std::string writeError;
 };
 

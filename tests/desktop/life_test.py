@@ -1,6 +1,7 @@
 """Starting, ending, the preferences file, and a tray that is late, restarted or absent."""
 
 import os
+import pathlib
 import signal
 import unittest
 
@@ -71,17 +72,48 @@ class LifeTest(DesktopTest):
                 self.wait_closed(camera)
                 self.assertEqual(vistrel.process.errors, [])
 
-    @unittest.skipUnless(os.geteuid() == 0, "only root can make a file system read-only")
-    def test_a_folder_that_cannot_be_written_is_no_obstacle(self):
+    def choose_twice(self, vistrel):
+        """Writes a preference two times."""
+        for _ in range(2):
+            vistrel.click(button=3)
+            since = len(vistrel.lines)
+            vistrel.choose(0)
+            vistrel.wait_line("⚠️ Saving default camera: Only", since)
+            vistrel.wait_no_menu()
+
+    @unittest.skipUnless(os.geteuid() == 0, "only root can mount a file system")
+    def test_a_disk_that_takes_nothing_is_no_obstacle_and_loses_nothing(self):
         self.desktop.camera(name="Only")
         folder = self.desktop.folder / "config"
-        script = f"mount -t tmpfs -o ro none {folder} && exec \"$@\""  # seen by this program alone
-        vistrel = self.start(prefix=["unshare", "--mount", "sh", "-c", script, "sh"])
-        vistrel.click(button=3)
-        vistrel.choose(0)
-        vistrel.wait_line("⚠️ Saving default camera: Only")
-        self.open(vistrel)
-        self.assertEqual(len(vistrel.process.errors), 1, vistrel.process.errors)
+        kept = '{"selectedPopoverSize": 1}'
+        file = folder / IDENTIFIER / "preferences.json"
+        fill = f"mkdir {file.parent} && echo '{kept}' >{file} && ! cat /dev/zero >{folder}/full 2>/dev/null"
+        for options, more in (("ro", "true"), ("size=64k", fill)):  # seen by this program alone
+            script = f"mount -t tmpfs -o {options} none {folder} && {more} && exec \"$@\""
+            with self.subTest(options=options), \
+                    self.start(prefix=["unshare", "--mount", "sh", "-c", script, "sh"]) as vistrel:
+                self.choose_twice(vistrel)
+                width = self.open(vistrel)["place"][2]
+                self.assertEqual(len(vistrel.process.errors), 1, vistrel.process.errors)
+                if options != "ro":
+                    self.assertAlmostEqual(width, 852, delta=2)
+                    seen = pathlib.Path(f"/proc/{vistrel.pid}/root{file}")
+                    self.assertEqual([path.name for path in seen.parent.iterdir()], [file.name])
+                    self.assertEqual(seen.read_text().strip(), kept)
+
+    def test_what_is_no_file_in_the_place_of_the_preferences_is_left_alone(self):
+        self.desktop.camera(name="Only")
+        file = self.desktop.folder / "config" / IDENTIFIER / "preferences.json"
+        file.parent.mkdir(exist_ok=True)
+        for make, undo in ((os.mkfifo, os.unlink), (os.mkdir, os.rmdir)):
+            file.unlink(missing_ok=True)
+            make(file)
+            with self.subTest(make=make), Program(self.desktop) as vistrel:
+                self.choose_twice(vistrel)
+                self.open(vistrel)
+                self.assertEqual([path.name for path in file.parent.iterdir()], [file.name])
+                self.assertEqual(len(vistrel.process.errors), 1, vistrel.process.errors)
+            undo(file)
 
 
 class DarkModeTest(DesktopTest):
@@ -92,6 +124,8 @@ class DarkModeTest(DesktopTest):
         vistrel = self.start()
         self.open(vistrel)
         dark = self.frame_colour(vistrel)
+        self.assertLess(max(dark), 128)
+        self.assertNotIn("Switched modes", vistrel.lines)
         portal.set_scheme(2)
         vistrel.wait_line("Switched modes")
         wait_until(lambda: sum(self.frame_colour(vistrel)) > sum(dark) + 150, "a light frame")

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -76,19 +77,24 @@ Result<void> makeFolders(const std::string& path) {
   }
 }
 
-Result<std::optional<std::string>> readFile(const std::string& path) {
-  const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+Result<std::optional<std::string>> readFile(const std::string& path, std::size_t most) {
+  // Without the flags the opening of a pipe waits for a writer, and a terminal would become ours.
+  const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
   if (!file && errno == ENOENT) return std::optional<std::string>();
   if (!file) return systemError(path);
+  struct stat status {};
+  if (::fstat(file.get(), &status) != 0) return systemError(path);
+  if (!S_ISREG(status.st_mode)) return Error{path + ": not a regular file"};
   std::string content;
   char buffer[4096];
-  for (;;) {
-    const ssize_t n = ::read(file.get(), buffer, sizeof buffer);
+  while (content.size() < most) {
+    const ssize_t n = ::read(file.get(), buffer, std::min(sizeof buffer, most - content.size()));
     if (n < 0 && errno == EINTR) continue;
     if (n < 0) return systemError(path);
-    if (n == 0) return std::optional(content);
+    if (n == 0) break;
     content.append(buffer, static_cast<std::size_t>(n));
   }
+  return std::optional(content);
 }
 
 Result<void> replaceFile(const std::string& path, const std::string& content) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -16,8 +17,9 @@ namespace vistrel::files {
 /// Creates a folder with its parents, for this user alone.
 Result<void> makeFolders(const std::string& path);
 
-/// The whole file; nothing when there is none.
-Result<std::optional<std::string>> readFile(const std::string& path);
+/// The file, or its first `most` bytes; nothing when there is none. What is no regular file (a folder, a
+/// pipe, a device) is an error, and never waited for.
+Result<std::optional<std::string>> readFile(const std::string& path, std::size_t most = SIZE_MAX);
 
 /// Puts a file of that content in the place of the old one, whole or not at all; a symbolic link stays a
 /// link.

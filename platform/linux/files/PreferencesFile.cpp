@@ -38,25 +38,30 @@ PreferencesFile::PreferencesFile() : PreferencesFile(configurationFolder() + "/"
 
 PreferencesFile::PreferencesFile(std::string folder) : folder_(std::move(folder)) {}
 
-Result<std::optional<std::string>> PreferencesFile::readPreferences() { return readFile(path()); }
+Result<std::optional<std::string>> PreferencesFile::readPreferences() { return readFile(path(), kTooLarge); }
 
 Result<void> PreferencesFile::editPreferences(const Edit& edit) {
   if (auto made = makeFolders(folder_); !made) return made;
   const auto lock = lockFolder(folder_);
   if (!lock) return lock.error();
-  const auto present = readFile(path());
+  const auto present = readPreferences();
   if (!present) return present.error();
   const auto wanted = edit(present.value());
   if (!wanted || wanted == present.value()) return {};
   return replaceFile(path(), *wanted);
 }
 
-Result<std::string> PreferencesFile::setPreferencesAside() {
+Result<std::optional<std::string>> PreferencesFile::setPreferencesAside(const std::string& unreadable) {
+  const auto lock = lockFolder(folder_);
+  if (!lock) return lock.error();
+  const auto present = readPreferences();
+  if (!present) return present.error();
+  if (present.value() != unreadable) return std::optional<std::string>();
   for (int i = 1; i <= kMostSetAside; ++i) {
     const std::string aside = path() + ".unreadable-" + std::to_string(i);
     if (exists(aside)) continue;
     if (::rename(path().c_str(), aside.c_str()) != 0) return systemError(path());
-    return aside;
+    return std::optional(aside);
   }
   return Error{folder_ + ": too many unreadable files were set aside"};
 }

@@ -16,7 +16,7 @@ class PreferencesFile final : public host::UserFiles {
 
   Result<std::optional<std::string>> readPreferences() override;
   Result<void> editPreferences(const Edit& edit) override;
-  Result<std::string> setPreferencesAside() override;
+  Result<std::optional<std::string>> setPreferencesAside(const std::string& unreadable) override;
 
  private:
   [[nodiscard]] std::string path() const { return folder_ + "/preferences.json"; }

@@ -80,7 +80,9 @@ class FakeDesktop final : public host::Host,
     if (auto content = edit(file_)) file_ = std::move(content);
     return {};
   }
-  Result<std::string> setPreferencesAside() override { return std::string("aside"); }
+  Result<std::optional<std::string>> setPreferencesAside(const std::string&) override {
+    return std::optional<std::string>();
+  }
 
   int run() override { return 0; }
   void quit() override {}
