@@ -40,6 +40,8 @@ enum class NSEventType : int {
   KeyDown = 10,
   KeyUp = 11,
   FlagsChanged = 12,
+  OtherMouseDown = 25,
+  OtherMouseUp = 26,
 };
 
 /// Kinds of events as a set: bit n stands for type n.

@@ -96,7 +96,8 @@ void NSPopover::endHighlight() {
 void NSPopover::watchPresses() {
   if (behavior_ != NSPopoverBehavior::Transient) return;
   host::current().windows().setOutsidePressClient(this);
-  const NSEventMask presses = maskOf(NSEventType::LeftMouseDown) | maskOf(NSEventType::RightMouseDown);
+  const NSEventMask presses = maskOf(NSEventType::LeftMouseDown) | maskOf(NSEventType::RightMouseDown) |
+                              maskOf(NSEventType::OtherMouseDown);
   ownPresses_ = NSEvent::addLocalMonitor(presses, [this](const std::shared_ptr<NSEvent>& event) {
     const bool isElsewhere = event->window() && event->window() != window_.get();
     if (isElsewhere && !NSApplication::shared().isModal()) performClose(nullptr);

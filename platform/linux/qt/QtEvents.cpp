@@ -38,7 +38,7 @@ NSEventType typeOf(const QKeyEvent& event, std::uint16_t keyCode) {
   return event.type() == QEvent::KeyRelease ? NSEventType::KeyUp : NSEventType::KeyDown;
 }
 
-std::optional<NSEventType> typeOf(const QMouseEvent& event) {
+NSEventType typeOf(const QMouseEvent& event) {
   const bool isRelease = event.type() == QEvent::MouseButtonRelease;
   if (event.button() == Qt::LeftButton) {
     return isRelease ? NSEventType::LeftMouseUp : NSEventType::LeftMouseDown;
@@ -46,7 +46,7 @@ std::optional<NSEventType> typeOf(const QMouseEvent& event) {
   if (event.button() == Qt::RightButton) {
     return isRelease ? NSEventType::RightMouseUp : NSEventType::RightMouseDown;
   }
-  return std::nullopt;
+  return isRelease ? NSEventType::OtherMouseUp : NSEventType::OtherMouseDown;
 }
 
 }  // namespace
@@ -69,10 +69,8 @@ std::shared_ptr<NSEvent> keyEvent(const QKeyEvent& event, NSWindow& window) {
 }
 
 std::shared_ptr<NSEvent> buttonEvent(const QMouseEvent& event, QPoint origin, NSWindow& window) {
-  const auto type = typeOf(event);
-  if (!type) return nullptr;
   const QPointF location = event.position() - origin;
-  return NSEvent::mouseEvent({.type = *type,
+  return NSEvent::mouseEvent({.type = typeOf(event),
                               .location = {location.x(), location.y()},
                               .modifierFlags = flagsOf(event.modifiers()),
                               .timestamp = double(event.timestamp()) / kMillisecondsPerSecond,
