@@ -4,10 +4,7 @@
 #include <functional>
 #include <memory>
 
-namespace vistrel {
-class NSMenu;
-class NSMenuItem;
-}  // namespace vistrel
+#include "qt/MenuRows.h"
 
 namespace vistrel::qt {
 
@@ -18,19 +15,17 @@ class PopUpMenu {
   struct Handlers {
     std::function<void()> didClose;
     /// After `didClose`.
-    std::function<void(std::shared_ptr<NSMenuItem>)> chosen;
+    MenuItemChosen chosen;
   };
   PopUpMenu(const NSMenu& menu, Handlers handlers);
   PopUpMenu(const PopUpMenu&) = delete;
   PopUpMenu& operator=(const PopUpMenu&) = delete;
   ~PopUpMenu();
 
-  /// Opens beside `anchor`, on the side that has the room; without one at the pointer.
+  /// Opens beside `anchor`; without one at the pointer.
   void show(const QRect& anchor);
 
  private:
-  void addRow(const std::shared_ptr<NSMenuItem>& item);
-
   Handlers handlers_;
   QMenu* native_;
 };

@@ -1,32 +1,23 @@
 #pragma once
 
 #include <QMenu>
-#include <functional>
 #include <memory>
 
-#include "appkit/NSMenu.h"
+#include "qt/MenuRows.h"
 
 namespace vistrel::qt {
 
 /// A menu on screen: a snapshot of its items. Deletes itself after it has closed.
 class QtPopUpMenu final : public QMenu {
  public:
-  using Chosen = std::function<void(const std::shared_ptr<NSMenuItem>&)>;
   /// `opener`: whose child the menu is. `first`: index of the first item that is listed. `chosen` is called
   /// from the main loop, after the close.
-  QtPopUpMenu(QWidget& opener, std::shared_ptr<NSMenu> menu, std::size_t first, Chosen chosen);
+  QtPopUpMenu(QWidget& opener, const std::shared_ptr<NSMenu>& menu, std::size_t first, MenuItemChosen chosen);
 
   /// Pops up beside `anchor`, on the desktop, with the first item marked for the keyboard or none for a
   /// pointer.
   enum class OpenedBy { Keyboard, Pointer };
   void popUpBeside(const QRect& anchor, OpenedBy opener);
-
- private:
-  void addItem(const std::shared_ptr<NSMenuItem>& item);
-  [[nodiscard]] QPoint placeBeside(const QRect& anchor) const;
-
-  std::shared_ptr<NSMenu> menu_;
-  Chosen chosen_;
 };
 
 }  // namespace vistrel::qt

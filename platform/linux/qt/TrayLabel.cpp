@@ -1,6 +1,8 @@
 #include "qt/TrayLabel.h"
 
+#include <QList>
 #include <QTextBoundaryFinder>
+#include <algorithm>
 #include <vector>
 
 namespace vistrel::qt {
@@ -12,6 +14,12 @@ constexpr int kLongestRow = 60;
 
 bool breaksTheLine(QChar c) {
   return c.category() == QChar::Other_Control || c == QChar::LineSeparator || c == QChar::ParagraphSeparator;
+}
+
+bool hasInk(const QString& text) {
+  const auto characters = text.toUcs4();
+  return std::any_of(characters.begin(), characters.end(),
+                     [](char32_t c) { return QChar::isPrint(c) && !QChar::isSpace(c); });
 }
 
 std::vector<qsizetype> characterStarts(const QString& text) {
@@ -37,7 +45,7 @@ QString menuRowText(const std::string& title) {
   for (QChar& c : text) {
     if (breaksTheLine(c)) c = u' ';
   }
-  return text.trimmed().isEmpty() ? QString(QChar::Nbsp) : elidedInTheMiddle(text);
+  return hasInk(text) ? elidedInTheMiddle(text) : QStringLiteral("(no name)");
 }
 
 QString labelForQtMenu(const QString& text) { return QString(text).replace(u'&', QStringLiteral("&&")); }

@@ -6,8 +6,8 @@
 namespace vistrel::qt {
 
 /// The title of a menu item as a row shows it: as text, on one line, elided in the middle when it is too
-/// long. An empty title becomes a no-break space, because hosts put words of their own in the place of
-/// nothing.
+/// long. A title without anything to see says "(no name)": hosts put words of their own in the place of
+/// nothing, and a row has to be seen, and read aloud, to be chosen.
 [[nodiscard]] QString menuRowText(const std::string& title);
 
 /// That text as a label for Qt's own menus, where "&" would mark a letter.

@@ -63,18 +63,9 @@ void RawPresses::eventCame(const xcb_generic_event_t& event) {
 }
 
 RawPress RawPresses::locate(int button, xcb_timestamp_t time) {
-  RawPress press{button, time, 0, 0, {}};
-  auto window = connection_.root();
-  while (window != XCB_NONE) {
-    const auto cookie = xcb_query_pointer(connection_.get(), window);
-    const auto reply = connection_.wait(xcb_query_pointer_reply, cookie);
-    if (!reply) break;
-    press.x = reply->root_x;
-    press.y = reply->root_y;
-    window = reply->child;
-    if (window != XCB_NONE) press.windows.push_back(window);
-  }
-  return press;
+  const auto cookie = xcb_query_pointer(connection_.get(), connection_.root());
+  const auto pointer = connection_.wait(xcb_query_pointer_reply, cookie);
+  return pointer ? RawPress{button, time, pointer->root_x, pointer->root_y} : RawPress{button, time};
 }
 
 }  // namespace vistrel::x11

@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <vector>
 
 #include "x11/X11Connection.h"
 
@@ -17,7 +16,6 @@ struct RawPress {
   xcb_timestamp_t time = XCB_CURRENT_TIME;  ///< the same as that of the event of the window that gets it
   int x = 0;  ///< pixels on the root window; where the pointer was when it was asked for
   int y = 0;
-  std::vector<xcb_window_t> windows;  ///< under the pointer, from the top-level one inwards
 };
 
 /// Watches every press on the desktop (XInput 2), only while somebody listens. Main thread only.

@@ -77,8 +77,8 @@ TEST(TrayMenu, TitlesAreTextOnOneLine) {
       {"Cam_1 & 2", "Cam_1 & 2", "Cam_1 && 2", "Cam__1 && 2"},
       {"R&", "R&", "R&&", "R&"},
       {"two\nlines\t<b>bold</b>", "two lines <b>bold</b>", "two lines <b>bold</b>", "two lines <b>bold</b>"},
-      {"", "\u00a0", "\u00a0", "\u00a0"},
-      {"\n", "\u00a0", "\u00a0", "\u00a0"},
+      {"", "(no name)", "(no name)", "(no name)"},
+      {"\n \u200f", "(no name)", "(no name)", "(no name)"},
   };
   for (const auto& [title, row, qtLabel, busLabel] : cases) {
     const QString text = menuRowText(title);
