@@ -27,7 +27,7 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 CONFIGURATION = ROOT / "stage" / "config"
 WATCHER = "org.kde.StatusNotifierWatcher"
 TRAY = "_NET_SYSTEM_TRAY_S0"
-PANEL_POSITIONS = {"top": "p=6;x=0;y=0", "bottom": "p=10;x=0;y=0"}
+PANEL_MODES = {"top": (0, 6), "bottom": (0, 10), "left": (1, 6), "right": (1, 2)}  # upright or not, and its snapping
 
 
 class Bus:
@@ -56,7 +56,8 @@ class Bus:
 
 class Desktop:
     """`host` is "xfce4-panel", "trayer" or None, `manager` "openbox", "xfwm4" or None; `monitors` are pairs of a
-    name and a geometry as `xrandr --setmonitor` takes it, the first one primary."""
+    name and a geometry as `xrandr --setmonitor` takes it, the first one primary. `edge` is the host's: "top" or
+    "bottom", under xfce4-panel also "left" or "right"."""
 
     def __init__(self, size="1280x800", manager="openbox", host="xfce4-panel", edge="top", monitors=(),
                  pipewire=True, accessible=False, programs=None):
@@ -148,20 +149,30 @@ class Desktop:
         self.start(commands[manager])
         wait_until(lambda: self.screen.property("_NET_SUPPORTING_WM_CHECK"), f"{manager} on the display")
 
-    def start_host(self, name=None):
+    def start_host(self, name=None, edge=None):
         """Starts the tray host and waits until it takes icons."""
-        self._host_name = name or self._host_name
+        self._host_name, self._edge = name or self._host_name, edge or self._edge
         if self._host_name == "trayer":
             self.host = self.start(["trayer", "--edge", self._edge, "--align", "right", "--widthtype", "request",
                                     "--height", "28", "--SetPartialStrut", "true"])
             wait_until(lambda: self.screen.owns_selection(TRAY), "trayer")
             return
-        folder = self.folder / "config" / "xfce4" / "xfconf" / "xfce-perchannel-xml"
-        folder.mkdir(parents=True, exist_ok=True)
-        panel = (CONFIGURATION / "xfce4-panel.xml").read_text()
-        (folder / "xfce4-panel.xml").write_text(panel.replace("@POSITION@", PANEL_POSITIONS[self._edge]))
+        self._place_panel(*PANEL_MODES[self._edge])
         self.host = self.start(["xfce4-panel", "--disable-wm-check"])
         wait_until(lambda: self.bus.has_owner(WATCHER) and self.screen.owns_selection(TRAY), "xfce4-panel")
+
+    def _place_panel(self, mode, snap):
+        file = self.folder / "config" / "xfce4" / "xfconf" / "xfce-perchannel-xml" / "xfce4-panel.xml"
+        facts = {"mode": str(mode), "position": f"p={snap};x=0;y=0"}
+        if file.exists():  # and the daemon that has read it keeps it
+            for key, value in facts.items():
+                self.run("xfconf-query", "-c", "xfce4-panel", "-p", f"/panels/panel-1/{key}", "-s", value)
+            return
+        file.parent.mkdir(parents=True, exist_ok=True)
+        text = (CONFIGURATION / "xfce4-panel.xml").read_text()
+        for key, value in facts.items():
+            text = text.replace(f"@{key.upper()}@", value)
+        file.write_text(text)
 
     def stop_host(self):
         self.host.end()

@@ -85,10 +85,12 @@ class Program:
         mine = [index for index, item in enumerate(items) if self._process_of(item.split("/")[0]) == self.pid]
         trays = [window["place"] for window in windows if window["class"] == "Wrapper-2.0"
                  and any(inside(window["place"], dock) for dock in docks)]
-        if not trays or not items or trays[0][2] < ICON_SIZE * len(items):
+        if not trays or not items or max(trays[0][2:]) < ICON_SIZE * len(items):
             return []
         x, y, width, height = trays[0]
-        step = width // len(items)
+        step = max(width, height) // len(items)
+        if height > width:
+            return [[x, y + step * index, width, step] for index in mine]
         return [[x + step * index, y, step, height] for index in mine]
 
     def _process_of(self, name):

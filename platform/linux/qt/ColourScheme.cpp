@@ -20,6 +20,8 @@ constexpr const char* kInterface = "org.freedesktop.portal.Settings";
 constexpr const char* kNamespace = "org.freedesktop.appearance";
 constexpr const char* kKey = "color-scheme";
 constexpr uint kPreferDark = 1;
+// A portal that is started by the question answers within a tenth of this. The program shows nothing before.
+constexpr std::chrono::milliseconds kPatience{1000};
 
 // Portals wrap the answer to Read twice and the signal's value once.
 uint unwrapped(QVariant value) {
@@ -31,10 +33,11 @@ bool startedDark() { return QGuiApplication::palette().color(QPalette::Window).l
 
 }  // namespace
 
-ColourScheme::ColourScheme(std::function<void()> handler)
-    : handler_(std::move(handler)),
+ColourScheme::ColourScheme(Handlers handlers)
+    : handlers_(std::move(handlers)),
       portal_(kService, QDBusConnection::sessionBus(), QDBusServiceWatcher::WatchForRegistration),
-      isDark_(startedDark()) {
+      isDark_(startedDark()),
+      patience_(std::make_unique<SingleShot>(kPatience, [this] { learned(); })) {
   connect(&portal_, &QDBusServiceWatcher::serviceRegistered, this, [this] { askPortal(); });
   connectPortal();
   askPortal();
@@ -70,11 +73,18 @@ void ColourScheme::settingChanged(const QString& nameSpace, const QString& key, 
 
 void ColourScheme::useGnomeSettings() {
   if (!gnome_) gnome_ = GnomeSettings::open([this](bool isDark) { set(isDark); });
-  if (gnome_) set(gnome_->prefersDark());
+  set(gnome_ ? gnome_->prefersDark() : isDark_);
 }
 
 void ColourScheme::set(bool isDark) {
-  if (std::exchange(isDark_, isDark) != isDark) handler_();
+  const bool isOther = std::exchange(isDark_, isDark) != isDark;
+  if (patience_) return learned();
+  if (isOther) handlers_.didChange();
+}
+
+void ColourScheme::learned() {
+  patience_.reset();
+  handlers_.didLearn();
 }
 
 }  // namespace vistrel::qt

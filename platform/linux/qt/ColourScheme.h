@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "qt/GnomeSettings.h"
+#include "qt/SingleShot.h"
 
 namespace vistrel::qt {
 
@@ -17,7 +18,13 @@ class ColourScheme final : public QObject {
   Q_OBJECT
 
  public:
-  explicit ColourScheme(std::function<void()> handler);
+  struct Handlers {
+    /// Once, from the main loop: the desktop has told its preference, or is too slow to be waited for.
+    std::function<void()> didLearn;
+    /// After that: the preference is another one.
+    std::function<void()> didChange;
+  };
+  explicit ColourScheme(Handlers handlers);
 
   [[nodiscard]] bool isDark() const { return isDark_; }
 
@@ -29,11 +36,13 @@ class ColourScheme final : public QObject {
   void askPortal();
   void useGnomeSettings();
   void set(bool isDark);
+  void learned();
 
-  std::function<void()> handler_;
+  Handlers handlers_;
   QDBusServiceWatcher portal_;
   std::unique_ptr<GnomeSettings> gnome_;
   bool isDark_;
+  std::unique_ptr<SingleShot> patience_;
 };
 
 }  // namespace vistrel::qt

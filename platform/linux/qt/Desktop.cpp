@@ -51,7 +51,7 @@ struct Desktop::Parts {
   x11::X11Keyboard keyboard{x11, toolkitConnection()};
   x11::RawPresses presses{x11};
   QtWindowSystem windows{presses};
-  QtSession session{reactor, *instance};
+  QtSession session{reactor, x11, *instance};
   QtStatusArea statusArea{session, x11};
   capture::CameraCenter cameras{reactor};
 };

@@ -17,19 +17,27 @@ namespace vistrel::qt {
 
 using host::SessionClient;
 
-QtSession::QtSession(desktop::Reactor& reactor, SingleInstance& instance)
+QtSession::QtSession(desktop::Reactor& reactor, x11::X11Connection& x11, SingleInstance& instance)
     : reactor_(reactor),
       instance_(instance),
-      screenWatch_([this] {
-        if (screenHandler_) screenHandler_();
-        report(&SessionClient::screensDidChange);
-      }),
+      screenWatch_(x11,
+                   [this] {
+                     if (screenHandler_) screenHandler_();
+                     report(&SessionClient::screensDidChange);
+                   }),
       activation_({.didBecomeActive = [this] { report(&SessionClient::didBecomeActive); },
                    .willResignActive = [this] { report(&SessionClient::willResignActive); }}),
-      colourScheme_([this] {
-        applyColours();
-        report(&SessionClient::appearanceDidChange);
-      }),
+      colourScheme_({.didLearn =
+                         [this] {
+                           applyColours();
+                           isReady_ = true;
+                           launchWhenReady();
+                         },
+                     .didChange =
+                         [this] {
+                           applyColours();
+                           report(&SessionClient::appearanceDidChange);
+                         }}),
       signals_(reactor, [this] { report(&SessionClient::terminateRequested); }) {
   instance.setReopenHandler([this] { report(&SessionClient::reopen); });
   applyColours();
@@ -38,7 +46,12 @@ QtSession::QtSession(desktop::Reactor& reactor, SingleInstance& instance)
 
 void QtSession::setClient(SessionClient* client) {
   client_ = client;
-  if (client && !std::exchange(isLaunched_, true)) reactor_.post([this] { launch(); });
+  launchWhenReady();
+}
+
+// Windows come up light or dark as the desktop is, so that has to be known first.
+void QtSession::launchWhenReady() {
+  if (client_ && isReady_ && !std::exchange(isLaunched_, true)) reactor_.post([this] { launch(); });
 }
 
 // What the bus delivers in the turn of the launch belongs to it.

@@ -16,11 +16,11 @@ class SingleInstance;
 /// The program's place in the user's session on an X11 desktop.
 class QtSession final : public QObject, public host::SessionHost {
  public:
-  QtSession(desktop::Reactor& reactor, SingleInstance& instance);
+  QtSession(desktop::Reactor& reactor, x11::X11Connection& x11, SingleInstance& instance);
 
-  /// The first client is launched in the next turn of the main loop.
+  /// The first client is launched by the main loop, once it is known whether the desktop is dark.
   void setClient(host::SessionClient* client) override;
-  [[nodiscard]] std::vector<host::Screen> screens() override { return ScreenWatch::screens(); }
+  [[nodiscard]] std::vector<host::Screen> screens() override { return screenWatch_.screens(); }
   [[nodiscard]] Point pointerLocation() override;
   [[nodiscard]] bool isDark() override { return colourScheme_.isDark(); }
   [[nodiscard]] Version platformVersion() override { return {12, 0, 0}; }
@@ -34,6 +34,7 @@ class QtSession final : public QObject, public host::SessionHost {
  private:
   using Report = void (host::SessionClient::*)();
   void report(Report what);
+  void launchWhenReady();
   void launch();
   void applyColours();
   void watchEndOfSession();
@@ -42,6 +43,7 @@ class QtSession final : public QObject, public host::SessionHost {
   SingleInstance& instance_;
   host::SessionClient* client_ = nullptr;
   std::function<void()> screenHandler_;
+  bool isReady_ = false;
   bool isLaunched_ = false;
   ScreenWatch screenWatch_;
   ActivationWatch activation_;

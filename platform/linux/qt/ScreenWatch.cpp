@@ -1,10 +1,14 @@
 #include "qt/ScreenWatch.h"
 
+#include <qpa/qplatformscreen.h>
+
 #include <QGuiApplication>
+#include <QMarginsF>
 #include <QScreen>
 #include <algorithm>
 #include <utility>
 
+#include "qt/FreeArea.h"
 #include "qt/Geometry.h"
 
 namespace vistrel::qt {
@@ -18,6 +22,11 @@ bool isSamePlace(const host::Screen& a, const host::Screen& b) {
   return a.name == b.name && a.frame == b.frame && a.scale == b.scale;
 }
 
+// Which screen is the primary one, and so the first of Qt's list, is none of these.
+bool areSamePlaces(const std::vector<host::Screen>& a, const std::vector<host::Screen>& b) {
+  return std::is_permutation(a.begin(), a.end(), b.begin(), b.end(), isSamePlace);
+}
+
 host::Screen describe(const QScreen& screen) {
   return {.name = screen.name().toStdString(),
           .frame = fromQt(screen.geometry()),
@@ -26,9 +35,16 @@ host::Screen describe(const QScreen& screen) {
           .isPrimary = &screen == QGuiApplication::primaryScreen()};
 }
 
+Rect withoutPanels(const QScreen& screen, const std::vector<x11::Strut>& struts) {
+  const QMarginsF pixels = panelMargins(screen.handle()->geometry(), struts);
+  const QRectF free = QRectF(screen.geometry()).marginsRemoved(pixels / screen.devicePixelRatio());
+  return {free.x(), free.y(), free.width(), free.height()};
+}
+
 }  // namespace
 
-ScreenWatch::ScreenWatch(std::function<void()> handler) : handler_(std::move(handler)), known_(screens()) {
+ScreenWatch::ScreenWatch(x11::X11Connection& x11, std::function<void()> handler)
+    : x11_(x11), handler_(std::move(handler)), known_(screens()) {
   for (QScreen* screen : QGuiApplication::screens()) watch(screen);
   QObject::connect(qGuiApp, &QGuiApplication::screenAdded, &context_, [this](QScreen* screen) {
     watch(screen);
@@ -39,7 +55,12 @@ ScreenWatch::ScreenWatch(std::function<void()> handler) : handler_(std::move(han
 
 std::vector<host::Screen> ScreenWatch::screens() {
   std::vector<host::Screen> result;
-  for (const QScreen* screen : QGuiApplication::screens()) result.push_back(describe(*screen));
+  const auto all = QGuiApplication::screens();
+  for (const QScreen* screen : all) result.push_back(describe(*screen));
+  if (all.size() < 2) return result;
+  // Qt leaves panels out of account as soon as there are two screens.
+  const auto struts = x11::panelStruts(x11_);
+  for (qsizetype i = 0; i < all.size(); ++i) result[i].visibleFrame = withoutPanels(*all[i], struts);
   return result;
 }
 
@@ -56,8 +77,7 @@ void ScreenWatch::checkSoon() {
 
 void ScreenWatch::check() {
   const auto before = std::exchange(known_, screens());
-  if (std::equal(before.begin(), before.end(), known_.begin(), known_.end(), isSamePlace)) return;
-  handler_();
+  if (!areSamePlaces(before, known_)) handler_();
 }
 
 }  // namespace vistrel::qt

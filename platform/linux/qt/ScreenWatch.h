@@ -10,20 +10,25 @@
 
 class QScreen;
 
+namespace vistrel::x11 {
+class X11Connection;
+}
+
 namespace vistrel::qt {
 
 /// The screens, and word of their changes: one for a burst of them, none for a panel that changes its strut.
 class ScreenWatch {
  public:
-  explicit ScreenWatch(std::function<void()> handler);
+  ScreenWatch(x11::X11Connection& x11, std::function<void()> handler);
 
-  [[nodiscard]] static std::vector<host::Screen> screens();
+  [[nodiscard]] std::vector<host::Screen> screens();
 
  private:
   void watch(QScreen* screen);
   void checkSoon();
   void check();
 
+  x11::X11Connection& x11_;
   std::function<void()> handler_;
   std::vector<host::Screen> known_;
   std::unique_ptr<SingleShot> check_;

@@ -1,6 +1,5 @@
 #include "x11/HostMenuWatch.h"
 
-#include <cstring>
 #include <span>
 #include <utility>
 #include <vector>
@@ -9,8 +8,8 @@ namespace vistrel::x11 {
 
 HostMenuWatch::HostMenuWatch(X11Connection& connection) : connection_(connection) {
   if (!connection_.isOpen()) return;
-  windowType_ = atom("_NET_WM_WINDOW_TYPE");
-  popupMenu_ = atom("_NET_WM_WINDOW_TYPE_POPUP_MENU");
+  windowType_ = connection_.atom("_NET_WM_WINDOW_TYPE");
+  popupMenu_ = connection_.atom("_NET_WM_WINDOW_TYPE_POPUP_MENU");
 }
 
 void HostMenuWatch::start(std::function<void()> closed) {
@@ -82,13 +81,6 @@ bool HostMenuWatch::isMenu(const Question& question) {
   if (!attributes || !type || attributes->map_state != XCB_MAP_STATE_VIEWABLE) return false;
   if (attributes->override_redirect == 0 || type->value_len == 0) return false;
   return *static_cast<const xcb_atom_t*>(xcb_get_property_value(type.get())) == popupMenu_;
-}
-
-xcb_atom_t HostMenuWatch::atom(const char* name) {
-  const auto length = static_cast<std::uint16_t>(std::strlen(name));
-  const auto cookie = xcb_intern_atom(connection_.get(), 0, length, name);
-  const auto reply = connection_.wait(xcb_intern_atom_reply, cookie);
-  return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
 }
 
 }  // namespace vistrel::x11

@@ -37,7 +37,6 @@ class HostMenuWatch {
   };
   [[nodiscard]] Question ask(xcb_window_t window);
   [[nodiscard]] bool isMenu(const Question& question);
-  [[nodiscard]] xcb_atom_t atom(const char* name);
 
   X11Connection& connection_;
   xcb_atom_t windowType_ = XCB_ATOM_NONE;

@@ -3,6 +3,7 @@
 #include <xkbcommon/xkbcommon-x11.h>
 
 #include <chrono>
+#include <cstring>
 #include <utility>
 
 #include "x11/Xkb.h"
@@ -63,6 +64,12 @@ void X11Connection::startXkb() {
   }
   firstXkbEvent_ = firstEvent;
   selectXkbEvents(connection_);
+}
+
+xcb_atom_t X11Connection::atom(const char* name) {
+  const auto cookie = xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(std::strlen(name)), name);
+  const auto reply = wait(xcb_intern_atom_reply, cookie);
+  return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
 }
 
 int X11Connection::xkbKind(const xcb_generic_event_t& event) const {

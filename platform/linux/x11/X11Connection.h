@@ -34,6 +34,7 @@ class X11Connection {
   [[nodiscard]] xcb_connection_t* get() const { return connection_; }
   [[nodiscard]] xcb_window_t root() const { return root_; }
   [[nodiscard]] desktop::Reactor& reactor() const { return reactor_; }
+  [[nodiscard]] xcb_atom_t atom(const char* name);
   /// The XKB kind of an event (XCB_XKB_…_NOTIFY); -1 for an event of another kind.
   [[nodiscard]] int xkbKind(const xcb_generic_event_t& event) const;
 

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <vector>
+
+#include "x11/X11Connection.h"
+
+namespace vistrel::x11 {
+
+/// A strip along an edge of the desktop that a panel keeps for itself (EWMH, _NET_WM_STRUT_PARTIAL), in
+/// pixels of the root window.
+struct Strut {
+  enum class Edge { Left, Right, Top, Bottom };
+  Edge edge = Edge::Top;
+  int x = 0;
+  int y = 0;
+  int width = 0;
+  int height = 0;
+};
+
+/// The strips of all the windows that the window manager knows. Asks the server; main thread only.
+[[nodiscard]] std::vector<Strut> panelStruts(X11Connection& connection);
+
+}  // namespace vistrel::x11

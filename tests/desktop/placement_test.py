@@ -1,0 +1,88 @@
+"""Where the mirror opens: beside its icon, on whichever edge of whichever monitor the panel is."""
+
+import unittest
+
+from stage.processes import wait_until
+from stage.program import Program, centre, inside
+from tests.desktop.harness import SIZES, DesktopTest
+
+TIP = 12  # what may lie between the panel and the picture, in pixels
+
+
+class ShrinkingTest(DesktopTest):
+    stage = {"size": "1024x600", "edge": "bottom", "host": "trayer"}
+
+    def test_what_is_too_large_shrinks_beside_its_icon_and_stays_sharp(self):
+        self.desktop.camera(offers=["mjpeg:1280x720@30"])
+        for scale, index in ((1, 0), (1, 2), (2, 0), (2, 1)):
+            environment = {"QT_SCALE_FACTOR": str(scale)}
+            with self.subTest(scale=scale, index=index), \
+                    self.start({"selectedPopoverSize": index}, environment=environment) as vistrel:
+                left, top, width, height = self.open(vistrel)["place"]
+                self.assertTrue(0 <= left and 0 <= top and left + width <= 1024, (left, top, width, height))
+                self.assertLessEqual(top + height, vistrel.icon()[1])
+                self.assertAlmostEqual(width / height, 426 / 240, delta=0.02)
+                self.assertAlmostEqual(width, min(SIZES[index][0] * scale, 960), delta=40)
+                self.assertLess(self.screen.live_picture()["softness"], 2)
+
+
+class MonitorsTest(DesktopTest):
+    stage = {"size": "2048x800", "host": None,
+             "monitors": (("left", "1024/270x800/210+0+0"), ("right", "1024/270x600/160+1024+0"))}
+    places = {"left": [0, 0, 1024, 800], "right": [1024, 0, 1024, 600]}
+
+    def open_without_icon(self, monitor):
+        """The desktop asks for the mirror while the pointer is in the monitor; gives the pointer's place."""
+        x, y, width, height = self.places[monitor]
+        pointer = [x + width // 2, y + height // 2, 0, 0]  # where the picture does not come to lie
+        self.screen.move(pointer[:2])
+        Program(self.desktop, awaits_icon=False).process.wait()
+        return pointer
+
+    def test_it_opens_beside_the_panel_on_whichever_edge(self):
+        self.desktop.camera()
+        for edge in ("top", "bottom", "left", "right"):
+            self.desktop.start_host("xfce4-panel", edge)
+            try:
+                dock = self.docks()[0]
+                with self.subTest(edge=edge), self.start({"dismissPreference": 1}) as vistrel:
+                    if edge != "right":  # between two monitors a panel reserves no room
+                        self.check("left", edge, dock, self.open_without_icon("left"))
+                        vistrel.click()
+                        self.screen.wait_no_picture()
+                    vistrel.click()
+                    self.check("left", edge, dock, vistrel.icon())
+            finally:
+                self.desktop.stop_host()
+
+    def test_without_an_icon_it_opens_beside_the_panel_of_the_pointers_monitor(self):
+        self.desktop.camera()
+        panel = self.desktop.start(["xev", "-geometry", "1024x40+1024+560"])
+        self.addCleanup(panel.end)
+        wait_until(lambda: self.screen.windows(name="Event Tester"), "the panel")
+        for name, value in (("_NET_WM_STRUT_PARTIAL", "0,0,0,240,0,0,0,0,0,0,1024,2047"),
+                            ("_NET_WM_STRUT", "0,0,0,240")):
+            self.desktop.run("xprop", "-name", "Event Tester", "-f", name, "32c", "-set", name, value)
+            with self.subTest(name=name), self.start(awaits_icon=False) as vistrel:
+                wait_until(lambda: len(vistrel.lines) == 2, "the end of the launch")
+                pointer = self.open_without_icon("right")
+                self.check("right", "bottom", [1024, 560, 1024, 40], pointer)
+                self.assertNotIn("🖥 Changed Display", vistrel.lines)
+            self.desktop.run("xprop", "-name", "Event Tester", "-remove", name)
+
+    def docks(self):
+        return wait_until(lambda: [window["place"] for window in self.screen.windows()
+                                   if "_NET_WM_WINDOW_TYPE_DOCK" in window["types"]], "the panel")
+
+    def check(self, monitor, edge, dock, anchor):
+        place = self.screen.live_picture()["place"]
+        self.assertTrue(inside(place, self.places[monitor]), place)
+        gap = {"top": place[1] - dock[1] - dock[3], "bottom": dock[1] - place[1] - place[3],
+               "left": place[0] - dock[0] - dock[2], "right": dock[0] - place[0] - place[2]}[edge]
+        self.assertTrue(0 < gap <= TIP, (gap, place, dock))
+        along = 0 if edge in ("top", "bottom") else 1
+        self.assertTrue(place[along] <= centre(anchor)[along] <= place[along] + place[along + 2], (place, anchor))
+
+
+if __name__ == "__main__":
+    unittest.main()
