@@ -2,7 +2,7 @@
 
 import unittest
 
-from stage.desktop import WATCHER
+from stage.desktop import WATCHER, GLib
 from stage.processes import wait_until
 from tests.desktop.harness import CHECKING, REFRESHED, SAVING, DesktopTest, plain
 
@@ -93,6 +93,71 @@ class MenuUnderPanelTest(MenuRules, DesktopTest):
 
 class MenuUnderTrayerTest(MenuRules, DesktopTest):
     stage = {"host": "trayer"}
+
+
+class ScriptedHostTest(DesktopTest):
+    """A tray host that does on the bus what panels of other desktops do, and draws nothing."""
+    stage = {"host": None}
+
+    def setUp(self):
+        super().setUp()
+        path, mock = "/StatusNotifierWatcher", "org.freedesktop.DBus.Mock"
+        self.watcher = self.desktop.start(["/usr/bin/python3", "-m", "dbusmock", WATCHER, path, WATCHER])
+        self.addCleanup(self.watcher.end)
+        bus = self.desktop.bus
+        wait_until(lambda: bus.has_owner(WATCHER), "the scripted watcher")
+        methods = [(f"RegisterStatusNotifier{what}", "s", "", "") for what in ("Item", "Host")]
+        bus.call(WATCHER, path, mock, "AddMethods", "(sa(ssss))", WATCHER, methods)
+        facts = {"IsStatusNotifierHostRegistered": GLib.Variant("b", True),
+                 "ProtocolVersion": GLib.Variant("i", 0), "RegisteredStatusNotifierItems": GLib.Variant("as", [])}
+        bus.call(WATCHER, path, mock, "AddProperties", "(sa{sv})", WATCHER, facts)
+        self.cameras = [self.desktop.camera(name=name, node=f"scripted-{name[0]}") for name in CAMERAS]
+        self.vistrel = self.start(awaits_icon=False)
+        line = self.watcher.lines[self.watcher.wait_line(lambda line: "RegisterStatusNotifierItem " in line)]
+        self.name = line.split('"')[1]
+
+    def item(self, method):
+        self.desktop.bus.call(self.name, "/StatusNotifierItem", "org.kde.StatusNotifierItem", method, "(ii)", 1200, 10)
+
+    def menu(self, method, signature, *arguments):
+        path = self.desktop.bus.property(self.name, "/StatusNotifierItem", "org.kde.StatusNotifierItem", "Menu")
+        return self.desktop.bus.call(self.name, path, "com.canonical.dbusmenu", method, signature, *arguments)
+
+    def send(self, row, event):
+        self.menu("Event", "(isvu)", row, event, GLib.Variant("i", 0), 0)
+
+    def test_activation_and_the_menu_as_the_bus_tells_them(self):
+        vistrel = self.vistrel
+        for _ in range(2):
+            self.item("Activate")
+            self.screen.live_picture()
+            self.item("SecondaryActivate")
+            self.screen.live_picture(5)
+            self.item("Activate")
+            self.wait_closed(self.cameras[0])
+        self.item("Activate")
+        self.screen.live_picture()
+        self.menu("AboutToShow", "(i)", 0)
+        self.send(0, "opened")
+        self.wait_closed(self.cameras[0])
+        self.assertFalse([line for line in vistrel.lines if line.startswith(CHECKING)])
+        self.send(0, "closed")
+        since = vistrel.wait_line(CHECKING)
+        self.menu("AboutToShow", "(i)", 0)
+        rows = self.menu("GetLayout", "(iias)", 0, -1, ["label", "toggle-state"])[1][2]
+        self.assertEqual([row[1].get("toggle-state") for row in rows[:2]], [1, 0])
+        second = next(row[0] for row in rows if row[1].get("label") == CAMERAS[1])
+        self.send(second, "clicked")
+        self.send(0, "closed")
+        vistrel.wait_line(SAVING + CAMERAS[1], since)
+        self.item("Activate")
+        self.screen.live_picture()
+        self.assertEqual(self.desktop.readers(self.cameras[1]), 1)
+        closings = [line for line in vistrel.lines if line.startswith(CHECKING)]
+        self.assertEqual(len(closings), 3)  # two showings, and the check mark that moved
+        self.item("ContextMenu")
+        vistrel.choose(ABOUT)
+        wait_until(lambda: vistrel.windows(name="About Vistrel"), "the window that was chosen")
 
 
 if __name__ == "__main__":
