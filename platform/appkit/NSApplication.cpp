@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "appkit/NSAlert.h"
 #include "appkit/NSMenu.h"
 #include "appkit/NSWindow.h"
 #include "foundation/MainQueue.h"
@@ -44,7 +45,10 @@ void NSApplication::terminate(NSObject* /*sender*/) {
   if (delegate_) delegate_->applicationWillTerminate();
   // Closed in the orderly way, so that cameras get their buffers back before the process goes.
   const auto open = windows_;
-  for (const auto& window : open) window->performClose(this);
+  for (const auto& window : open) {
+    if (const auto sheet = window->attachedSheet()) sheet->respond(NSModalResponse::Abort);
+    window->performClose(this);
+  }
   host::current().mainLoop().quit();
 }
 

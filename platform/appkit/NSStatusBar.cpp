@@ -19,12 +19,18 @@ constexpr std::uint64_t kMenuModifiers = Flags::kControl | Flags::kOption;
 // How far a pointer strays between the press and the release of one click, in points.
 constexpr double kClickSlop = 6;
 
+bool isOnIcon(Point location) {
+  const auto icon = host::current().statusArea().iconFrame();
+  return icon && icon->inset(-kClickSlop, -kClickSlop).contains(location);
+}
+
 }  // namespace
 
 // Remembers the press that closed the popover until the click of that press has come, or another press.
 class NSStatusBar::PressWatch final : public host::OutsidePressClient {
  public:
-  PressWatch(NSStatusBar& bar, Point location) : bar_(bar), location_(location) {
+  PressWatch(NSStatusBar& bar, Point location)
+      : bar_(bar), location_(location), wasOnIcon_(isOnIcon(location)) {
     host::current().windows().setOutsidePressClient(this);
   }
   PressWatch(const PressWatch&) = delete;
@@ -32,14 +38,16 @@ class NSStatusBar::PressWatch final : public host::OutsidePressClient {
   ~PressWatch() override { host::current().windows().setOutsidePressClient(nullptr); }
   void pressedOutside(Point /*location*/) override { bar_.closingPress_.reset(); }
 
-  /// Hosts tell of a click at its release, and not where it was.
-  [[nodiscard]] bool isClickAt(Point pointer) const {
-    return std::hypot(pointer.x - location_.x, pointer.y - location_.y) <= kClickSlop;
+  /// Hosts tell of a click at its release, and not where it was; the pointer may be anywhere by then. Where
+  /// the icon is may not be known.
+  [[nodiscard]] bool isOfClickAt(Point pointer) const {
+    return wasOnIcon_ || std::hypot(pointer.x - location_.x, pointer.y - location_.y) <= kClickSlop;
   }
 
  private:
   NSStatusBar& bar_;
   Point location_;
+  bool wasOnIcon_;
 };
 
 NSStatusBar::NSStatusBar() = default;
@@ -72,6 +80,9 @@ void NSStatusBar::itemDidChange(const NSStatusItem& item) {
 void NSStatusBar::itemWillEnd(const NSStatusItem& item) {
   if (!isPresent(item)) return;
   item_ = nullptr;
+  // The bar outlives the backend, which both of these need for their end.
+  shownMenu_.reset();
+  closingPress_.reset();
   host::current().statusArea().hideIcon();
 }
 
@@ -106,7 +117,7 @@ void NSStatusBar::popoverWillOpen() { closingPress_.reset(); }
 void NSStatusBar::statusIconPressed(host::PointerButton button, std::uint64_t modifiers) {
   endShowing();
   const bool belongsToClosingPress =
-      closingPress_ && closingPress_->isClickAt(host::current().session().pointerLocation());
+      closingPress_ && closingPress_->isOfClickAt(host::current().session().pointerLocation());
   closingPress_.reset();
   const bool asksForMenu = button == host::PointerButton::Right || (modifiers & kMenuModifiers) != 0;
   if (belongsToClosingPress && !asksForMenu) return;

@@ -60,6 +60,10 @@ class MirrorTest(DesktopTest):
                 self.open(vistrel)
                 self.screen.key("Escape")
                 self.wait_closed(camera)
+                self.open(vistrel)
+                self.screen.click((300, 700))
+                self.wait_closed(camera)
+                self.assertEqual((vistrel.terminate(), vistrel.process.errors), (0, []))
 
     def test_another_application_closes_it_when_the_user_wants_so(self):
         camera = self.desktop.camera()

@@ -6,6 +6,7 @@
 #include "app/Notifications.h"
 #include "app/PreferenceKeys.h"
 #include "app/ShortcutNames.h"
+#include "appkit/NSAlert.h"
 #include "appkit/NSWindow.h"
 #include "tests/unit/app/Program.h"
 
@@ -63,6 +64,29 @@ TEST(Mirror, opensByEveryWayAndClosesByEveryWay) {
     program.desktop.loop.settle();
     program.desktop.clickIcon();
     EXPECT_TRUE(program.isShown());
+  }
+}
+
+TEST(Mirror, aClickOnTheIconClosesWhereverThePointerIsByItsEnd) {
+  struct Case {
+    Point press;
+    Point release;
+    bool opensAgain;
+  };
+  Program program;
+  program.launchWith({"A"});
+  const Rect icon = program.desktop.tray.frame.value();
+  const Point inIcon = icon.center();
+  const Point elsewhere{100, 700};
+  for (const Case& c :
+       {Case{inIcon, inIcon, false}, Case{{icon.x, icon.y}, {icon.maxX(), icon.maxY()}, false},
+        Case{inIcon, elsewhere, false}, Case{elsewhere, inIcon, true}}) {
+    if (!program.isShown()) program.desktop.clickIcon();
+    program.desktop.windowSystem.pressOutside(c.press);
+    EXPECT_FALSE(program.isShown());
+    program.desktop.sessionHost.pointer = c.release;
+    program.desktop.tray.client().statusIconPressed(host::PointerButton::Left, 0);
+    EXPECT_EQ(program.isShown(), c.opensAgain);
   }
 }
 
@@ -470,9 +494,15 @@ TEST(Mirror, shortcutTogglesOnReleaseWithoutAHighlight) {
 TEST(Mirror, terminationEndsTheObservationsOnce) {
   Program program;
   program.launchWith({"A"});
+  const auto window = NSWindow::create({0, 0, 100, 100}, 3, NSBackingStoreType::Buffered, false);
+  window->makeKeyAndOrderFront(nullptr);
+  int answers = 0;
+  std::make_shared<NSAlert>()->beginSheetModalForWindow(*window, [&](NSModalResponse) { ++answers; });
   program.desktop.sessionHost.client().terminateRequested();
   program.desktop.sessionHost.client().terminateRequested();
   EXPECT_TRUE(program.desktop.loop.hasQuit());
+  EXPECT_EQ(answers, 1);
+  EXPECT_TRUE(NSApplication::shared().windows().empty());
   program.desktop.changeDisplays();
   EXPECT_EQ(program.takeLog(), Lines{});
 }
