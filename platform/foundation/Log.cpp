@@ -1,6 +1,9 @@
 #include "foundation/Log.h"
 
+#include <algorithm>
+#include <cctype>
 #include <cstdio>
+#include <string>
 #include <utility>
 
 namespace vistrel {
@@ -12,6 +15,14 @@ Log::Sink& sink() {
   return value;
 }
 
+// Names from outside may hold line feeds.
+std::string onOneLine(std::string_view text) {
+  std::string line(text);
+  const auto breaks = [](char c) { return std::iscntrl(static_cast<unsigned char>(c)) != 0; };
+  std::replace_if(line.begin(), line.end(), breaks, ' ');
+  return line;
+}
+
 void write(std::FILE* stream, std::string_view text) {
   std::fwrite(text.data(), 1, text.size(), stream);
   std::fputc('\n', stream);
@@ -21,10 +32,11 @@ void write(std::FILE* stream, std::string_view text) {
 }  // namespace
 
 void Log::line(std::string_view text) {
+  const std::string line = onOneLine(text);
   if (sink()) {
-    sink()(text);
+    sink()(line);
   } else {
-    write(stdout, text);
+    write(stdout, line);
   }
 }
 

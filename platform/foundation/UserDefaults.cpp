@@ -84,7 +84,7 @@ void UserDefaults::load() const {
   const auto members = parseFile(bytes.value());
   if (!members) return setAside(*bytes.value());
   for (const auto& [key, member] : *members) {
-    if (const auto value = fromJson(member)) stored_->insert_or_assign(key, *value);
+    stored_->insert_or_assign(key, fromJson(member));
   }
 }
 

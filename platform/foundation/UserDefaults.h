@@ -44,7 +44,8 @@ class UserDefaults {
   void warnOnce(const std::string& text) const;
 
   using Map = std::map<std::string, Value>;
-  mutable std::optional<Map> stored_;
+  /// What is stored and is no value of ours hides a registered one all the same.
+  mutable std::optional<std::map<std::string, std::optional<Value>>> stored_;
   mutable std::string lastWarning_;
   Map registered_;
 };

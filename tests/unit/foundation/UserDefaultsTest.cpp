@@ -27,7 +27,8 @@ TEST(UserDefaults, readsEachTypeByTheStoresRules) {
     SCOPED_TRACE(c.json);
     simulated::SimulatedDesktop desktop(VISTREL_RESOURCES);
     desktop.files.preferences = "{\"key\": " + c.json + "}";
-    const auto& store = UserDefaults::standard();
+    auto& store = UserDefaults::standard();
+    store.registerDefaults({{"key", std::int64_t{9}}});
     EXPECT_EQ(store.integerForKey("key"), c.integer);
     EXPECT_EQ(store.boolForKey("key"), c.boolean);
     EXPECT_EQ(store.stringForKey("key"), c.text);
