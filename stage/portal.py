@@ -1,5 +1,5 @@
 """A desktop portal that knows one setting, the colour scheme. Runs as a program of its own; `Portal` speaks with
-it, one number a line: 0 no preference, 1 dark, 2 light."""
+it, one number a line: 0 no preference, 1 dark, 2 light, -1 no such setting."""
 
 import sys
 
@@ -45,7 +45,7 @@ def _serve(scheme):
     def called(_connection, _sender, _path, _interface, method, arguments, invocation):
         if method == "ReadAll":
             invocation.return_value(GLib.Variant("(a{sa{sv}})", ({SETTING[0]: {SETTING[1]: number()}},)))
-        elif arguments.unpack() != SETTING:
+        elif state["scheme"] < 0 or arguments.unpack() != SETTING:
             invocation.return_dbus_error("org.freedesktop.portal.Error.NotFound", "no such setting")
         else:  # the older Read wraps the value once more
             value = GLib.Variant("v", number()) if method == "Read" else number()

@@ -108,11 +108,16 @@ class ScriptedHostTest(DesktopTest):
         wait_until(lambda: bus.has_owner(WATCHER), "the scripted watcher")
         methods = [(f"RegisterStatusNotifier{what}", "s", "", "") for what in ("Item", "Host")]
         bus.call(WATCHER, path, mock, "AddMethods", "(sa(ssss))", WATCHER, methods)
-        facts = {"IsStatusNotifierHostRegistered": GLib.Variant("b", True),
+        facts = {"IsStatusNotifierHostRegistered": GLib.Variant("b", False),
                  "ProtocolVersion": GLib.Variant("i", 0), "RegisteredStatusNotifierItems": GLib.Variant("as", [])}
         bus.call(WATCHER, path, mock, "AddProperties", "(sa{sv})", WATCHER, facts)
         self.cameras = [self.desktop.camera(name=name, node=f"scripted-{name[0]}") for name in CAMERAS]
         self.vistrel = self.start(awaits_icon=False)
+        wait_until(lambda: len(self.vistrel.lines) == 2, "the end of the launch")
+        # The watcher was first, as at the start of a desktop; now comes the host.
+        bus.call(WATCHER, path, mock, "UpdateProperties", "(sa{sv})", WATCHER,
+                 {"IsStatusNotifierHostRegistered": GLib.Variant("b", True)})
+        bus.call(WATCHER, path, mock, "EmitSignal", "(sssav)", WATCHER, "StatusNotifierHostRegistered", "", [])
         line = self.watcher.lines[self.watcher.wait_line(lambda line: "RegisterStatusNotifierItem " in line)]
         self.name = line.split('"')[1]
 

@@ -36,7 +36,8 @@ bool startedDark() { return QGuiApplication::palette().color(QPalette::Window).l
 ColourScheme::ColourScheme(Handlers handlers)
     : handlers_(std::move(handlers)),
       portal_(kService, QDBusConnection::sessionBus(), QDBusServiceWatcher::WatchForRegistration),
-      isDark_(startedDark()),
+      startedDark_(startedDark()),
+      isDark_(startedDark_),
       patience_(std::make_unique<SingleShot>(kPatience, [this] { learned(); })) {
   connect(&portal_, &QDBusServiceWatcher::serviceRegistered, this, [this] { askPortal(); });
   connectPortal();
@@ -72,8 +73,8 @@ void ColourScheme::settingChanged(const QString& nameSpace, const QString& key, 
 }
 
 void ColourScheme::useGnomeSettings() {
-  if (!gnome_) gnome_ = GnomeSettings::open([this](bool isDark) { set(isDark); });
-  set(gnome_ ? gnome_->prefersDark() : isDark_);
+  if (!gnome_) gnome_ = GnomeSettings::open([this] { useGnomeSettings(); });
+  set(gnome_ ? gnome_->prefersDark().value_or(startedDark_) : startedDark_);
 }
 
 void ColourScheme::set(bool isDark) {

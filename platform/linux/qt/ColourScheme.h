@@ -12,8 +12,8 @@
 namespace vistrel::qt {
 
 /// The desktop's preference for light or dark, live: what the Settings portal (`org.freedesktop.appearance`,
-/// `color-scheme`) tells; without one what GNOME's settings tell; without those the palette that the program
-/// started with.
+/// `color-scheme`) tells; without one what GNOME's settings tell; where those have no word the palette that
+/// the program started with.
 class ColourScheme final : public QObject {
   Q_OBJECT
 
@@ -41,6 +41,7 @@ class ColourScheme final : public QObject {
   Handlers handlers_;
   QDBusServiceWatcher portal_;
   std::unique_ptr<GnomeSettings> gnome_;
+  const bool startedDark_;
   bool isDark_;
   std::unique_ptr<SingleShot> patience_;
 };

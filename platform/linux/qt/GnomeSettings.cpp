@@ -33,27 +33,27 @@ struct GnomeSettings::Handle {
   ~Handle() { g_object_unref(settings); }
 };
 
-std::unique_ptr<GnomeSettings> GnomeSettings::open(std::function<void(bool isDark)> handler) {
+std::unique_ptr<GnomeSettings> GnomeSettings::open(std::function<void()> handler) {
   if (!isInstalled()) return nullptr;
   return std::unique_ptr<GnomeSettings>(new GnomeSettings(std::make_unique<Handle>(), std::move(handler)));
 }
 
-GnomeSettings::GnomeSettings(std::unique_ptr<Handle> handle, std::function<void(bool isDark)> handler)
+GnomeSettings::GnomeSettings(std::unique_ptr<Handle> handle, std::function<void()> handler)
     : handle_(std::move(handle)), handler_(std::move(handler)) {
   const auto changed = +[](GSettings* /*settings*/, const char* /*key*/, gpointer self) {
-    const auto* settings = static_cast<GnomeSettings*>(self);
-    settings->handler_(settings->prefersDark());
+    static_cast<GnomeSettings*>(self)->handler_();
   };
   g_signal_connect(handle_->settings, "changed::color-scheme", G_CALLBACK(changed), this);
 }
 
 GnomeSettings::~GnomeSettings() { g_signal_handlers_disconnect_by_data(handle_->settings, this); }
 
-bool GnomeSettings::prefersDark() const {
+std::optional<bool> GnomeSettings::prefersDark() const {
   char* value = g_settings_get_string(handle_->settings, kKey);
-  const bool isDark = std::string(value) == "prefer-dark";
+  const std::string scheme(value);
   g_free(value);
-  return isDark;
+  if (scheme != "prefer-dark" && scheme != "prefer-light") return std::nullopt;
+  return scheme == "prefer-dark";
 }
 
 }  // namespace vistrel::qt

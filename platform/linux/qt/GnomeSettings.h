@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 namespace vistrel::qt {
 
@@ -9,19 +10,20 @@ namespace vistrel::qt {
 class GnomeSettings {
  public:
   /// None where the desktop has no such setting. `handler` is called from the main loop when it changes.
-  [[nodiscard]] static std::unique_ptr<GnomeSettings> open(std::function<void(bool isDark)> handler);
+  [[nodiscard]] static std::unique_ptr<GnomeSettings> open(std::function<void()> handler);
   GnomeSettings(const GnomeSettings&) = delete;
   GnomeSettings& operator=(const GnomeSettings&) = delete;
   ~GnomeSettings();
 
-  [[nodiscard]] bool prefersDark() const;
+  /// None while the setting says neither.
+  [[nodiscard]] std::optional<bool> prefersDark() const;
 
  private:
   struct Handle;
-  GnomeSettings(std::unique_ptr<Handle> handle, std::function<void(bool isDark)> handler);
+  GnomeSettings(std::unique_ptr<Handle> handle, std::function<void()> handler);
 
   std::unique_ptr<Handle> handle_;
-  std::function<void(bool isDark)> handler_;
+  std::function<void()> handler_;
 };
 
 }  // namespace vistrel::qt

@@ -4,6 +4,8 @@
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusReply>
 #include <QGuiApplication>
 #include <cstdlib>
 #include <string>
@@ -16,6 +18,9 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr const char* kWatcher = "org.kde.StatusNotifierWatcher";
+constexpr const char* kWatcherPath = "/StatusNotifierWatcher";
+// In milliseconds.
+constexpr int kAnswerPatience = 250;
 // A panel that speaks both ways announces the embedding first, and is gone for a while when it is restarted.
 constexpr milliseconds kPatience{1000};
 
@@ -41,9 +46,15 @@ bool hasEmbeddingHost() {
   return reply && reply->owner != XCB_NONE;
 }
 
+// A watcher may be there before any host is, and Qt asks it once for the whole process: not too early.
 bool hasBusHost() {
-  const auto* bus = QDBusConnection::sessionBus().interface();
-  return bus && bus->isServiceRegistered(kWatcher);
+  const auto bus = QDBusConnection::sessionBus();
+  if (!bus.interface() || !bus.interface()->isServiceRegistered(kWatcher)) return false;
+  auto question =
+      QDBusMessage::createMethodCall(kWatcher, kWatcherPath, "org.freedesktop.DBus.Properties", "Get");
+  question << kWatcher << "IsStatusNotifierHostRegistered";
+  const QDBusReply<QVariant> answer = bus.call(question, QDBus::Block, kAnswerPatience);
+  return answer.isValid() && answer.value().toBool();
 }
 
 TrayHost present() {
@@ -56,6 +67,8 @@ TrayHost present() {
 TrayHostWatch::TrayHostWatch(std::function<void(TrayHost)> handler)
     : handler_(std::move(handler)),
       busHosts_(kWatcher, QDBusConnection::sessionBus(), QDBusServiceWatcher::WatchForOwnerChange) {
+  QDBusConnection::sessionBus().connect(kWatcher, kWatcherPath, kWatcher, "StatusNotifierHostRegistered",
+                                        this, SLOT(look()));
   QObject::connect(&busHosts_, &QDBusServiceWatcher::serviceOwnerChanged, [this] { look(); });
   qApp->installNativeEventFilter(this);
   look();

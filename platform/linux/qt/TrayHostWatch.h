@@ -2,6 +2,7 @@
 
 #include <QAbstractNativeEventFilter>
 #include <QDBusServiceWatcher>
+#include <QObject>
 #include <functional>
 #include <memory>
 
@@ -14,7 +15,9 @@ namespace vistrel::qt {
 enum class TrayHost { None, Bus, Embedding };
 
 /// Watches for tray hosts, which may come late, end, or be replaced by one of the other kind.
-class TrayHostWatch final : public QAbstractNativeEventFilter {
+class TrayHostWatch final : public QObject, public QAbstractNativeEventFilter {
+  Q_OBJECT
+
  public:
   /// `handler` is called from the main loop with a host of another kind than before. It hears nothing of one
   /// that ends: an icon waits for the next of its kind.
@@ -23,8 +26,10 @@ class TrayHostWatch final : public QAbstractNativeEventFilter {
 
   bool nativeEventFilter(const QByteArray& type, void* message, qintptr* result) override;
 
- private:
+ private slots:
   void look();
+
+ private:
   void settle();
 
   std::function<void(TrayHost)> handler_;
