@@ -9,6 +9,7 @@ import os
 import pathlib
 import shutil
 import signal
+import socket
 import subprocess
 import sys
 import tempfile
@@ -26,6 +27,7 @@ from stage.screen import Screen  # noqa: E402
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 CONFIGURATION = ROOT / "stage" / "config"
 WATCHER = "org.kde.StatusNotifierWatcher"
+SESSION_MANAGER = "org.xfce.SessionManager"
 TRAY = "_NET_SYSTEM_TRAY_S0"
 PANEL_MODES = {"top": (0, 6), "bottom": (0, 10), "left": (1, 6), "right": (1, 2)}  # upright or not, and its snapping
 
@@ -177,6 +179,22 @@ class Desktop:
     def stop_host(self):
         self.host.end()
         wait_until(lambda: not self.screen.owns_selection(TRAY), "the end of the tray host")
+
+    def start_session_manager(self):
+        """Starts xfce4-session; what is started from now on belongs to its session."""
+        folder = self.folder / "config" / "xfce4" / "xfconf" / "xfce-perchannel-xml"
+        folder.mkdir(parents=True, exist_ok=True)
+        shutil.copy(CONFIGURATION / "xfce4-session.xml", folder)
+        manager = self.start(["xfce4-session", "--disable-tcp"])
+        wait_until(lambda: self.bus.has_owner(SESSION_MANAGER), "xfce4-session")
+        self.environment["SESSION_MANAGER"] = f"local/{socket.gethostname()}:@/tmp/.ICE-unix/{manager.pid}"
+        self.environment["ICEAUTHORITY"] = str(self.folder / "run" / "ICEauthority")
+        return manager
+
+    def end_session(self):
+        """Logs out, as from the desktop's menu, and has the session saved."""
+        self.bus.call(SESSION_MANAGER, "/org/xfce/SessionManager", "org.xfce.Session.Manager", "Logout", "(bb)",
+                      False, True)
 
     def start_pipewire(self, wait=True):
         self._pipewire = [self.start(["pipewire"])]

@@ -132,11 +132,50 @@ class DarkModeTest(DesktopTest):
         portal.set_scheme(1)
         wait_until(lambda: self.frame_colour(vistrel) == dark, "a dark frame")
 
+    def test_without_a_word_of_the_portal_the_desktops_own_setting_counts(self):
+        self.desktop.camera()
+        portal = Portal(self.desktop, -1)
+        self.addCleanup(portal.close)
+        file = self.desktop.folder / "config" / "glib-2.0" / "settings" / "keyfile"
+        file.parent.mkdir(parents=True)
+
+        def put(scheme):
+            file.write_text(f"[org/gnome/desktop/interface]\ncolor-scheme='{scheme}'\n")
+        put("prefer-dark")
+        vistrel = self.start(environment={"GSETTINGS_BACKEND": "keyfile"})
+        self.open(vistrel)
+        dark = self.frame_colour(vistrel)
+        self.assertLess(max(dark), 128)
+        self.assertNotIn("Switched modes", vistrel.lines)
+        put("default")
+        vistrel.wait_line("Switched modes")
+        wait_until(lambda: sum(self.frame_colour(vistrel)) > sum(dark) + 150, "a light frame")
+
     def frame_colour(self, vistrel):
         """The colour of the tip between the icon and the picture."""
         icon = vistrel.icon()
         top = self.screen.live_picture()["place"][1]
         return self.screen.colour((centre(icon)[0], top - 4))
+
+
+class SessionTest(DesktopTest):
+    stage = {"host": None}
+
+    def test_the_end_of_the_session_ends_it_in_an_orderly_way_and_for_good(self):
+        camera = self.desktop.camera()
+        manager = self.desktop.start_session_manager()
+        vistrel = self.start(awaits_icon=False)
+        wait_until(lambda: len(vistrel.lines) == 2, "the end of the launch")
+        Program(self.desktop, awaits_icon=False).process.wait()
+        self.screen.live_picture()
+        self.desktop.end_session()
+        self.assertEqual(vistrel.process.wait(), 0)
+        self.wait_closed(camera)
+        self.assertEqual(vistrel.process.errors, [])
+        manager.wait()
+        saved = "".join(path.read_text() for path in (self.desktop.folder / "cache" / "sessions").iterdir())
+        self.assertIn("Client0_Program=", saved)
+        self.assertNotIn("vistrel", saved.replace(str(self.desktop.folder), ""))
 
 
 class TrayTest(DesktopTest):
