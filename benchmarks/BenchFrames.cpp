@@ -1,12 +1,9 @@
 #include "benchmarks/BenchFrames.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 #include <random>
 
-// The library's header needs <cstdio> above it.
-#include <jpeglib.h>
+#include "tests/unit/camera/JpegEncoder.h"
 
 namespace vistrel::bench {
 namespace {
@@ -62,33 +59,11 @@ std::vector<std::vector<std::uint8_t>> rawFrames(capture::PixelFormat format, Pi
 }
 
 std::vector<std::uint8_t> jpegFrame(PixelSize size, Scene scene) {
-  jpeg_compress_struct codec{};
-  jpeg_error_mgr errors{};
-  codec.err = jpeg_std_error(&errors);
-  jpeg_create_compress(&codec);
-  unsigned char* memory = nullptr;
-  unsigned long length = 0;
-  jpeg_mem_dest(&codec, &memory, &length);
-  codec.image_width = static_cast<JDIMENSION>(size.width);
-  codec.image_height = static_cast<JDIMENSION>(size.height);
-  codec.input_components = 3;
-  codec.in_color_space = JCS_YCbCr;
-  jpeg_set_defaults(&codec);
-  jpeg_set_quality(&codec, scene == Scene::Rich ? kRichQuality : kPlainQuality, TRUE);
-  codec.comp_info[0].v_samp_factor = 1;
-  jpeg_start_compress(&codec, TRUE);
   std::minstd_rand random(1);
-  std::vector<std::uint8_t> row(3 * static_cast<std::size_t>(size.width));
-  JSAMPROW rows[] = {row.data()};
-  for (int y = 0; y < size.height; ++y) {
+  const int quality = scene == Scene::Rich ? kRichQuality : kPlainQuality;
+  return capture::encodeJpeg({.size = size, .quality = quality}, [&](int y, std::vector<std::uint8_t>& row) {
     fillRow(row, size, y, scene, random);
-    jpeg_write_scanlines(&codec, rows, 1);
-  }
-  jpeg_finish_compress(&codec);
-  std::vector<std::uint8_t> jpeg(memory, memory + length);
-  jpeg_destroy_compress(&codec);
-  std::free(memory);
-  return jpeg;
+  });
 }
 
 }  // namespace vistrel::bench
