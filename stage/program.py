@@ -83,13 +83,16 @@ class Program:
             return []
         items = self.desktop.bus.property(WATCHER, "/StatusNotifierWatcher", WATCHER, "RegisteredStatusNotifierItems")
         mine = [index for index, item in enumerate(items) if self._process_of(item.split("/")[0]) == self.pid]
-        trays = [window["place"] for window in windows if window["class"] == "Wrapper-2.0"
-                 and any(inside(window["place"], dock) for dock in docks)]
-        if not trays or not items or max(trays[0][2:]) < ICON_SIZE * len(items):
+        trays = [(window["place"], dock) for window in windows if window["class"] == "Wrapper-2.0"
+                 for dock in docks if inside(window["place"], dock)]
+        if not trays or not items:
             return []
-        x, y, width, height = trays[0]
-        step = max(width, height) // len(items)
-        if height > width:
+        (x, y, width, height), dock = trays[0]
+        is_upright = dock[3] > dock[2]
+        step = (height if is_upright else width) // len(items)
+        if step < ICON_SIZE:  # not laid out yet
+            return []
+        if is_upright:
             return [[x, y + step * index, width, step] for index in mine]
         return [[x + step * index, y, step, height] for index in mine]
 
