@@ -33,6 +33,8 @@ bool isValidUtf8(std::string_view text) {
   return true;
 }
 
+std::string repairedUtf8(std::string_view text) { return toUtf8(toUtf16(text)); }
+
 bool areEqual(std::string_view a, std::string_view b) {
   if (a == b) return true;
   if (!isValidUtf8(a) || !isValidUtf8(b)) return false;

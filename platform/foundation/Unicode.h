@@ -21,4 +21,7 @@ namespace vistrel::unicode {
 
 [[nodiscard]] bool isValidUtf8(std::string_view text);
 
+/// The text with U+FFFD in the place of what is not UTF-8.
+[[nodiscard]] std::string repairedUtf8(std::string_view text);
+
 }  // namespace vistrel::unicode

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <string_view>
 
+#include "foundation/Unicode.h"
 #include "linux/camera/Attachment.h"
 #include "linux/camera/PipeWireDevice.h"
 #include "linux/camera/Problem.h"
@@ -22,7 +23,7 @@ std::string idOf(const PipeWireNode& node) {
 // The session manager decorates its descriptions; the driver's own name is the one that V4L2 gives too.
 std::string nameOf(const PipeWireNode& node) {
   for (const char* key : {SPA_KEY_API_V4L2_CAP_CARD, PW_KEY_NODE_DESCRIPTION, PW_KEY_NODE_NAME})
-    if (const auto* name = node.property(key)) return *name;
+    if (const auto* name = node.property(key)) return unicode::repairedUtf8(*name);
   return {};
 }
 

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string_view>
 
+#include "foundation/Unicode.h"
 #include "linux/camera/Attachment.h"
 #include "linux/camera/Problem.h"
 #include "linux/camera/V4l2Device.h"
@@ -17,9 +18,10 @@ namespace {
 constexpr std::string_view kIdPrefix = "v4l2:";
 constexpr std::string_view kNodePrefix = "video";
 
+// The kernel cuts a long name off, if need be in the middle of a character.
 std::string cardOf(const v4l2_capability& capability) {
   const auto* card = reinterpret_cast<const char*>(capability.card);
-  return {card, strnlen(card, sizeof capability.card)};
+  return unicode::repairedUtf8({card, strnlen(card, sizeof capability.card)});
 }
 
 // A camera that may not be opened now is still one: choosing it tells why.

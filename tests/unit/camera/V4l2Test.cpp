@@ -67,8 +67,9 @@ TEST_F(V4l2Test, ListsEachUsableCameraOnce) {
   system_.script[node(4)] = {.card = "Locked", .index = 1, .openResult = -EACCES};
   system_.script[node(5)] = {.card = "Dead", .openResult = -ENXIO};
   system_.script[node(6)] = {.card = "<b>&\n", .modes = {{.format = V4L2_PIX_FMT_MJPEG, .rates = {}}}};
+  system_.script[node(7)] = {.card = "Kamera \xd0\x9a\xd0"};
   makeProvider();
-  EXPECT_EQ(names(), (std::vector<std::string>{"UVC", "Locked", "<b>&\n"}));
+  EXPECT_EQ(names(), (std::vector<std::string>{"UVC", "Locked", "<b>&\n", "Kamera \u041a\ufffd"}));
   EXPECT_EQ(system_.openCount(), 0);
 }
 
