@@ -1,6 +1,7 @@
 #include "benchmarks/BenchFrames.h"
 
 #include <algorithm>
+#include <array>
 #include <random>
 
 #include "tests/unit/camera/JpegEncoder.h"
@@ -9,6 +10,7 @@ namespace vistrel::bench {
 namespace {
 
 constexpr int kFrames = 6;
+constexpr std::size_t kNoise = 65521;  // of which a row is no multiple
 constexpr int kPlainQuality = 80;
 constexpr int kRichQuality = 75;
 constexpr unsigned kGrain = 12;
@@ -53,8 +55,12 @@ PixelSize glassFor(PixelSize source, PixelSize glass) {
 std::vector<std::vector<std::uint8_t>> rawFrames(capture::PixelFormat format, PixelSize size) {
   std::minstd_rand random(1);
   std::vector<std::vector<std::uint8_t>> frames(kFrames, std::vector<std::uint8_t>(bytesOf(format, size)));
+  std::array<std::uint8_t, kNoise> noise{};
+  for (auto& byte : noise) byte = static_cast<std::uint8_t>(random() >> 8);
   for (auto& frame : frames)
-    for (auto& byte : frame) byte = static_cast<std::uint8_t>(random() >> 8);
+    for (std::size_t at = 0; at < frame.size(); at += kNoise)
+      std::copy_n(noise.begin(), std::min(kNoise, frame.size() - at),
+                  frame.begin() + static_cast<std::ptrdiff_t>(at));
   return frames;
 }
 

@@ -13,6 +13,8 @@ import sys
 import time
 
 from benchmarks import report
+from benchmarks.cases import EVERY_CASE
+from benchmarks.profile import profile
 from benchmarks.record import Record
 from benchmarks.rounds import FULL, QUICK, Rounds
 from stage.desktop import ROOT
@@ -34,10 +36,16 @@ def main():
     parser.add_argument("--quick", action="store_true", help="one round of few cases, 3 minutes: a smoke check")
     parser.add_argument("--rounds", type=int, help="instead of three")
     parser.add_argument("--case", default="", help="only the cases with this in their name: 'raw 1280'")
+    parser.add_argument("--profile", action="store_true",
+                        help="instead: where Vistrel's time goes in the cases of --case, by perf")
     parser.add_argument("--document", type=pathlib.Path, metavar="JSON", help="write what a run gave as Markdown")
     options = parser.parse_args()
     if options.document:
         print(report.document(Record.read(options.document)))
+        return 0
+    if options.profile:
+        for case in (case for case in EVERY_CASE if options.case in case.label):
+            print(profile(case, FOLDER), end="\n\n")
         return 0
     plan = QUICK if options.quick else FULL
     plan = dataclasses.replace(plan, rounds=options.rounds or plan.rounds)

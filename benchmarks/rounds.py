@@ -200,14 +200,15 @@ class Rounds:
 
     def _menus(self):
         for number in self._plan.menus:
-            self._on_desktop("menu", f"{number} cameras", lambda desktop: self._show_menu(desktop, number))
+            case = f"{number} camera{'s' if number > 1 else ''}"
+            self._on_desktop("menu", case, lambda desktop: self._show_menu(desktop, number, case))
 
-    def _show_menu(self, desktop, number):
+    def _show_menu(self, desktop, number, case):
         for index in range(number):
             desktop.camera(name=f"Camera {index}", node=f"camera{index}", **RAW_720.options)
         with self._with_viewer(desktop, Vistrel, Case(RAW_720, SMALL)) as vistrel:
             for measure in [measures.menu] + self._plan.repeats * [measures.menu_build]:
-                with self._kept("menu", Vistrel.name, f"{number} cameras") as values:
+                with self._kept("menu", Vistrel.name, case) as values:
                     values |= measure(desktop, vistrel)
 
     def _loop(self):
