@@ -80,8 +80,8 @@ View credits() {
 
 View links() {
   const std::string maker = std::string("© ") + kMaker;
-  return swiftui::HStack({swiftui::LinkButton(localized("FAQ"), [] { openAddress(address::kFaq); }), Text("|"),
-                          swiftui::LinkButton(maker, [] { openAddress(address::kMaker); })});
+  return swiftui::HStack({swiftui::LinkButton(localized("FAQ"), [] { openAddress(address::kFaq); }),
+                          Text("|"), swiftui::LinkButton(maker, [] { openAddress(address::kMaker); })});
 }
 
 }  // namespace
