@@ -41,7 +41,9 @@ host::StreamStart CaptureStream::awaitStart(std::chrono::milliseconds patience) 
   return mode_ ? device_->awaitStart(patience) : host::StreamStart::Failed;
 }
 
+// The decoder gives up while the device stops, so that their times do not add up.
 void CaptureStream::stop() {
+  if (decoder_) decoder_->callOff();
   device_->stop();
   client_ = nullptr;
   reset();

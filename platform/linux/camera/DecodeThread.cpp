@@ -2,66 +2,115 @@
 
 #include <sys/eventfd.h>
 
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
 #include <utility>
+#include <vector>
+
+#include "linux/camera/FileDescriptor.h"
 
 namespace vistrel::capture {
+namespace {
+
+constexpr std::chrono::milliseconds kEndingPatience{10};
+
+}  // namespace
+
+/// What both threads touch; it lives as long as the longer of them.
+struct DecodeThread::Shared {
+  enum class Slot { Empty, Waiting, Decoded, Damaged };
+
+  void run();
+  void work(JpegDecoder& decoder);
+
+  FileDescriptor wakeUp{::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
+  std::atomic<bool> shallEnd = false;
+
+  // Written by the side whose turn it is: main while the slot is empty, the thread while a frame waits.
+  std::vector<std::uint8_t> jpeg;
+  PixelSize glass;
+  OwnedPicture back;
+
+  std::mutex mutex;
+  std::condition_variable changed;
+  Slot slot = Slot::Empty;
+  bool hasEnded = false;
+};
+
+void DecodeThread::Shared::run() {
+  JpegDecoder decoder(shallEnd);
+  work(decoder);
+  const std::lock_guard lock(mutex);
+  hasEnded = true;
+  changed.notify_all();
+}
+
+void DecodeThread::Shared::work(JpegDecoder& decoder) {
+  std::unique_lock lock(mutex);
+  while (true) {
+    changed.wait(lock, [this] { return slot == Slot::Waiting || shallEnd; });
+    if (shallEnd) return;
+    lock.unlock();
+    const bool isWhole = decoder.decode(jpeg, glass, back);
+    lock.lock();
+    if (shallEnd) return;
+    slot = isWhole ? Slot::Decoded : Slot::Damaged;
+    const std::uint64_t one = 1;
+    (void)!::write(wakeUp.get(), &one, sizeof one);
+  }
+}
 
 DecodeThread::DecodeThread(Reactor& reactor, std::function<void(Outcome)> handler)
-    : handler_(std::move(handler)), wakeUp_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
-  registration_ = reactor.watch(wakeUp_.get(), [this] { takeOutcome(); });
-  thread_ = std::thread([this] { run(); });
+    : handler_(std::move(handler)), shared_(std::make_shared<Shared>()) {
+  registration_ = reactor.watch(shared_->wakeUp.get(), [this] { takeOutcome(); });
+  thread_ = std::thread([shared = shared_] { shared->run(); });
 }
 
 DecodeThread::~DecodeThread() {
-  registration_.reset();
+  callOff();
+  bool hasEnded = false;
   {
-    const std::lock_guard lock(mutex_);
-    slot_ = Slot::Quit;
+    std::unique_lock lock(shared_->mutex);
+    hasEnded = shared_->changed.wait_for(lock, kEndingPatience, [this] { return shared_->hasEnded; });
   }
-  changed_.notify_one();
-  thread_.join();
+  if (hasEnded)
+    thread_.join();
+  else
+    thread_.detach();
+}
+
+void DecodeThread::callOff() {
+  registration_.reset();
+  const std::lock_guard lock(shared_->mutex);
+  shared_->shallEnd = true;
+  shared_->changed.notify_all();
 }
 
 void DecodeThread::decode(std::span<const std::uint8_t> jpeg, PixelSize glass) {
   isIdle_ = false;
-  jpeg_.assign(jpeg.begin(), jpeg.end());
-  glass_ = glass;
-  {
-    const std::lock_guard lock(mutex_);
-    slot_ = Slot::Waiting;
-  }
-  changed_.notify_one();
+  shared_->jpeg.assign(jpeg.begin(), jpeg.end());
+  shared_->glass = glass;
+  const std::lock_guard lock(shared_->mutex);
+  shared_->slot = Shared::Slot::Waiting;
+  shared_->changed.notify_all();
 }
 
 void DecodeThread::takeOutcome() {
   std::uint64_t count = 0;
-  (void)!::read(wakeUp_.get(), &count, sizeof count);
+  (void)!::read(shared_->wakeUp.get(), &count, sizeof count);
   Outcome outcome = Outcome::Damaged;
   {
-    const std::lock_guard lock(mutex_);
-    if (slot_ != Slot::Decoded && slot_ != Slot::Damaged) return;
-    outcome = slot_ == Slot::Decoded ? Outcome::Decoded : Outcome::Damaged;
-    slot_ = Slot::Empty;
+    const std::lock_guard lock(shared_->mutex);
+    const auto slot = shared_->slot;
+    if (slot != Shared::Slot::Decoded && slot != Shared::Slot::Damaged) return;
+    outcome = slot == Shared::Slot::Decoded ? Outcome::Decoded : Outcome::Damaged;
+    shared_->slot = Shared::Slot::Empty;
   }
-  if (outcome == Outcome::Decoded) std::swap(front_, back_);
+  if (outcome == Outcome::Decoded) std::swap(front_, shared_->back);
   isIdle_ = true;
   handler_(outcome);
-}
-
-void DecodeThread::run() {
-  JpegDecoder decoder;
-  std::unique_lock lock(mutex_);
-  while (true) {
-    changed_.wait(lock, [this] { return slot_ == Slot::Waiting || slot_ == Slot::Quit; });
-    if (slot_ == Slot::Quit) return;
-    lock.unlock();
-    const bool isWhole = decoder.decode(jpeg_, glass_, back_);
-    lock.lock();
-    if (slot_ == Slot::Quit) return;
-    slot_ = isWhole ? Slot::Decoded : Slot::Damaged;
-    const std::uint64_t one = 1;
-    (void)!::write(wakeUp_.get(), &one, sizeof one);
-  }
 }
 
 }  // namespace vistrel::capture

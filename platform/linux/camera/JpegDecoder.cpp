@@ -21,6 +21,7 @@ struct JpegDecoder::State {
   bool isDamaged = false;
   PixelSize glass;
   OwnedPicture* out = nullptr;
+  const std::atomic<bool>* isCalledOff = nullptr;
 };
 
 namespace {
@@ -127,7 +128,7 @@ void readPlanes(State& state) {
     }
     const int most = codec.max_v_samp_factor * 2 * DCTSIZE;
     if (jpeg_read_raw_data(&codec, planes, static_cast<JDIMENSION>(most)) == 0) state.isDamaged = true;
-    if (state.isDamaged) return;
+    if (state.isDamaged || *state.isCalledOff) return;
   }
 }
 
@@ -143,14 +144,16 @@ bool decodeWhole(State& state) {
   if (codec.comp_info[0].h_samp_factor != codec.max_h_samp_factor) return false;
   layOut(state);
   readPlanes(state);
-  if (!state.isDamaged) jpeg_finish_decompress(&codec);
-  return !state.isDamaged;
+  const bool isWhole = !state.isDamaged && codec.output_scanline >= codec.output_height;
+  if (isWhole) jpeg_finish_decompress(&codec);
+  return isWhole && !state.isDamaged;
 }
 
 }  // namespace
 
-JpegDecoder::JpegDecoder() : state_(std::make_unique<State>()) {
+JpegDecoder::JpegDecoder(const std::atomic<bool>& isCalledOff) : state_(std::make_unique<State>()) {
   auto& state = *state_;
+  state.isCalledOff = &isCalledOff;
   state.codec.err = jpeg_std_error(&state.errors);
   state.errors.error_exit = giveUp;
   state.errors.emit_message = onMessage;

@@ -39,6 +39,16 @@ TEST(JpegDecoder, DecodesAtTheSmallestScaleThatFillsTheGlass) {
     }
 }
 
+TEST(JpegDecoder, GivesUpWhenCalledOffAndGoesOnLater) {
+  std::atomic<bool> isCalledOff = true;
+  JpegDecoder decoder(isCalledOff);
+  OwnedPicture out;
+  const auto jpeg = testJpeg({64, 48}, JpegSampling::Yuv420);
+  EXPECT_FALSE(decoder.decode(jpeg, {64, 48}, out));
+  isCalledOff = false;
+  EXPECT_TRUE(decoder.decode(jpeg, {64, 48}, out));
+}
+
 TEST(JpegDecoder, RefusesWhatIsDamagedAndGoesOn) {
   const auto whole = testJpeg({320, 240}, JpegSampling::Yuv422);
   JpegDecoder decoder;
