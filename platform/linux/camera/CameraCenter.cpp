@@ -85,10 +85,11 @@ void CameraCenter::useV4l2() {
 
 void CameraCenter::watchForDaemon() {
   const auto socket = daemonSocket();
-  daemonWatch_ =
-      std::make_unique<FileWatch>(reactor_, socket.parent_path(), [this, socket](const std::string& name) {
-        if (name == socket.filename() && !graph_->isConnected()) connect(kAttempts);
-      });
+  daemonWatch_ = std::make_unique<FileWatch>(reactor_, socket.parent_path(),
+                                             [this, socket](const std::string& name, auto) {
+                                               if (name == socket.filename() && !graph_->isConnected())
+                                                 connect(kAttempts);
+                                             });
 }
 
 }  // namespace vistrel::capture

@@ -12,8 +12,7 @@ constexpr std::uint32_t kChanges = IN_CREATE | IN_DELETE | IN_MOVED_TO | IN_MOVE
 
 }  // namespace
 
-FileWatch::FileWatch(Reactor& reactor, const std::string& folder,
-                     std::function<void(const std::string&)> handler)
+FileWatch::FileWatch(Reactor& reactor, const std::string& folder, Handler handler)
     : handler_(std::move(handler)), inotify_(::inotify_init1(IN_CLOEXEC | IN_NONBLOCK)) {
   if (!inotify_ || ::inotify_add_watch(inotify_.get(), folder.c_str(), kChanges) < 0) return;
   registration_ = reactor.watch(inotify_.get(), [this] { drain(); });
@@ -21,17 +20,18 @@ FileWatch::FileWatch(Reactor& reactor, const std::string& folder,
 
 // The handler may destroy this watch: everything is read before it is told.
 void FileWatch::drain() {
-  std::vector<std::string> names;
+  std::vector<std::pair<std::string, Change>> changes;
   alignas(inotify_event) char buffer[4096];
   for (ssize_t size = 0; (size = ::read(inotify_.get(), buffer, sizeof buffer)) > 0;) {
     for (ssize_t at = 0; at < size;) {
       const auto* event = reinterpret_cast<const inotify_event*>(buffer + at);
-      if (event->len > 0) names.emplace_back(event->name);
+      const bool isNew = (event->mask & (IN_CREATE | IN_MOVED_TO)) != 0;
+      if (event->len > 0) changes.emplace_back(event->name, isNew ? Change::Appeared : Change::Other);
       at += static_cast<ssize_t>(sizeof *event + event->len);
     }
   }
   const auto handler = handler_;
-  for (const auto& name : names) handler(name);
+  for (const auto& [name, change] : changes) handler(name, change);
 }
 
 }  // namespace vistrel::capture

@@ -12,16 +12,18 @@ namespace vistrel::capture {
 /// Watches a folder for files that appear, disappear or change their permissions.
 class FileWatch {
  public:
+  enum class Change { Appeared, Other };
+  using Handler = std::function<void(const std::string& name, Change change)>;
+
   /// `handler` is called from the main loop with the name of the file. A folder that cannot be watched is
   /// silent.
-  FileWatch(Reactor& reactor, const std::string& folder,
-            std::function<void(const std::string& name)> handler);
+  FileWatch(Reactor& reactor, const std::string& folder, Handler handler);
 
   /// Takes in what has happened already, without waiting for the main loop.
   void drain();
 
  private:
-  std::function<void(const std::string&)> handler_;
+  Handler handler_;
   FileDescriptor inotify_;
   std::unique_ptr<Registration> registration_;
 };

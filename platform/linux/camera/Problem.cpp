@@ -21,6 +21,8 @@ Error errorOf(Problem problem) {
       return {"The camera is in use by another program."};
     case Problem::Denied:
       return {"Access to the camera is denied."};
+    case Problem::Silent:
+      return {"The camera does not answer."};
     default:
       return {"The camera is no longer connected."};
   }

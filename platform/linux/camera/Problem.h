@@ -7,7 +7,7 @@
 namespace vistrel::capture {
 
 /// Why a camera cannot be had.
-enum class Problem { Gone, Busy, Denied };
+enum class Problem { Gone, Busy, Denied, Silent };
 
 [[nodiscard]] Error errorOf(Problem problem);
 /// What a failed system call means for a camera.

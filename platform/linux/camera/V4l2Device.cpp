@@ -1,6 +1,5 @@
 #include "linux/camera/V4l2Device.h"
 
-#include <cerrno>
 #include <utility>
 
 #include "linux/camera/Problem.h"
@@ -9,46 +8,40 @@
 namespace vistrel::capture {
 namespace {
 
+constexpr std::chrono::milliseconds kOpeningPatience{250};
 constexpr std::chrono::milliseconds kClosingPatience{90};
-
-// Freeing the buffers that we do not have changes nothing and asks nothing of the hardware, which may hang;
-// but a device that somebody else streams from refuses.
-bool isBusy(V4l2System& system, int fd) {
-  v4l2_requestbuffers request{};
-  request.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
-  request.memory = V4L2_MEMORY_MMAP;
-  return system.ioctl(fd, VIDIOC_REQBUFS, &request) == -EBUSY;
-}
 
 }  // namespace
 
 Result<std::unique_ptr<CaptureDevice>> V4l2Device::open(Reactor& reactor, V4l2System& system,
                                                         const std::string& path) {
-  const int fd = system.open(path);
-  if (fd < 0) return errorOfCall(-fd);
-  if (isBusy(system, fd)) {
-    system.close(fd);
-    return errorOf(Problem::Busy);
-  }
-  return std::unique_ptr<CaptureDevice>(new V4l2Device(reactor, system, path, fd));
+  auto run = std::make_shared<V4l2Run>(system, path);
+  run->open();
+  const auto state = run->await(kOpeningPatience);
+  if (state == V4l2Run::State::Opened)
+    return std::unique_ptr<CaptureDevice>(new V4l2Device(reactor, system, path, std::move(run)));
+  run->end(state == V4l2Run::State::Opening ? std::chrono::milliseconds() : kClosingPatience);
+  return state == V4l2Run::State::Opening ? errorOf(Problem::Silent) : run->error();
 }
 
-V4l2Device::V4l2Device(Reactor& reactor, V4l2System& system, std::string path, int fd)
-    : reactor_(reactor), system_(system), path_(std::move(path)), modes_(modesOf(system, fd)), fd_(fd) {}
+V4l2Device::V4l2Device(Reactor& reactor, V4l2System& system, std::string path, std::shared_ptr<V4l2Run> run)
+    : reactor_(reactor),
+      system_(system),
+      path_(std::move(path)),
+      modes_(run->modes()),
+      run_(std::move(run)) {}
 
-V4l2Device::~V4l2Device() {
-  stop();
-  if (fd_ >= 0) system_.close(fd_);
-}
+V4l2Device::~V4l2Device() { close(); }
 
 void V4l2Device::begin(const ModeChoice& mode, CaptureClient& client) {
   stop();
   client_ = &client;
   mode_ = mode;
   self_ = std::make_shared<V4l2Device*>(this);
-  const int fd = fd_ >= 0 ? std::exchange(fd_, -1) : system_.open(path_);
-  if (fd < 0) return failLater(errorOfCall(-fd));
-  run_ = std::make_shared<V4l2Run>(system_, fd);
+  if (!run_) {
+    run_ = std::make_shared<V4l2Run>(system_, path_);
+    run_->open();
+  }
   run_->begin(mode, [&reactor = reactor_, self = std::weak_ptr(self_)] {
     reactor.post([self] {
       if (const auto device = self.lock()) (*device)->settle();
@@ -59,7 +52,7 @@ void V4l2Device::begin(const ModeChoice& mode, CaptureClient& client) {
 host::StreamStart V4l2Device::awaitStart(std::chrono::milliseconds patience) {
   if (failure_) return host::StreamStart::Failed;
   const auto state = run_->await(patience);
-  isStartUntold_ = state == V4l2Run::State::Starting;
+  isStartUntold_ = state == V4l2Run::State::Starting || state == V4l2Run::State::Opening;
   if (isStartUntold_) return host::StreamStart::Pending;
   if (state != V4l2Run::State::Running) {
     failLater(run_->error());
@@ -69,7 +62,9 @@ host::StreamStart V4l2Device::awaitStart(std::chrono::milliseconds patience) {
   return host::StreamStart::Running;
 }
 
+// Before a start the opened device stays so.
 void V4l2Device::stop() {
+  if (!self_) return;
   close();
   client_ = nullptr;
   failure_.reset();

@@ -14,7 +14,8 @@ namespace vistrel::capture {
 /// A camera opened directly. Frames stay in the driver's mapped buffers; only the newest is held.
 class V4l2Device final : public CaptureDevice {
  public:
-  /// Opens the camera at `path`; the error tells whether it is gone, busy or denied.
+  /// Opens the camera at `path`; the error tells whether it is gone, busy, denied or does not
+  /// answer.
   static Result<std::unique_ptr<CaptureDevice>> open(Reactor& reactor, V4l2System& system,
                                                      const std::string& path);
   ~V4l2Device() override;
@@ -26,7 +27,7 @@ class V4l2Device final : public CaptureDevice {
   [[nodiscard]] std::optional<Frame> frame() const override;
 
  private:
-  V4l2Device(Reactor& reactor, V4l2System& system, std::string path, int fd);
+  V4l2Device(Reactor& reactor, V4l2System& system, std::string path, std::shared_ptr<V4l2Run> run);
 
   void failLater(Error error);
   void settle();
@@ -40,10 +41,9 @@ class V4l2Device final : public CaptureDevice {
   V4l2System& system_;
   std::string path_;
   std::vector<VideoMode> modes_;
-  int fd_ = -1;  // opened, but not handed to a run
   CaptureClient* client_ = nullptr;
   std::optional<ModeChoice> mode_;
-  std::shared_ptr<V4l2Run> run_;
+  std::shared_ptr<V4l2Run> run_;  // opened before it is begun
   std::unique_ptr<Registration> registration_;
   std::optional<V4l2Run::Filled> held_;
   bool isStartUntold_ = false;

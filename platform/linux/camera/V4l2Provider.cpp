@@ -1,31 +1,17 @@
 #include "linux/camera/V4l2Provider.h"
 
-#include <string.h>  // strnlen, which is POSIX only
-
-#include <cerrno>
-#include <optional>
+#include <algorithm>
 #include <string_view>
 
-#include "foundation/Unicode.h"
 #include "linux/camera/Attachment.h"
 #include "linux/camera/Problem.h"
 #include "linux/camera/V4l2Device.h"
-#include "linux/camera/V4l2Formats.h"
 
 namespace vistrel::capture {
 namespace {
 
-constexpr std::string_view kIdPrefix = "v4l2:";
 constexpr std::string_view kNodePrefix = "video";
-
-// The kernel cuts a long name off, if need be in the middle of a character.
-std::string cardOf(const v4l2_capability& capability) {
-  const auto* card = reinterpret_cast<const char*>(capability.card);
-  return unicode::repairedUtf8({card, strnlen(card, sizeof capability.card)});
-}
-
-// A camera that may not be opened now is still one: choosing it tells why.
-bool mayBecomeUsable(int error) { return error == -EACCES || error == -EPERM || error == -EBUSY; }
+constexpr std::chrono::milliseconds kLookPatience{250};
 
 }  // namespace
 
@@ -33,8 +19,8 @@ V4l2Provider::V4l2Provider(Reactor& reactor, V4l2System& system, const std::stri
     : reactor_(reactor),
       system_(system),
       folder_(folder),
-      watch_(reactor, folder, [this](const std::string& name) {
-        if (name.starts_with(kNodePrefix)) look(folder_ + "/" + name);
+      watch_(reactor, folder, [this](const std::string& name, FileWatch::Change change) {
+        if (name.starts_with(kNodePrefix)) changed(folder_ + "/" + name, change);
       }) {
   for (const auto& path : system_.nodes()) look(path);
 }
@@ -42,11 +28,13 @@ V4l2Provider::V4l2Provider(Reactor& reactor, V4l2System& system, const std::stri
 std::vector<CameraEntry> V4l2Provider::cameras() {
   watch_.drain();
   std::vector<CameraEntry> entries;
-  for (const auto& [path, name] : names_) {
+  for (auto& [path, node] : nodes_) {
+    if (const auto answer = node.probe->await(node.deadline)) node.name = *answer;
+    if (!node.name) continue;
     CameraEntry entry;
     entry.path = path;
-    entry.device.id = std::string(kIdPrefix) + path;
-    entry.device.localizedName = name;
+    entry.device.id = idOf(path, node);
+    entry.device.localizedName = *node.name;
     entry.device.isBuiltIn = attachmentOf(path) == Attachment::BuiltIn;
     entries.push_back(std::move(entry));
   }
@@ -54,29 +42,31 @@ std::vector<CameraEntry> V4l2Provider::cameras() {
 }
 
 Result<std::unique_ptr<CaptureDevice>> V4l2Provider::open(const std::string& id) {
-  if (!id.starts_with(kIdPrefix)) return errorOf(Problem::Gone);
-  return V4l2Device::open(reactor_, system_, id.substr(kIdPrefix.size()));
+  watch_.drain();
+  const auto found = std::find_if(nodes_.begin(), nodes_.end(),
+                                  [&](const auto& node) { return idOf(node.first, node.second) == id; });
+  if (found == nodes_.end()) return errorOf(Problem::Gone);
+  return V4l2Device::open(reactor_, system_, found->first);
+}
+
+void V4l2Provider::changed(const std::string& path, FileWatch::Change change) {
+  if (change == FileWatch::Change::Appeared) {
+    Node& node = nodes_[path];
+    node.name.reset();
+    ++node.arrivals;
+  }
+  look(path);
 }
 
 void V4l2Provider::look(const std::string& path) {
-  if (auto name = cameraAt(path))
-    names_[path] = *std::move(name);
-  else
-    names_.erase(path);
+  Node& node = nodes_[path];
+  if (!node.probe) node.probe = std::make_shared<V4l2Probe>(system_, path);
+  node.probe->look();
+  node.deadline = V4l2Probe::Clock::now() + kLookPatience;
 }
 
-std::optional<std::string> V4l2Provider::cameraAt(const std::string& path) {
-  const int fd = system_.open(path);
-  if (fd < 0) {
-    const auto label = system_.label(path);
-    const bool isFirst = label.index == 0 && !label.name.empty();
-    return mayBecomeUsable(fd) && isFirst ? std::optional(label.name) : std::nullopt;
-  }
-  v4l2_capability capability{};
-  const bool isCamera = system_.ioctl(fd, VIDIOC_QUERYCAP, &capability) >= 0 &&
-                        capturesPictures(capability) && !modesOf(system_, fd).empty();
-  system_.close(fd);
-  return isCamera ? std::optional(cardOf(capability)) : std::nullopt;
+std::string V4l2Provider::idOf(const std::string& path, const Node& node) {
+  return "v4l2:" + path + "#" + std::to_string(node.arrivals);
 }
 
 }  // namespace vistrel::capture

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <map>
 #include <memory>
 #include <string>
@@ -7,12 +8,14 @@
 #include "linux/camera/CameraProvider.h"
 #include "linux/camera/FileWatch.h"
 #include "linux/camera/Reactor.h"
+#include "linux/camera/V4l2Probe.h"
 #include "linux/camera/V4l2System.h"
 
 namespace vistrel::capture {
 
 /// The cameras of the kernel, for desktops without PipeWire. A node is looked at when it appears or changes,
-/// so that asking for the list opens nothing.
+/// so that asking for the list opens nothing. A device that does not answer is waited for once, 250 ms at
+/// most, and is listed when it has.
 class V4l2Provider final : public CameraProvider {
  public:
   /// `folder` is where the nodes appear.
@@ -22,14 +25,22 @@ class V4l2Provider final : public CameraProvider {
   Result<std::unique_ptr<CaptureDevice>> open(const std::string& id) override;
 
  private:
+  struct Node {
+    /// Counts the devices that were here one after the other: each is a camera of its own.
+    int arrivals = 0;
+    V4l2Probe::Answer name;
+    std::shared_ptr<V4l2Probe> probe;
+    V4l2Probe::Clock::time_point deadline;
+  };
+
+  void changed(const std::string& path, FileWatch::Change change);
   void look(const std::string& path);
-  /// The name of the camera behind a node; none when it is no usable one.
-  [[nodiscard]] std::optional<std::string> cameraAt(const std::string& path);
+  [[nodiscard]] static std::string idOf(const std::string& path, const Node& node);
 
   Reactor& reactor_;
   V4l2System& system_;
   std::string folder_;
-  std::map<std::string, std::string> names_;  // by path
+  std::map<std::string, Node> nodes_;  // by path
   FileWatch watch_;
 };
 

@@ -4,6 +4,7 @@
 #include <cerrno>
 
 #include "linux/camera/Problem.h"
+#include "linux/camera/V4l2Formats.h"
 
 namespace vistrel::capture {
 namespace {
@@ -21,21 +22,37 @@ v4l2_buffer bufferAt(std::uint32_t index) {
   return buffer;
 }
 
+// Freeing the buffers that we do not have changes nothing and asks nothing of the hardware; but a device that
+// somebody else streams from refuses.
+bool isBusy(V4l2System& system, int fd) {
+  v4l2_requestbuffers request{};
+  request.type = kType;
+  request.memory = V4L2_MEMORY_MMAP;
+  return system.ioctl(fd, VIDIOC_REQBUFS, &request) == -EBUSY;
+}
+
 }  // namespace
 
+void V4l2Run::open() {
+  thread_ = std::thread([self = shared_from_this()] { self->run(); });
+}
+
 void V4l2Run::begin(const ModeChoice& mode, std::function<void()> onSettled) {
-  thread_ =
-      std::thread([self = shared_from_this(), mode, done = std::move(onSettled)] { self->run(mode, done); });
+  const std::lock_guard lock(mutex_);
+  mode_ = mode;
+  onSettled_ = std::move(onSettled);
+  if (state_ == State::Opened) state_ = State::Starting;
+  changed_.notify_all();
 }
 
 V4l2Run::State V4l2Run::await(std::chrono::milliseconds patience) {
   std::unique_lock lock(mutex_);
-  changed_.wait_for(lock, patience, [this] { return state_ != State::Starting; });
+  changed_.wait_for(lock, patience, [this] { return state_ != State::Opening && state_ != State::Starting; });
   return state_;
 }
 
 void V4l2Run::end(std::chrono::milliseconds patience) {
-  if (!thread_.joinable()) return close();
+  if (!thread_.joinable()) return;
   bool hasEnded = false;
   {
     std::unique_lock lock(mutex_);
@@ -50,23 +67,41 @@ void V4l2Run::end(std::chrono::milliseconds patience) {
     thread_.detach();
 }
 
-void V4l2Run::run(const ModeChoice& mode, const std::function<void()>& onSettled) {
-  const auto result = prepare(mode);
-  if (!result) error_ = result.error();
-  setState(result ? State::Running : State::Failed);
-  onSettled();
-  {
-    std::unique_lock lock(mutex_);
-    changed_.wait(lock, [this] { return shallEnd_; });
+void V4l2Run::run() {
+  settle(openDevice(), State::Opened);
+  std::unique_lock lock(mutex_);
+  changed_.wait(lock, [this] { return mode_ || shallEnd_; });
+  if (!shallEnd_ && state_ == State::Starting) {
+    lock.unlock();
+    settle(prepare(*mode_), State::Running);
+    lock.lock();
   }
+  changed_.wait(lock, [this] { return shallEnd_; });
+  lock.unlock();
   close();
-  setState(State::Ended);
+  lock.lock();
+  state_ = State::Ended;
+  changed_.notify_all();
 }
 
-void V4l2Run::setState(State state) {
+Result<void> V4l2Run::openDevice() {
+  const int fd = system_.open(path_);
+  if (fd < 0) return errorOfCall(-fd);
+  fd_ = fd;
+  if (isBusy(system_, fd_)) return errorOf(Problem::Busy);
+  modes_ = modesOf(system_, fd_);
+  return {};
+}
+
+// Whoever is told may be gone once `end` has been called: that waits for the lock.
+void V4l2Run::settle(const Result<void>& result, State success) {
   const std::lock_guard lock(mutex_);
-  state_ = state;
+  if (!result) error_ = result.error();
+  const bool goesOn = result && success == State::Opened && mode_;
+  if (goesOn) success = State::Starting;
+  state_ = result ? success : State::Failed;
   changed_.notify_all();
+  if (onSettled_ && !goesOn && !shallEnd_) onSettled_();
 }
 
 Result<void> V4l2Run::prepare(const ModeChoice& mode) {

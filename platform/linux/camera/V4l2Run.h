@@ -10,7 +10,9 @@
 #include <mutex>
 #include <optional>
 #include <span>
+#include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "foundation/Result.h"
@@ -19,25 +21,30 @@
 
 namespace vistrel::capture {
 
-/// One run of a device, from setting its format to closing it. A driver may block for seconds in either, so
-/// both happen on a thread of the run's own, which sleeps in between; nobody waits for it without bounds.
+/// One run of a device, from opening to closing it. A driver may block for seconds in either and in starting,
+/// so all three happen on a thread of the run's own, which sleeps in between; nobody waits for it without
+/// bounds.
 class V4l2Run : public std::enable_shared_from_this<V4l2Run> {
  public:
-  enum class State { Starting, Running, Failed, Ended };
+  enum class State { Opening, Opened, Starting, Running, Failed, Ended };
 
-  /// Takes the opened device over.
-  V4l2Run(V4l2System& system, int fd) : system_(system), fd_(fd) {}
+  V4l2Run(V4l2System& system, std::string path) : system_(system), path_(std::move(path)) {}
   V4l2Run(const V4l2Run&) = delete;
   V4l2Run& operator=(const V4l2Run&) = delete;
 
-  /// Starts; `onSettled` is called on the run's thread once it runs or has failed.
+  /// Opens the device and reads its modes.
+  void open();
+  /// Starts, as soon as it is opened; `onSettled` is called on the run's thread once it runs or has failed,
+  /// but not after `end`.
   void begin(const ModeChoice& mode, std::function<void()> onSettled);
-  /// Waits for the start within bounds and tells how it stands.
+  /// Waits for the opening or the start within bounds and tells how it stands.
   State await(std::chrono::milliseconds patience);
   /// Stops and closes the device, waiting at most `patience` for it.
   void end(std::chrono::milliseconds patience);
 
-  /// Why the start failed.
+  /// What the device offers; once opened.
+  [[nodiscard]] const std::vector<VideoMode>& modes() const { return modes_; }
+  /// Why the opening or the start failed.
   [[nodiscard]] const Error& error() const { return error_; }
   /// The format that the driver settled on; while running.
   [[nodiscard]] const v4l2_pix_format& format() const { return format_; }
@@ -60,24 +67,29 @@ class V4l2Run : public std::enable_shared_from_this<V4l2Run> {
     std::size_t length = 0;
   };
 
-  void run(const ModeChoice& mode, const std::function<void()>& onSettled);
+  void run();
+  Result<void> openDevice();
+  void settle(const Result<void>& result, State success);
   Result<void> prepare(const ModeChoice& mode);
   Result<void> setFormat(const ModeChoice& mode);
   void setRate(const ModeChoice& mode);
   int makeBuffers();
   int mapBuffer(std::uint32_t index);
   void close();
-  void setState(State state);
 
   V4l2System& system_;
-  int fd_;
+  std::string path_;
+  int fd_ = -1;
+  std::vector<VideoMode> modes_;
   std::vector<Buffer> buffers_;
   v4l2_pix_format format_{};
   Error error_;
 
   std::mutex mutex_;
   std::condition_variable changed_;
-  State state_ = State::Starting;
+  State state_ = State::Opening;
+  std::optional<ModeChoice> mode_;
+  std::function<void()> onSettled_;
   bool shallEnd_ = false;
   std::thread thread_;
 };

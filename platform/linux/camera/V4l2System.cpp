@@ -60,8 +60,9 @@ class Kernel final : public V4l2System {
 }  // namespace
 
 V4l2System& V4l2System::kernel() {
-  static Kernel kernel;
-  return kernel;
+  // Never destroyed: a thread that a driver holds up may outlive the end of the program.
+  static auto* const kernel = new Kernel;
+  return *kernel;
 }
 
 }  // namespace vistrel::capture

@@ -7,7 +7,7 @@
 namespace vistrel::capture {
 
 /// The system calls that V4L2 is made of, so that a test can stand in for the kernel. Calls answer a negative
-/// errno for a failure. May be called from two threads at once.
+/// errno for a failure. May be called from several threads at once.
 class V4l2System {
  public:
   virtual ~V4l2System() = default;

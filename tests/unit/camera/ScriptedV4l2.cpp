@@ -44,9 +44,15 @@ void ScriptedV4l2::holdStreaming(bool isHeld) {
   released_.notify_all();
 }
 
+void ScriptedV4l2::holdOpening(bool isHeld) {
+  const std::lock_guard lock(mutex_);
+  isOpeningHeld_ = isHeld;
+  released_.notify_all();
+}
+
 int ScriptedV4l2::openCount() {
   const std::lock_guard lock(mutex_);
-  return static_cast<int>(opened_.size());
+  return static_cast<int>(opened_.size()) + opening_;
 }
 
 int ScriptedV4l2::mappedCount() {
@@ -66,12 +72,16 @@ std::vector<std::string> ScriptedV4l2::nodes() {
 }
 
 V4l2System::Label ScriptedV4l2::label(const std::string& path) {
+  const std::lock_guard lock(mutex_);
   return {script[path].card, script[path].index};
 }
 
 // Every opening shares one descriptor underneath, as a device has one queue.
 int ScriptedV4l2::open(const std::string& path) {
-  const std::lock_guard lock(mutex_);
+  std::unique_lock lock(mutex_);
+  ++opening_;
+  released_.wait(lock, [this] { return !isOpeningHeld_; });
+  --opening_;
   const auto node = script.find(path);
   if (node == script.end()) return -ENOENT;
   if (node->second.openResult < 0) return node->second.openResult;

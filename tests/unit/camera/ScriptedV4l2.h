@@ -43,7 +43,10 @@ class ScriptedV4l2 final : public V4l2System {
   void unplug();
   /// While held, switching a stream on does not return.
   void holdStreaming(bool isHeld);
+  /// While held, opening does not return.
+  void holdOpening(bool isHeld);
 
+  /// Nodes that are open or are being opened.
   [[nodiscard]] int openCount();
   [[nodiscard]] int mappedCount();
   [[nodiscard]] std::size_t queuedCount();
@@ -67,6 +70,8 @@ class ScriptedV4l2 final : public V4l2System {
   std::mutex mutex_;
   std::condition_variable released_;
   bool isHeld_ = false;
+  bool isOpeningHeld_ = false;
+  int opening_ = 0;
   bool isUnplugged_ = false;
   std::map<int, std::string> opened_;
   FileDescriptor ready_;

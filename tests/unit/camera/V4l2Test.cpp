@@ -28,16 +28,32 @@ class V4l2Test : public testing::Test, public CaptureClient {
     for (const auto& entry : provider_->cameras()) names.push_back(entry.device.localizedName);
     return names;
   }
-  void makeProvider() { provider_ = std::make_unique<V4l2Provider>(reactor_, system_, folder_); }
-  std::string openError(int number) {
-    makeProvider();
-    const auto device = provider_->open("v4l2:" + node(number));
+  // Waits for its first look, too.
+  void makeProvider() {
+    provider_ = std::make_unique<V4l2Provider>(reactor_, system_, folder_);
+    names();
+  }
+  std::string idOf(int number) {
+    for (const auto& entry : provider_->cameras())
+      if (entry.device.id.starts_with("v4l2:" + node(number))) return entry.device.id;
+    return {};
+  }
+  std::string openError(const std::string& id) {
+    const auto device = provider_->open(id);
     return device ? "" : device.error().message;
+  }
+  bool waitForOpenCount(int count) {
+    return runUntil([&] {
+      reactor_.turn(milliseconds(1));
+      return system_.openCount() == count;
+    });
   }
   // Opens and starts the scripted camera.
   host::StreamStart start(milliseconds patience) {
     makeProvider();
-    device_ = std::move(provider_->open("v4l2:" + node(0))).value();
+    device_ = std::move(provider_->open(idOf(0))).value();
+    device_->stop();
+    EXPECT_EQ(system_.openCount(), 1) << "nothing was begun";
     device_->begin(chooseMode(device_->modes(), kSize).value(), *this);
     return device_->awaitStart(patience);
   }
@@ -84,6 +100,54 @@ TEST_F(V4l2Test, NoticesNodesThatComeAndGo) {
   EXPECT_TRUE(names().empty());
 }
 
+TEST_F(V4l2Test, TakesACameraThatFollowsOnTheSameNodeForAnotherOne) {
+  system_.script[node(0)] = {};
+  std::ofstream(node(0)).close();
+  makeProvider();
+  const auto first = idOf(0);
+  fs::permissions(node(0), fs::perms::owner_read);
+  EXPECT_EQ(idOf(0), first);
+  fs::remove(node(0));
+  std::ofstream(node(0)).close();
+  EXPECT_NE(idOf(0), first);
+  EXPECT_EQ(openError(idOf(0)), "");
+  EXPECT_EQ(openError(first), "The camera is no longer connected.");
+}
+
+TEST_F(V4l2Test, LeavesADeviceThatDoesNotAnswerToItself) {
+  system_.script[node(0)] = {};
+  makeProvider();
+  const auto id = idOf(0);
+  system_.holdOpening(true);
+  EXPECT_EQ(openError(id), "The camera does not answer.");
+  system_.holdOpening(false);
+  EXPECT_TRUE(waitForOpenCount(0));
+  EXPECT_EQ(openError(id), "");
+}
+
+TEST_F(V4l2Test, ListsADeviceThatAnswersLateWhenItDoes) {
+  system_.script[node(0)] = {};
+  system_.holdOpening(true);
+  makeProvider();
+  EXPECT_TRUE(names().empty());
+  system_.holdOpening(false);
+  EXPECT_TRUE(runUntil([&] {
+    reactor_.turn(milliseconds(1));
+    return names() == std::vector<std::string>{"Camera"};
+  }));
+}
+
+TEST_F(V4l2Test, OpensAnewWithoutWaitingForAStartThatWasStopped) {
+  system_.script[node(0)] = {};
+  ASSERT_EQ(start(kPatience), host::StreamStart::Running);
+  device_->stop();
+  system_.holdOpening(true);
+  device_->begin(chooseMode(device_->modes(), kSize).value(), *this);
+  EXPECT_EQ(device_->awaitStart(milliseconds(1)), host::StreamStart::Pending);
+  system_.holdOpening(false);
+  EXPECT_TRUE(runUntil([&] { return started_ > 0; }));
+}
+
 TEST_F(V4l2Test, TellsWhyACameraCannotBeOpened) {
   system_.script[node(0)] = {};
   system_.script[node(1)] = {.openResult = -EACCES};
@@ -92,7 +156,8 @@ TEST_F(V4l2Test, TellsWhyACameraCannotBeOpened) {
   const std::string texts[] = {
       "", "Access to the camera is denied.", "The camera is in use by another program.",
       "The camera is in use by another program.", "The camera is no longer connected."};
-  for (int i = 0; i < 5; ++i) EXPECT_EQ(openError(i), texts[i]) << i;
+  makeProvider();
+  for (int i = 0; i < 5; ++i) EXPECT_EQ(openError(idOf(i)), texts[i]) << i;
   EXPECT_EQ(system_.openCount(), 0);
 }
 
@@ -132,10 +197,7 @@ TEST_F(V4l2Test, StopsWithoutWaitingForADriverThatHangs) {
   device_->stop();
   EXPECT_EQ(system_.openCount(), 1);
   system_.holdStreaming(false);
-  EXPECT_TRUE(reactor_.runUntil([&] {
-    reactor_.turn(milliseconds(1));
-    return system_.openCount() == 0;
-  }));
+  EXPECT_TRUE(waitForOpenCount(0));
   EXPECT_EQ(started_, 0);
 }
 

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+
+#include "linux/camera/V4l2System.h"
+
+namespace vistrel::capture {
+
+/// Looks at one node on a thread, since opening a device may block for seconds. A look that nobody waits for
+/// any more goes on and touches nothing but itself and the system.
+class V4l2Probe : public std::enable_shared_from_this<V4l2Probe> {
+ public:
+  using Clock = std::chrono::steady_clock;
+  /// The name of the camera behind the node; none when it is no usable one.
+  using Answer = std::optional<std::string>;
+
+  V4l2Probe(V4l2System& system, std::string path);
+
+  /// Looks, or looks anew after a look that is under way, whose answer is old.
+  void look();
+  /// The answer of the last look; none when there is none yet at `deadline`.
+  [[nodiscard]] std::optional<Answer> await(Clock::time_point deadline);
+
+ private:
+  enum class State { Idle, Looking, LookingInVain };
+
+  void run();
+
+  V4l2System& system_;
+  std::string path_;
+  std::mutex mutex_;
+  std::condition_variable answered_;
+  State state_ = State::Idle;
+  std::optional<Answer> answer_;
+};
+
+}  // namespace vistrel::capture
