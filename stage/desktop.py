@@ -56,6 +56,13 @@ class Bus:
         self._connection.close_sync(None)
 
 
+def write_wireplumber_settings(config):
+    """WirePlumber's watch of Bluetooth ends it where no logind has ever run, as in a container."""
+    folder = config / "wireplumber" / "bluetooth.lua.d"
+    folder.mkdir(parents=True)
+    (folder / "51-off.lua").write_text("bluez_monitor.enabled = false\n")
+
+
 class Desktop:
     """`host` is "xfce4-panel", "trayer" or None, `manager` "openbox", "xfwm4" or None; `monitors` are pairs of a
     name and a geometry as `xrandr --setmonitor` takes it, the first one primary. `edge` is the host's: "top" or
@@ -105,6 +112,7 @@ class Desktop:
                   "XDG_STATE_HOME": "state", "XDG_RUNTIME_DIR": "run"}
         for folder in places.values():
             (self.folder / folder).mkdir(mode=0o700)
+        write_wireplumber_settings(self.folder / "config")
         self.environment = {key: str(self.folder / folder) for key, folder in places.items()}
         self.environment |= {"PATH": os.environ["PATH"], "LANG": "C.UTF-8", MARK: self.mark,
                              "DBUS_SESSION_BUS_ADDRESS": f"unix:path={self.folder}/run/bus",
