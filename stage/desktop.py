@@ -86,6 +86,7 @@ class Desktop:
         self.host = None
         self.screen = None
         self.bus = None
+        self.menu_calls = None  # tells when a tray host reads a menu
         try:
             self._make_environment(accessible)
             if pipewire:
@@ -150,6 +151,8 @@ class Desktop:
                              "--print-address=1"])
         daemon.wait_line("unix:")
         self.bus = Bus(address)
+        self.menu_calls = self.start(["dbus-monitor", "--address", address,
+                                      "type='method_call',interface='com.canonical.dbusmenu',member='GetLayout'"])
 
     def _start_manager(self, manager):
         if manager is None:

@@ -21,6 +21,10 @@ def inside(place, outer):
             and place[1] + place[3] <= outer[1] + outer[3])
 
 
+def docks_among(windows):
+    return [window["place"] for window in windows if "_NET_WM_WINDOW_TYPE_DOCK" in window["types"]]
+
+
 class Program:
     """`preferences` are written first; `awaits_icon` false: does not wait for the icon in the tray; `prefix` is
     the start of the command line, such as a program that replaces itself by Vistrel."""
@@ -31,9 +35,11 @@ class Program:
         self.file = desktop.folder / "config" / IDENTIFIER / "preferences.json"
         if preferences is not None:
             self.write_preferences(preferences)
+        calls = len(desktop.menu_calls.lines) if desktop.menu_calls else 0
         self.process = desktop.start([*prefix, desktop.programs / "vistrel"], environment)
         if awaits_icon:
             self.icon()
+            self._wait_menu_known(calls)
 
     def __enter__(self):
         return self
@@ -69,19 +75,21 @@ class Program:
     def icons(self):
         """Where its icons are in the tray."""
         windows = self.screen.windows()
-        docks = [window["place"] for window in windows if "_NET_WM_WINDOW_TYPE_DOCK" in window["types"]]
+        docks = docks_among(windows)
         embedded = []
         for window in windows:
             place = window["place"]
             is_icon = window["pid"] == self.pid and place[2] >= ICON_SIZE and any(inside(place, dock) for dock in docks)
             if is_icon and place not in embedded:  # while it is being embedded it is there with its window inside
                 embedded.append(place)
-        return embedded + self._hosted_icons(windows, docks)
+        return embedded + self._hosted_icons()
 
-    def _hosted_icons(self, windows, docks):
+    def _hosted_icons(self):
         if not self.desktop.bus or not self.desktop.bus.has_owner(WATCHER):
             return []
         items = self.desktop.bus.property(WATCHER, "/StatusNotifierWatcher", WATCHER, "RegisteredStatusNotifierItems")
+        windows = self.screen.windows()
+        docks = docks_among(windows)
         mine = [index for index, item in enumerate(items) if self._process_of(item.split("/")[0]) == self.pid]
         trays = [(window["place"], dock) for window in windows if window["class"] == "Wrapper-2.0"
                  for dock in docks if inside(window["place"], dock)]
@@ -95,6 +103,11 @@ class Program:
         if is_upright:
             return [[x, y + step * index, width, step] for index in mine]
         return [[x + step * index, y, step, height] for index in mine]
+
+    def _wait_menu_known(self, calls):
+        """Until the panel has read the icon's menu, a secondary click opens the panel's own."""
+        if self._hosted_icons():
+            self.desktop.menu_calls.wait_line(lambda line: "member=GetLayout" in line, calls)
 
     def _process_of(self, name):
         bus = "org.freedesktop.DBus"
