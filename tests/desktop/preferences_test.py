@@ -289,8 +289,67 @@ class RecorderTest(SettingsTest):
         other.end()
 
 
+    def test_nothing_opens_while_recording_nor_after_the_removal(self):
+        camera = self.desktop.camera()
+        keys = "Control_L", "Shift_L", "F6"
+        f6 = '{"carbonKeyCode":97,"carbonModifiers":4608}'
+        vistrel = self.start({"dismissPreference": 1, SHORTCUT: f6})
+
+        def in_another_program(work):
+            other = self.desktop.start(["xev"])
+            wait_until(lambda: self.screen.focus()["pid"] != vistrel.pid, "the focus on the other application")
+            work()
+            other.end()
+
+        self.open_window(vistrel, "Preferences")
+        self.record(vistrel)
+        in_another_program(lambda: self.combination(*keys))
+        self.press(vistrel, self.NAME, "text")
+        self.screen.key("Escape")
+        self.expect(vistrel, "⌃⇧F6", f6)
+        in_another_program(lambda: self.expect_toggle(vistrel, camera, *keys))
+        self.assertEqual(vistrel.lines.count(STARTED), 1)
+
+        self.record(vistrel)
+        self.screen.key("Delete")
+        self.wait_says(vistrel, "Press Shortcut", "")
+        self.screen.key("Escape")
+        self.expect(vistrel, "", False)
+        in_another_program(lambda: self.combination(*keys))
+        self.open(vistrel)  # had the keys opened the mirror, this would close it
+        self.assertEqual(vistrel.lines.count(STARTED), 2)
+
+    def test_it_works_while_a_box_of_ours_has_the_keyboard(self):
+        camera = self.desktop.camera()
+        vistrel = self.start({"dismissPreference": 1, SHORTCUT: '{"carbonKeyCode":97,"carbonModifiers":4608}'})
+        self.open_window(vistrel, "Preferences")
+        self.screen.click(centre(self.size_box(vistrel)["place"]))
+        wait_until(lambda: vistrel.windows(managed=False), "the open box")
+        self.expect_toggle(vistrel, camera, "Control_L", "Shift_L", "F6")
+
+    def test_keys_held_a_while_are_recorded_and_open_nothing(self):
+        vistrel = self.start({"dismissPreference": 1})
+        self.desktop.camera()
+        self.desktop.run("xset", "r", "rate", "20", "100")
+        self.addCleanup(self.desktop.run, "xset", "r", "rate")
+        self.open_window(vistrel, "Preferences")
+        self.record(vistrel)
+        for key in ("Control_L", "Shift_L", "F6"):
+            self.screen.ask("keydown", key)
+        self.wait_says(vistrel, "Record Shortcut", "⌃⇧F6")
+        other = self.desktop.start(["xev"])  # takes far longer to come than a few repeats
+        wait_until(lambda: self.screen.windows(name="Event Tester"), "another window")
+        other.end()
+        for key in ("F6", "Shift_L", "Control_L"):
+            self.screen.ask("keyup", key)
+        self.open(vistrel)  # had the keys opened the mirror, this would close it
+
+
 class RecorderUnderBindingsTest(RecorderTest):
     stage = {"accessible": True, "manager": "xfwm4"}
+    test_nothing_opens_while_recording_nor_after_the_removal = None
+    test_it_works_while_a_box_of_ours_has_the_keyboard = None
+    test_keys_held_a_while_are_recorded_and_open_nothing = None
     test_a_shortcut_is_recorded_replaced_and_cleared = None
     test_another_program_gets_its_keys_when_it_takes_the_focus = None
 

@@ -1,6 +1,8 @@
 """The global shortcut: real keys, pressed while another application has the focus."""
 
 import json
+import pathlib
+import platform
 import unittest
 
 from stage.processes import wait_until
@@ -9,6 +11,13 @@ from tests.desktop.harness import DesktopTest
 
 CONTROL, ALT, Z, F4 = "evdev:29", "evdev:56", "evdev:44", "evdev:62"  # keys by their place
 Z_KEY, F4_KEY = 6, 118  # the same as they are stored
+CAPS, NUM, GROUP = "Caps_Lock", "Num_Lock", "ISO_Next_Group"
+# Where the calls in which a thread sleeps have their patience in milliseconds: poll, epoll_wait, epoll_pwait; and
+# futex, which has none when it waits for ever.
+PATIENCE = {"7": 2, "232": 3, "281": 3}
+FUTEX = "202"
+FOR_EVER = 0xffffffff
+LONG = 10000  # the toolkit looks over its pictures once half a minute after the last was drawn
 
 
 def stored(key, modifiers):
@@ -44,17 +53,16 @@ class ShortcutTest(DesktopTest):
     def test_it_opens_and_closes_the_mirror_whatever_is_locked(self):
         self.start(stored(Z_KEY, 0x1800))
         self.addCleanup(self.lay_out, "us")
-        for layouts, lock in (("us", None), ("us", "Caps_Lock"), ("us", "Num_Lock"), ("de", None),
-                              ("us,ru", "ISO_Next_Group")):
-            with self.subTest(layouts=layouts, lock=lock):
-                self.lay_out(layouts, "grp:menu_toggle" if lock == "ISO_Next_Group" else "")
-                if lock:
+        for layouts, *locks in (("us",), ("us", CAPS), ("us", NUM), ("us", CAPS, NUM), ("de",), ("us,ru", GROUP)):
+            with self.subTest(layouts=layouts, locks=locks):
+                self.lay_out(layouts, "grp:menu_toggle" if GROUP in locks else "")
+                for lock in locks:
                     self.screen.key(lock)
                 self.press()
                 self.screen.live_picture()
                 self.press()
                 self.wait_closed(self.camera)
-                if lock:
+                for lock in locks:
                     self.screen.key(lock)
 
     def test_it_waits_for_the_release(self):
@@ -66,11 +74,35 @@ class ShortcutTest(DesktopTest):
         self.keys("keyup", Z)
         self.wait_closed(self.camera)
 
+    @unittest.skipUnless(platform.machine() == "x86_64", "the numbers of the system calls are those of x86-64")
+    def test_nothing_wakes_it_while_no_key_is_held(self):
+        vistrel = self.start(stored(Z_KEY, 0x1800))
+        self.press()
+        self.screen.live_picture()
+        self.press()
+        self.wait_closed(self.camera)
+        wait_until(lambda: self.patience(vistrel) > LONG, "every thread asleep")
+        self.keys("keydown", CONTROL, ALT, Z)
+        wait_until(lambda: self.patience(vistrel) < LONG, "a look at the held key")
+        self.keys("keyup", Z, ALT, CONTROL)
+        self.screen.live_picture()
+
+    @staticmethod
+    def patience(program):
+        """How long the least patient of its threads sleeps at most, in milliseconds."""
+        def of(task):
+            number, *arguments = (task / "syscall").read_text().split()
+            if number == FUTEX:
+                return FOR_EVER if int(arguments[3], 16) == 0 else 0
+            return int(arguments[PATIENCE[number]], 16) & FOR_EVER if number in PATIENCE else 0
+        return min(of(task) for task in pathlib.Path(f"/proc/{program.pid}/task").iterdir())
+
 
 class TakenShortcutTest(ShortcutTest):
     stage = {"manager": "xfwm4"}
     test_it_opens_and_closes_the_mirror_whatever_is_locked = None
     test_it_waits_for_the_release = None
+    test_nothing_wakes_it_while_no_key_is_held = None
 
     def test_a_taken_shortcut_is_left_to_its_owner(self):
         vistrel = self.start(stored(F4_KEY, 0x800))

@@ -306,8 +306,8 @@ QWidget* DeclarativeWidgets::makeMenuPicker(const PickerContent& picker, QWidget
   controls_.push_back(box);
   updates_.emplace_back(
       [box, get = picker.selection.get] { box->setCurrentIndex(box->findData(QVariant::fromValue(get()))); });
-  QObject::connect(box, &QComboBox::activated, box, [box, set = picker.selection.set](int index) {
-    set(box->itemData(index).value<std::int64_t>());
+  QObject::connect(box, &QComboBox::activated, box, [box, selection = picker.selection](int index) {
+    selection.choose(box->itemData(index).value<std::int64_t>());
   });
   return box;
 }
@@ -328,7 +328,8 @@ QWidget* DeclarativeWidgets::makeButtonPicker(const PickerContent& picker, QWidg
   updates_.emplace_back([group, get = picker.selection.get] {
     if (auto* chosen = group->button(int(get()))) chosen->setChecked(true);
   });
-  QObject::connect(group, &QButtonGroup::idClicked, widget, picker.selection.set);
+  QObject::connect(group, &QButtonGroup::idClicked, widget,
+                   [selection = picker.selection](int tag) { selection.choose(tag); });
   return widget;
 }
 

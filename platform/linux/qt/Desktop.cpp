@@ -9,6 +9,7 @@
 #include "linux/files/PreferencesFile.h"
 #include "linux/files/ResourceFolder.h"
 #include "qt/Application.h"
+#include "qt/PopupKeys.h"
 #include "qt/QtMainLoop.h"
 #include "qt/QtReactor.h"
 #include "qt/QtSession.h"
@@ -48,6 +49,7 @@ struct Desktop::Parts {
   files::Autostart loginItems{files::AutostartFolders::fromEnvironment(), resources.executablePath()};
   x11::X11Connection x11{reactor};
   x11::HotKeyGrabs hotKeys{x11};
+  PopupKeys popupKeys{hotKeys};
   x11::X11Keyboard keyboard{x11, toolkitConnection()};
   x11::RawPresses presses{x11};
   QtWindowSystem windows{presses};

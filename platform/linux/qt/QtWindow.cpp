@@ -3,6 +3,8 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QCursor>
+#include <QKeyEvent>
+#include <QPointer>
 #include <QWindow>
 #include <utility>
 
@@ -25,6 +27,10 @@ constexpr Qt::WindowFlags kTitledFlags = Qt::Window | Qt::CustomizeWindowHint | 
 // The same for an attached and a torn-off popover: Qt takes a window down to change its flags.
 constexpr Qt::WindowFlags kPopoverFlags =
     Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::NoDropShadowWindowHint;
+
+bool isTab(const QEvent& event) {
+  return event.type() == QEvent::KeyPress && static_cast<const QKeyEvent&>(event).key() == Qt::Key_Tab;
+}
 
 }  // namespace
 
@@ -231,8 +237,15 @@ void QtWindow::shellPointerLeft() {
 
 bool QtWindow::shellFilter(QEvent& event) {
   wasKeyLast_ = event.type() == QEvent::KeyPress;
+  const QPointer<QWidget> focused = shell_->focusWidget();
   const auto translation = translated(event);
-  return translation && client_.handleEvent(translation);
+  const bool isTaken = translation && client_.handleEvent(translation);
+  if (!isTaken && isTab(event) && focused && !shell_->focusWidget()) {
+    // A control that let go of the focus for it is where the walk goes on from.
+    const Obeying obeying(*this);
+    focused->setFocus(Qt::OtherFocusReason);
+  }
+  return isTaken;
 }
 
 std::shared_ptr<NSEvent> QtWindow::translated(QEvent& event) {

@@ -121,12 +121,16 @@ bool HotKeyGrabs::isPressedBy(const Entry& entry, const xcb_key_press_event_t& e
 bool HotKeyGrabs::offer(const xcb_generic_event_t& event) {
   const auto& key = reinterpret_cast<const xcb_key_press_event_t&>(event);
   const auto kind = event.response_type & kEventKindBits;
-  const bool isOurs = std::any_of(entries_.begin(), entries_.end(), [&](const Entry& entry) {
-    return (kind == XCB_KEY_PRESS && isPressedBy(entry, key)) ||
-           (kind == XCB_KEY_RELEASE && entry.code == key.detail && entry.state == Key::Held);
-  });
-  if (isOurs) eventCame(event);
-  return isOurs;
+  const auto isAny = [&](auto test) { return std::any_of(entries_.begin(), entries_.end(), test); };
+  if (kind == XCB_KEY_PRESS && isAny([&](const Entry& entry) { return isPressedBy(entry, key); })) {
+    keyPressed(key);
+    return true;
+  }
+  const auto isHeld = [&](const Entry& entry) { return entry.code == key.detail && entry.state != Key::Up; };
+  if (kind != XCB_KEY_RELEASE || !isAny(isHeld)) return false;
+  // Other connections hear of a release before each repeat: the key itself tells.
+  checkHeldKeys();
+  return true;
 }
 
 void HotKeyGrabs::keyPressed(const xcb_key_press_event_t& event) {

@@ -44,23 +44,64 @@ TEST_F(ShortcutTest, comesFromKeyEventsAlone) {
 }
 
 TEST_F(ShortcutTest, hasTheKeysOfTheKeyboard) {
-  EXPECT_EQ(Key::a.rawValue, 0);
-  EXPECT_EQ(Key::five.rawValue, 23);
-  EXPECT_EQ(Key::rightCommand.rawValue, 54);
-  EXPECT_EQ(Key::delete_.rawValue, 51);
-  EXPECT_EQ(Key::backtick.rawValue, 50);
-  EXPECT_EQ(Key::f20.rawValue, 90);
-  EXPECT_EQ(Key::keypad9.rawValue, 92);
-  int keys = 0;
-  for (std::uint16_t code = 0; code < 128; ++code) {
-    const auto evdev = evdevFromVirtualKeyCode(code);
-    if (!evdev) continue;
-    ++keys;
-    EXPECT_EQ(virtualKeyCodeFromEvdev(*evdev), code);
+  // The virtual key codes and Linux event codes as published; 0 for the key that never reaches the desktop.
+  struct {
+    std::vector<Key> keys;
+    std::vector<std::int64_t> codes;
+    std::vector<std::uint16_t> evdev;
+  } const groups[] = {
+      {{Key::a, Key::b, Key::c, Key::d, Key::e, Key::f, Key::g, Key::h, Key::i, Key::j, Key::k, Key::l,
+        Key::m},
+       {0, 11, 8, 2, 14, 3, 5, 4, 34, 38, 40, 37, 46},
+       {30, 48, 46, 32, 18, 33, 34, 35, 23, 36, 37, 38, 50}},
+      {{Key::n, Key::o, Key::p, Key::q, Key::r, Key::s, Key::t, Key::u, Key::v, Key::w, Key::x, Key::y,
+        Key::z},
+       {45, 31, 35, 12, 15, 1, 17, 32, 9, 13, 7, 16, 6},
+       {49, 24, 25, 16, 19, 31, 20, 22, 47, 17, 45, 21, 44}},
+      {{Key::zero, Key::one, Key::two, Key::three, Key::four, Key::five, Key::six, Key::seven, Key::eight,
+        Key::nine},
+       {29, 18, 19, 20, 21, 23, 22, 26, 28, 25},
+       {11, 2, 3, 4, 5, 6, 7, 8, 9, 10}},
+      {{Key::capsLock, Key::shift, Key::function, Key::control, Key::option, Key::command, Key::rightCommand,
+        Key::rightOption, Key::rightControl, Key::rightShift},
+       {57, 56, 63, 59, 58, 55, 54, 61, 62, 60},
+       {58, 42, 0, 29, 56, 125, 126, 100, 97, 54}},
+      {{Key::return_, Key::backslash, Key::backtick, Key::comma, Key::equal, Key::minus, Key::period,
+        Key::quote, Key::semicolon, Key::slash, Key::space},
+       {36, 42, 50, 43, 24, 27, 47, 39, 41, 44, 49},
+       {28, 43, 41, 51, 13, 12, 52, 40, 39, 53, 57}},
+      {{Key::tab, Key::leftBracket, Key::rightBracket, Key::pageUp, Key::pageDown, Key::home, Key::end,
+        Key::upArrow, Key::rightArrow, Key::downArrow},
+       {48, 33, 30, 116, 121, 115, 119, 126, 124, 125},
+       {15, 26, 27, 104, 109, 102, 107, 103, 106, 108}},
+      {{Key::leftArrow, Key::escape, Key::delete_, Key::deleteForward, Key::help, Key::mute, Key::volumeUp,
+        Key::volumeDown},
+       {123, 53, 51, 117, 114, 74, 72, 73},
+       {105, 1, 14, 111, 138, 113, 115, 114}},
+      {{Key::f1, Key::f2, Key::f3, Key::f4, Key::f5, Key::f6, Key::f7, Key::f8, Key::f9, Key::f10},
+       {122, 120, 99, 118, 96, 97, 98, 100, 101, 109},
+       {59, 60, 61, 62, 63, 64, 65, 66, 67, 68}},
+      {{Key::f11, Key::f12, Key::f13, Key::f14, Key::f15, Key::f16, Key::f17, Key::f18, Key::f19, Key::f20},
+       {103, 111, 105, 107, 113, 106, 64, 79, 80, 90},
+       {87, 88, 183, 184, 185, 186, 187, 188, 189, 190}},
+      {{Key::keypad0, Key::keypad1, Key::keypad2, Key::keypad3, Key::keypad4, Key::keypad5, Key::keypad6,
+        Key::keypad7, Key::keypad8, Key::keypad9},
+       {82, 83, 84, 85, 86, 87, 88, 89, 91, 92},
+       {82, 79, 80, 81, 75, 76, 77, 71, 72, 73}},
+      {{Key::keypadClear, Key::keypadDecimal, Key::keypadDivide, Key::keypadEnter, Key::keypadEquals,
+        Key::keypadMinus, Key::keypadMultiply, Key::keypadPlus},
+       {71, 65, 75, 76, 81, 78, 67, 69},
+       {69, 83, 98, 96, 117, 74, 55, 78}}};
+  std::size_t count = 0;
+  for (const auto& [keys, codes, evdev] : groups) {
+    for (std::size_t i = 0; i < keys.size(); ++i, ++count) {
+      EXPECT_EQ(keys[i].rawValue, codes[i]) << i;
+      EXPECT_EQ(evdevFromVirtualKeyCode(keys[i].rawValue).value_or(0), evdev[i]) << codes[i];
+      if (evdev[i] == 0) continue;
+      EXPECT_EQ(virtualKeyCodeFromEvdev(evdev[i]), codes[i]);
+    }
   }
-  EXPECT_EQ(keys,
-            113);  // the named keys less Function, which never reaches the desktop, and the key beside Z
-  EXPECT_EQ(evdevFromVirtualKeyCode(kVK_Function), std::nullopt);
+  EXPECT_EQ(count, 113U);
 }
 
 TEST_F(ShortcutTest, readsWhatIsStored) {

@@ -54,7 +54,7 @@ class PreferencesViewTest : public ::testing::Test {
   bool isOn(const char* label) { return find<ToggleContent>(*window, label).isOn.get(); }
   void choose(const char* label, std::int64_t index) {
     written_ = preferences();
-    find<PickerContent>(*window, label).selection.set(index);
+    find<PickerContent>(*window, label).selection.choose(index);
   }
   void toggle(const char* label, bool isOn) {
     written_ = preferences();
@@ -90,6 +90,7 @@ TEST_F(PreferencesViewTest, ReadsWithoutWritingAndWritesBeforeItTells) {
     choose(c.label, c.value);
     EXPECT_EQ(UserDefaults::standard().objectForKey(c.key), UserDefaults::Value(c.value));
     EXPECT_EQ(selection(c.label), c.value);
+    choose(c.label, c.value);  // what is chosen already
     EXPECT_EQ(posts, c.posted) << c.label;
   }
   posts.clear();
