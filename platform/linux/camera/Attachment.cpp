@@ -46,10 +46,13 @@ std::string_view takeNumber(std::string_view& text) {
 Attachment attachmentOf(const std::string& devicePath, const fs::path& sysfs) {
   const auto places = placesOf(devicePath, sysfs);
   if (places.empty()) return Attachment::External;
+  std::error_code ignored;
   for (const fs::path& place : places) {
     const std::string word = firstWord(place / "removable");
     if (word == "fixed") return Attachment::BuiltIn;
     if (word == "removable") return Attachment::External;
+    // What follows are the hubs, whose word says nothing of what is plugged into them.
+    if (fs::exists(place / "idVendor", ignored)) break;
   }
   const std::string text = places.front().string();
   const bool isExternal =

@@ -7,6 +7,7 @@ namespace {
 
 // A driver that never ends its lists must not hang the program.
 constexpr std::uint32_t kLongestList = 256;
+constexpr PixelSize kWantedSizes[] = {{3840, 2160}, {1920, 1080}, {1280, 720}};
 
 std::optional<PixelFormat> formatOf(std::uint32_t code) {
   switch (code) {
@@ -75,6 +76,22 @@ void appendMode(V4l2System& system, int fd, VideoMode mode, std::vector<VideoMod
   modes.push_back(std::move(mode));
 }
 
+// A driver tells rates at one size at a time: besides its largest, a range is asked about the sizes that a
+// mirror wants, which may well be faster.
+void appendRange(V4l2System& system, int fd, VideoMode mode, const v4l2_frmsize_stepwise& range,
+                 std::vector<VideoMode>& modes) {
+  mode.smallest = sizeOf(range.min_width, range.min_height);
+  mode.largest = sizeOf(range.max_width, range.max_height);
+  mode.step = sizeOf(range.step_width, range.step_height);
+  appendMode(system, fd, mode, modes);
+  for (const PixelSize size : kWantedSizes) {
+    if (!mode.reaches(size) || size == mode.largest) continue;
+    VideoMode wanted = mode;
+    wanted.smallest = wanted.largest = size;
+    appendMode(system, fd, wanted, modes);
+  }
+}
+
 // An old driver that lists no sizes has the one that is set.
 void appendPresentSize(V4l2System& system, int fd, VideoMode mode, std::vector<VideoMode>& modes) {
   v4l2_format format{};
@@ -98,10 +115,7 @@ void appendSizes(V4l2System& system, int fd, VideoMode mode, std::vector<VideoMo
       appendMode(system, fd, mode, modes);
       continue;
     }
-    mode.smallest = sizeOf(size.stepwise.min_width, size.stepwise.min_height);
-    mode.largest = sizeOf(size.stepwise.max_width, size.stepwise.max_height);
-    mode.step = sizeOf(size.stepwise.step_width, size.stepwise.step_height);
-    return appendMode(system, fd, mode, modes);
+    return appendRange(system, fd, mode, size.stepwise, modes);
   }
 }
 

@@ -40,6 +40,7 @@ TEST_F(AttachmentTest, FollowsTheKernelsWord) {
       {"video0", "pci0000:00/usb1/1-7", "fixed", Attachment::BuiltIn, "046d:0825"},
       {"video1", "pci0000:00/usb1/1-8", "removable", Attachment::External, "046d:0825"},
       {"video2", "pci0000:00/usb1/1-9", "unknown", Attachment::External, "046d:0825"},
+      {"video5", "pci0000:00/usb1/1-7/1-7.2", "unknown", Attachment::External, "046d:0825"},
       {"video3", "platform/csi", "", Attachment::BuiltIn, ""},
       {"video4", "virtual", "", Attachment::External, ""},
   };

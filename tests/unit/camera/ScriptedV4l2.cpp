@@ -154,8 +154,9 @@ int ScriptedV4l2::enumerate(const ScriptedNode& node, unsigned long request, voi
     auto& size = as<v4l2_frmsizeenum>(argument);
     if (size.index > 0) return -EINVAL;
     const auto mode = find(size.pixel_format);
-    size.type = V4L2_FRMSIZE_TYPE_DISCRETE;
-    size.discrete = {mode->width, mode->height};
+    size.type = mode->rateBelow ? V4L2_FRMSIZE_TYPE_STEPWISE : V4L2_FRMSIZE_TYPE_DISCRETE;
+    if (mode->rateBelow) size.stepwise = {16, mode->width, 8, 16, mode->height, 8};
+    if (!mode->rateBelow) size.discrete = {mode->width, mode->height};
     return 0;
   }
   if (request != VIDIOC_ENUM_FRAMEINTERVALS) return -ENOTTY;
@@ -163,7 +164,8 @@ int ScriptedV4l2::enumerate(const ScriptedNode& node, unsigned long request, voi
   const auto mode = find(interval.pixel_format);
   if (interval.index >= mode->rates.size()) return -EINVAL;
   interval.type = V4L2_FRMIVAL_TYPE_DISCRETE;
-  interval.discrete = {1, mode->rates[interval.index]};
+  const bool isBelow = mode->rateBelow && interval.width < mode->width;
+  interval.discrete = {1, isBelow ? *mode->rateBelow : mode->rates[interval.index]};
   return 0;
 }
 

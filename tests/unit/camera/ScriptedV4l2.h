@@ -7,6 +7,7 @@
 #include <deque>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -25,6 +26,8 @@ struct ScriptedNode {
     std::uint32_t width = 64;
     std::uint32_t height = 48;
     std::vector<std::uint32_t> rates{30};
+    /// Sizes from 16 × 16 in steps of 8 up to the one above, and the rate at all that are smaller.
+    std::optional<std::uint32_t> rateBelow{};
   };
   std::vector<Mode> modes{Mode{}};
   int index = 0;

@@ -161,6 +161,15 @@ TEST_F(V4l2Test, TellsWhyACameraCannotBeOpened) {
   EXPECT_EQ(system_.openCount(), 0);
 }
 
+TEST_F(V4l2Test, JudgesARangeOfSizesByTheRateAtEach) {
+  system_.script[node(0)] = {.modes = {{.width = 3840, .height = 2160, .rates = {10}, .rateBelow = 30}}};
+  makeProvider();
+  const auto device = std::move(provider_->open(idOf(0))).value();
+  EXPECT_FALSE(supportsSize(device->modes(), {3840, 2160}));
+  EXPECT_TRUE(supportsSize(device->modes(), {1920, 1080}));
+  EXPECT_EQ(chooseMode(device->modes(), {1280, 720}).value().rate, (FrameRate{30, 1}));
+}
+
 TEST_F(V4l2Test, HoldsTheNewestFrameAndGivesTheOthersBack) {
   system_.script[node(0)] = {};
   ASSERT_EQ(start(kPatience), host::StreamStart::Running);
