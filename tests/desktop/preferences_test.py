@@ -300,11 +300,12 @@ class RecorderTest(SettingsTest):
             wait_until(lambda: self.screen.focus()["pid"] != vistrel.pid, "the focus on the other application")
             work()
             other.end()
+            wait_until(lambda: self.screen.focus()["pid"] == vistrel.pid, "the focus back in the window")
 
         self.open_window(vistrel, "Preferences")
         self.record(vistrel)
         in_another_program(lambda: self.combination(*keys))
-        self.press(vistrel, self.NAME, "text")
+        self.record(vistrel)
         self.screen.key("Escape")
         self.expect(vistrel, "⌃⇧F6", f6)
         in_another_program(lambda: self.expect_toggle(vistrel, camera, *keys))
