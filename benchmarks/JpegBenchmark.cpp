@@ -2,12 +2,9 @@
 // with nothing kept of it.
 #include <benchmark/benchmark.h>
 
-#include <cstdio>
 #include <string>
 
-// The library's header needs <cstdio> above it.
-#include <jpeglib.h>
-
+#include "benchmarks/BareDecoder.h"
 #include "benchmarks/BenchFrames.h"
 #include "linux/camera/JpegDecoder.h"
 #include "linux/camera/PictureConverter.h"
@@ -17,24 +14,8 @@ namespace {
 
 void floorOf(benchmark::State& state, PixelSize source, Scene scene) {
   const auto jpeg = jpegFrame(source, scene);
-  jpeg_decompress_struct codec{};
-  jpeg_error_mgr errors{};
-  codec.err = jpeg_std_error(&errors);
-  jpeg_create_decompress(&codec);
-  std::vector<std::uint8_t> row;
-  for ([[maybe_unused]] auto _ : state) {
-    jpeg_mem_src(&codec, jpeg.data(), jpeg.size());
-    jpeg_read_header(&codec, TRUE);
-    codec.out_color_space = JCS_YCbCr;
-    codec.scale_num = 1;
-    codec.scale_denom = 8;
-    jpeg_start_decompress(&codec);
-    row.resize(static_cast<std::size_t>(codec.output_width) * 3);
-    JSAMPROW rows[] = {row.data()};
-    while (codec.output_scanline < codec.output_height) jpeg_read_scanlines(&codec, rows, 1);
-    jpeg_finish_decompress(&codec);
-  }
-  jpeg_destroy_decompress(&codec);
+  BareDecoder decoder;
+  for ([[maybe_unused]] auto _ : state) decoder.decode(jpeg.data(), jpeg.size());
   state.counters["bytes"] = static_cast<double>(jpeg.size());
 }
 

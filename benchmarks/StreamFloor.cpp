@@ -14,9 +14,9 @@
 #include <ctime>
 #include <vector>
 
-// The library's header needs <cstdio> above it.
-#include <jpeglib.h>
 #include <pipewire/pipewire.h>
+
+#include "benchmarks/BareDecoder.h"
 
 namespace {
 
@@ -30,39 +30,10 @@ double clockNow(clockid_t clock) {
   return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_nsec) / kNanoseconds;
 }
 
-class Decoder {
- public:
-  Decoder() {
-    codec_.err = jpeg_std_error(&errors_);
-    jpeg_create_decompress(&codec_);
-  }
-  Decoder(const Decoder&) = delete;
-  Decoder& operator=(const Decoder&) = delete;
-  ~Decoder() { jpeg_destroy_decompress(&codec_); }
-
-  void decode(const unsigned char* bytes, std::size_t length) {
-    jpeg_mem_src(&codec_, bytes, length);
-    jpeg_read_header(&codec_, TRUE);
-    codec_.out_color_space = JCS_YCbCr;
-    codec_.scale_num = 1;
-    codec_.scale_denom = 8;
-    jpeg_start_decompress(&codec_);
-    row_.resize(static_cast<std::size_t>(codec_.output_width) * 3);
-    JSAMPROW rows[] = {row_.data()};
-    while (codec_.output_scanline < codec_.output_height) jpeg_read_scanlines(&codec_, rows, 1);
-    jpeg_finish_decompress(&codec_);
-  }
-
- private:
-  jpeg_decompress_struct codec_{};
-  jpeg_error_mgr errors_{};
-  std::vector<unsigned char> row_;
-};
-
 struct Reader {
   pw_main_loop* loop = nullptr;
   pw_stream* stream = nullptr;
-  Decoder decoder;
+  vistrel::bench::BareDecoder decoder;
   spa_source* end = nullptr;
   double length = 0;
   double start = 0;
