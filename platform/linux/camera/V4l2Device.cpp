@@ -14,24 +14,28 @@ constexpr std::chrono::milliseconds kClosingPatience{90};
 }  // namespace
 
 Result<std::unique_ptr<CaptureDevice>> V4l2Device::open(Reactor& reactor, V4l2System& system,
-                                                        const std::string& path) {
+                                                        const std::string& path,
+                                                        std::vector<VideoMode> knownModes) {
+  const auto asked = system.now();
+  const auto deadline = asked + kOpeningPatience;
   auto run = std::make_shared<V4l2Run>(system, path);
   run->open();
-  const auto state = run->await(kOpeningPatience);
-  if (state == V4l2Run::State::Opened)
-    return std::unique_ptr<CaptureDevice>(new V4l2Device(reactor, system, path, std::move(run)));
-  run->end(state == V4l2Run::State::Opening ? std::chrono::milliseconds() : kClosingPatience);
-  return state == V4l2Run::State::Opening ? errorOf(Problem::Silent) : run->error();
+  const auto state = run->await(deadline);
+  const bool isOpening = state == V4l2Run::State::Opening;
+  if (state != V4l2Run::State::Opened && (!isOpening || knownModes.empty())) {
+    run->end(deadline);
+    return isOpening ? errorOf(Problem::Silent) : run->error();
+  }
+  auto device = std::unique_ptr<V4l2Device>(new V4l2Device(reactor, system, path, run));
+  device->modes_ = isOpening ? std::move(knownModes) : run->modes();
+  device->waited_ = system.now() - asked;
+  return std::unique_ptr<CaptureDevice>(std::move(device));
 }
 
 V4l2Device::V4l2Device(Reactor& reactor, V4l2System& system, std::string path, std::shared_ptr<V4l2Run> run)
-    : reactor_(reactor),
-      system_(system),
-      path_(std::move(path)),
-      modes_(run->modes()),
-      run_(std::move(run)) {}
+    : reactor_(reactor), system_(system), path_(std::move(path)), run_(std::move(run)) {}
 
-V4l2Device::~V4l2Device() { close(); }
+V4l2Device::~V4l2Device() { close(closingDeadline()); }
 
 void V4l2Device::begin(const ModeChoice& mode, CaptureClient& client) {
   stop();
@@ -51,11 +55,12 @@ void V4l2Device::begin(const ModeChoice& mode, CaptureClient& client) {
 
 host::StreamStart V4l2Device::awaitStart(std::chrono::milliseconds patience) {
   if (failure_) return host::StreamStart::Failed;
-  const auto state = run_->await(patience);
+  const auto deadline = system_.now() + patience - std::exchange(waited_, {});
+  const auto state = run_->await(deadline);
   isStartUntold_ = state == V4l2Run::State::Starting || state == V4l2Run::State::Opening;
   if (isStartUntold_) return host::StreamStart::Pending;
   if (state != V4l2Run::State::Running) {
-    failLater(run_->error());
+    failLater(run_->error(), deadline);
     return host::StreamStart::Failed;
   }
   watchFrames();
@@ -65,22 +70,24 @@ host::StreamStart V4l2Device::awaitStart(std::chrono::milliseconds patience) {
 // Before a start the opened device stays so.
 void V4l2Device::stop() {
   if (!self_) return;
-  close();
+  close(closingDeadline());
   client_ = nullptr;
   failure_.reset();
 }
 
-void V4l2Device::close() {
+V4l2Device::Clock::time_point V4l2Device::closingDeadline() const { return system_.now() + kClosingPatience; }
+
+void V4l2Device::close(Clock::time_point deadline) {
   self_.reset();
   registration_.reset();
   held_.reset();
   isStartUntold_ = false;
-  if (run_) run_->end(kClosingPatience);
+  if (run_) run_->end(deadline);
   run_.reset();
 }
 
-void V4l2Device::failLater(Error error) {
-  close();
+void V4l2Device::failLater(Error error, Clock::time_point closingDeadline) {
+  close(closingDeadline);
   failure_ = std::move(error);
   self_ = std::make_shared<V4l2Device*>(this);
   reactor_.post([self = std::weak_ptr(self_)] {
@@ -97,7 +104,7 @@ void V4l2Device::tellFailure() {
 // A start that was pending has come to an end.
 void V4l2Device::settle() {
   if (!std::exchange(isStartUntold_, false)) return;
-  if (run_->await({}) != V4l2Run::State::Running) return failLater(run_->error());
+  if (run_->await({}) != V4l2Run::State::Running) return failLater(run_->error(), closingDeadline());
   watchFrames();
   client_->captureStarted();
 }
@@ -110,7 +117,7 @@ void V4l2Device::takeFrames() {
   bool hasNewer = false;
   while (true) {
     const auto filled = run_->take();
-    if (!filled) return failLater(filled.error());
+    if (!filled) return failLater(filled.error(), closingDeadline());
     if (!filled.value()) break;
     hasNewer = hold(*filled.value()) || hasNewer;
   }

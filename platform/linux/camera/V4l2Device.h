@@ -14,10 +14,12 @@ namespace vistrel::capture {
 /// A camera opened directly. Frames stay in the driver's mapped buffers; only the newest is held.
 class V4l2Device final : public CaptureDevice {
  public:
-  /// Opens the camera at `path`; the error tells whether it is gone, busy, denied or does not
-  /// answer.
+  /// Opens the camera at `path`; the error tells whether it is gone, busy or denied. One that does not answer
+  /// within 250 ms goes on opening as part of its start, which waits so much the less, if its modes are
+  /// known; else it has failed.
   static Result<std::unique_ptr<CaptureDevice>> open(Reactor& reactor, V4l2System& system,
-                                                     const std::string& path);
+                                                     const std::string& path,
+                                                     std::vector<VideoMode> knownModes);
   ~V4l2Device() override;
 
   [[nodiscard]] const std::vector<VideoMode>& modes() const override { return modes_; }
@@ -27,15 +29,18 @@ class V4l2Device final : public CaptureDevice {
   [[nodiscard]] std::optional<Frame> frame() const override;
 
  private:
+  using Clock = V4l2System::Clock;
+
   V4l2Device(Reactor& reactor, V4l2System& system, std::string path, std::shared_ptr<V4l2Run> run);
 
-  void failLater(Error error);
+  [[nodiscard]] Clock::time_point closingDeadline() const;
+  void failLater(Error error, Clock::time_point closingDeadline);
   void settle();
   void tellFailure();
   void watchFrames();
   void takeFrames();
   bool hold(const V4l2Run::Filled& filled);
-  void close();
+  void close(Clock::time_point deadline);
 
   Reactor& reactor_;
   V4l2System& system_;
@@ -44,6 +49,7 @@ class V4l2Device final : public CaptureDevice {
   CaptureClient* client_ = nullptr;
   std::optional<ModeChoice> mode_;
   std::shared_ptr<V4l2Run> run_;  // opened before it is begun
+  Clock::duration waited_{};      // for the opening, so that the start waits the less
   std::unique_ptr<Registration> registration_;
   std::optional<V4l2Run::Filled> held_;
   bool isStartUntold_ = false;

@@ -28,29 +28,32 @@ V4l2Probe::Answer cameraAt(V4l2System& system, const std::string& path) {
     if (!mayBecomeUsable(fd)) return std::nullopt;
     auto label = system.label(path);
     const bool isFirst = label.index == 0 && !label.name.empty();
-    return isFirst ? std::optional(std::move(label.name)) : std::nullopt;
+    return isFirst ? V4l2Probe::Answer({std::move(label.name), {}}) : std::nullopt;
   }
   v4l2_capability capability{};
-  const bool isCamera = system.ioctl(fd, VIDIOC_QUERYCAP, &capability) >= 0 && capturesPictures(capability) &&
-                        !modesOf(system, fd).empty();
+  V4l2Probe::Camera camera;
+  if (system.ioctl(fd, VIDIOC_QUERYCAP, &capability) >= 0 && capturesPictures(capability))
+    camera = {cardOf(capability), modesOf(system, fd)};
   system.close(fd);
-  return isCamera ? std::optional(cardOf(capability)) : std::nullopt;
+  return camera.modes.empty() ? std::nullopt : V4l2Probe::Answer(std::move(camera));
 }
 
 }  // namespace
 
 V4l2Probe::V4l2Probe(V4l2System& system, std::string path) : system_(system), path_(std::move(path)) {}
 
-void V4l2Probe::look() {
+bool V4l2Probe::look() {
   const std::lock_guard lock(mutex_);
   answer_.reset();
-  if (state_ == State::Idle) std::thread([self = shared_from_this()] { self->run(); }).detach();
-  state_ = state_ == State::Idle ? State::Looking : State::LookingInVain;
+  const bool isIdle = state_ == State::Idle;
+  if (isIdle) std::thread([self = shared_from_this()] { self->run(); }).detach();
+  state_ = isIdle ? State::Looking : State::LookingInVain;
+  return isIdle;
 }
 
-std::optional<V4l2Probe::Answer> V4l2Probe::await(Clock::time_point deadline) {
+std::optional<V4l2Probe::Answer> V4l2Probe::await(V4l2System::Clock::time_point deadline) {
   std::unique_lock lock(mutex_);
-  answered_.wait_until(lock, deadline, [this] { return answer_.has_value(); });
+  system_.waitUntil(answered_, lock, deadline, [this] { return answer_.has_value(); });
   return answer_;
 }
 

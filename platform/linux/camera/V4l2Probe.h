@@ -1,13 +1,14 @@
 #pragma once
 
-#include <chrono>
 #include <condition_variable>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "linux/camera/V4l2System.h"
+#include "linux/camera/VideoMode.h"
 
 namespace vistrel::capture {
 
@@ -15,16 +16,20 @@ namespace vistrel::capture {
 /// any more goes on and touches nothing but itself and the system.
 class V4l2Probe : public std::enable_shared_from_this<V4l2Probe> {
  public:
-  using Clock = std::chrono::steady_clock;
-  /// The name of the camera behind the node; none when it is no usable one.
-  using Answer = std::optional<std::string>;
+  struct Camera {
+    std::string name;
+    /// Empty while the camera may not be opened.
+    std::vector<VideoMode> modes;
+  };
+  /// None when no usable camera is behind the node.
+  using Answer = std::optional<Camera>;
 
   V4l2Probe(V4l2System& system, std::string path);
 
-  /// Looks, or looks anew after a look that is under way, whose answer is old.
-  void look();
+  /// Looks, or looks anew after a look that is under way, whose answer is old. True when none was under way.
+  bool look();
   /// The answer of the last look; none when there is none yet at `deadline`.
-  [[nodiscard]] std::optional<Answer> await(Clock::time_point deadline);
+  [[nodiscard]] std::optional<Answer> await(V4l2System::Clock::time_point deadline);
 
  private:
   enum class State { Idle, Looking, LookingInVain };

@@ -29,12 +29,12 @@ std::vector<CameraEntry> V4l2Provider::cameras() {
   watch_.drain();
   std::vector<CameraEntry> entries;
   for (auto& [path, node] : nodes_) {
-    if (const auto answer = node.probe->await(node.deadline)) node.name = *answer;
-    if (!node.name) continue;
+    if (const auto answer = node.probe->await(node.deadline)) node.camera = *answer;
+    if (!node.camera) continue;
     CameraEntry entry;
     entry.path = path;
     entry.device.id = idOf(path, node);
-    entry.device.localizedName = *node.name;
+    entry.device.localizedName = node.camera->name;
     entry.device.isBuiltIn = attachmentOf(path) == Attachment::BuiltIn;
     entries.push_back(std::move(entry));
   }
@@ -46,13 +46,14 @@ Result<std::unique_ptr<CaptureDevice>> V4l2Provider::open(const std::string& id)
   const auto found = std::find_if(nodes_.begin(), nodes_.end(),
                                   [&](const auto& node) { return idOf(node.first, node.second) == id; });
   if (found == nodes_.end()) return errorOf(Problem::Gone);
-  return V4l2Device::open(reactor_, system_, found->first);
+  const auto& camera = found->second.camera;
+  return V4l2Device::open(reactor_, system_, found->first, camera ? camera->modes : std::vector<VideoMode>());
 }
 
 void V4l2Provider::changed(const std::string& path, FileWatch::Change change) {
   if (change == FileWatch::Change::Appeared) {
     Node& node = nodes_[path];
-    node.name.reset();
+    node.camera.reset();
     ++node.arrivals;
   }
   look(path);
@@ -61,8 +62,7 @@ void V4l2Provider::changed(const std::string& path, FileWatch::Change change) {
 void V4l2Provider::look(const std::string& path) {
   Node& node = nodes_[path];
   if (!node.probe) node.probe = std::make_shared<V4l2Probe>(system_, path);
-  node.probe->look();
-  node.deadline = V4l2Probe::Clock::now() + kLookPatience;
+  if (node.probe->look()) node.deadline = system_.now() + kLookPatience;
 }
 
 std::string V4l2Provider::idOf(const std::string& path, const Node& node) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <chrono>
 #include <map>
 #include <memory>
 #include <string>
@@ -15,7 +14,7 @@ namespace vistrel::capture {
 
 /// The cameras of the kernel, for desktops without PipeWire. A node is looked at when it appears or changes,
 /// so that asking for the list opens nothing. A device that does not answer is waited for once, 250 ms at
-/// most, and is listed when it has.
+/// most however often its node changes meanwhile, and is listed when it has.
 class V4l2Provider final : public CameraProvider {
  public:
   /// `folder` is where the nodes appear.
@@ -28,9 +27,9 @@ class V4l2Provider final : public CameraProvider {
   struct Node {
     /// Counts the devices that were here one after the other: each is a camera of its own.
     int arrivals = 0;
-    V4l2Probe::Answer name;
+    V4l2Probe::Answer camera;
     std::shared_ptr<V4l2Probe> probe;
-    V4l2Probe::Clock::time_point deadline;
+    V4l2System::Clock::time_point deadline;
   };
 
   void changed(const std::string& path, FileWatch::Change change);

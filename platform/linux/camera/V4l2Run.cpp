@@ -45,20 +45,21 @@ void V4l2Run::begin(const ModeChoice& mode, std::function<void()> onSettled) {
   changed_.notify_all();
 }
 
-V4l2Run::State V4l2Run::await(std::chrono::milliseconds patience) {
+V4l2Run::State V4l2Run::await(V4l2System::Clock::time_point deadline) {
   std::unique_lock lock(mutex_);
-  changed_.wait_for(lock, patience, [this] { return state_ != State::Opening && state_ != State::Starting; });
+  system_.waitUntil(changed_, lock, deadline,
+                    [this] { return state_ != State::Opening && state_ != State::Starting; });
   return state_;
 }
 
-void V4l2Run::end(std::chrono::milliseconds patience) {
+void V4l2Run::end(V4l2System::Clock::time_point deadline) {
   if (!thread_.joinable()) return;
   bool hasEnded = false;
   {
     std::unique_lock lock(mutex_);
     shallEnd_ = true;
     changed_.notify_all();
-    hasEnded = changed_.wait_for(lock, patience, [this] { return state_ == State::Ended; });
+    hasEnded = system_.waitUntil(changed_, lock, deadline, [this] { return state_ == State::Ended; });
   }
   // The thread holds this object, so that a driver that hangs can be left to itself.
   if (hasEnded)

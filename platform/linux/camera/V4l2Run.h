@@ -2,7 +2,6 @@
 
 #include <linux/videodev2.h>
 
-#include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <functional>
@@ -37,10 +36,10 @@ class V4l2Run : public std::enable_shared_from_this<V4l2Run> {
   /// Starts, as soon as it is opened; `onSettled` is called on the run's thread once it runs or has failed,
   /// but not after `end`.
   void begin(const ModeChoice& mode, std::function<void()> onSettled);
-  /// Waits for the opening or the start within bounds and tells how it stands.
-  State await(std::chrono::milliseconds patience);
-  /// Stops and closes the device, waiting at most `patience` for it.
-  void end(std::chrono::milliseconds patience);
+  /// Waits for the opening or the start until `deadline` and tells how it stands.
+  State await(V4l2System::Clock::time_point deadline);
+  /// Stops and closes the device, waiting for it until `deadline`.
+  void end(V4l2System::Clock::time_point deadline);
 
   /// What the device offers; once opened.
   [[nodiscard]] const std::vector<VideoMode>& modes() const { return modes_; }

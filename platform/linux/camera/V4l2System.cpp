@@ -55,6 +55,13 @@ class Kernel final : public V4l2System {
   }
 
   void unmap(const void* memory, std::size_t length) override { ::munmap(const_cast<void*>(memory), length); }
+
+  Clock::time_point now() override { return Clock::now(); }
+
+  bool waitUntil(std::condition_variable& changed, std::unique_lock<std::mutex>& lock,
+                 Clock::time_point deadline, const std::function<bool()>& isDone) override {
+    return changed.wait_until(lock, deadline, isDone);
+  }
 };
 
 }  // namespace

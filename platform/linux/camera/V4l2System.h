@@ -1,15 +1,21 @@
 #pragma once
 
+#include <chrono>
+#include <condition_variable>
 #include <cstddef>
+#include <functional>
+#include <mutex>
 #include <string>
 #include <vector>
 
 namespace vistrel::capture {
 
-/// The system calls that V4L2 is made of, so that a test can stand in for the kernel. Calls answer a negative
-/// errno for a failure. May be called from several threads at once.
+/// The system calls that V4L2 is made of and the waiting for them, so that a test can stand in for the kernel
+/// and its clock. Calls answer a negative errno for a failure. May be called from several threads at once.
 class V4l2System {
  public:
+  using Clock = std::chrono::steady_clock;
+
   virtual ~V4l2System() = default;
 
   /// The real one.
@@ -30,6 +36,12 @@ class V4l2System {
   /// Maps a buffer for reading; nullptr on failure.
   virtual const void* map(int fd, std::size_t length, std::size_t offset) = 0;
   virtual void unmap(const void* memory, std::size_t length) = 0;
+
+  [[nodiscard]] virtual Clock::time_point now() = 0;
+  /// Waits for what another thread does and announces through `changed`; false when it is not done at
+  /// `deadline`.
+  virtual bool waitUntil(std::condition_variable& changed, std::unique_lock<std::mutex>& lock,
+                         Clock::time_point deadline, const std::function<bool()>& isDone) = 0;
 };
 
 }  // namespace vistrel::capture

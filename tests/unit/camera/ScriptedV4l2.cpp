@@ -80,10 +80,11 @@ V4l2System::Label ScriptedV4l2::label(const std::string& path) {
 int ScriptedV4l2::open(const std::string& path) {
   std::unique_lock lock(mutex_);
   ++opening_;
-  released_.wait(lock, [this] { return !isOpeningHeld_; });
+  hangWhile(lock, isOpeningHeld_);
   --opening_;
   const auto node = script.find(path);
   if (node == script.end()) return -ENOENT;
+  now_ += node->second.openTakes;
   if (node->second.openResult < 0) return node->second.openResult;
   if (!ready_) ready_ = FileDescriptor(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK | EFD_SEMAPHORE));
   const int fd = ::fcntl(ready_.get(), F_DUPFD_CLOEXEC, 0);
@@ -98,7 +99,7 @@ void ScriptedV4l2::close(int fd) {
 }
 
 int ScriptedV4l2::ioctl(int fd, unsigned long request, void* argument) {
-  if (request == VIDIOC_STREAMON) return streamOn();
+  if (request == VIDIOC_STREAMON || request == VIDIOC_STREAMOFF) return switchStream();
   const std::lock_guard lock(mutex_);
   const ScriptedNode& node = script.at(opened_.at(fd));
   switch (request) {
@@ -123,7 +124,6 @@ int ScriptedV4l2::ioctl(int fd, unsigned long request, void* argument) {
     case VIDIOC_DQBUF:
       return dequeue(as<v4l2_buffer>(argument));
     case VIDIOC_S_PARM:
-    case VIDIOC_STREAMOFF:
       return 0;
     default:
       return enumerate(node, request, argument);
@@ -189,10 +189,33 @@ int ScriptedV4l2::dequeue(v4l2_buffer& buffer) {
   return 0;
 }
 
-int ScriptedV4l2::streamOn() {
+int ScriptedV4l2::switchStream() {
   std::unique_lock lock(mutex_);
-  released_.wait(lock, [this] { return !isHeld_; });
+  hangWhile(lock, isHeld_);
   return 0;
+}
+
+void ScriptedV4l2::hangWhile(std::unique_lock<std::mutex>& lock, const bool& isHeld) {
+  ++hanging_;
+  released_.wait(lock, [&] { return !isHeld; });
+  --hanging_;
+}
+
+V4l2System::Clock::time_point ScriptedV4l2::now() {
+  const std::lock_guard lock(mutex_);
+  return now_;
+}
+
+bool ScriptedV4l2::isDue(Clock::time_point deadline) {
+  const std::lock_guard lock(mutex_);
+  if (hanging_ > 0 && (isHeld_ || isOpeningHeld_)) now_ = std::max(now_, deadline);
+  return now_ >= deadline;
+}
+
+bool ScriptedV4l2::waitUntil(std::condition_variable& changed, std::unique_lock<std::mutex>& lock,
+                             Clock::time_point deadline, const std::function<bool()>& isDone) {
+  while (!isDone() && !isDue(deadline)) changed.wait_for(lock, std::chrono::milliseconds(1));
+  return isDone();
 }
 
 void ScriptedV4l2::signal(int change) {

@@ -2,6 +2,7 @@
 
 #include <linux/videodev2.h>
 
+#include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
@@ -31,12 +32,15 @@ struct ScriptedNode {
   };
   std::vector<Mode> modes{Mode{}};
   int index = 0;
+  std::chrono::milliseconds openTakes{};
   int openResult = 0;     ///< or a negative errno
   int buffersResult = 0;  ///< of asking for buffers
   bool grantsOtherSize = false;
 };
 
-/// A kernel with cameras by script. Readiness is a real descriptor, so that a real loop can wait for it.
+/// A kernel with cameras by script. Readiness is a real descriptor, so that a real loop can wait for it. Its
+/// clock moves only when the script says that something takes time, and when somebody waits for a call that
+/// hangs.
 class ScriptedV4l2 final : public V4l2System {
  public:
   std::map<std::string, ScriptedNode> script;
@@ -44,7 +48,7 @@ class ScriptedV4l2 final : public V4l2System {
   /// Fills the next free buffer of the running node with bytes of one value.
   void deliver(std::uint8_t value, std::uint32_t flags = 0);
   void unplug();
-  /// While held, switching a stream on does not return.
+  /// While held, switching a stream on or off does not return.
   void holdStreaming(bool isHeld);
   /// While held, opening does not return.
   void holdOpening(bool isHeld);
@@ -61,13 +65,18 @@ class ScriptedV4l2 final : public V4l2System {
   int ioctl(int fd, unsigned long request, void* argument) override;
   const void* map(int fd, std::size_t length, std::size_t offset) override;
   void unmap(const void* memory, std::size_t length) override;
+  Clock::time_point now() override;
+  bool waitUntil(std::condition_variable& changed, std::unique_lock<std::mutex>& lock,
+                 Clock::time_point deadline, const std::function<bool()>& isDone) override;
 
  private:
   int enumerate(const ScriptedNode& node, unsigned long request, void* argument);
   int setFormat(const ScriptedNode& node, v4l2_format& format) const;
   int queue(v4l2_buffer& buffer);
   int dequeue(v4l2_buffer& buffer);
-  int streamOn();
+  int switchStream();
+  void hangWhile(std::unique_lock<std::mutex>& lock, const bool& isHeld);
+  bool isDue(Clock::time_point deadline);
   void signal(int change);
 
   std::mutex mutex_;
@@ -75,6 +84,8 @@ class ScriptedV4l2 final : public V4l2System {
   bool isHeld_ = false;
   bool isOpeningHeld_ = false;
   int opening_ = 0;
+  int hanging_ = 0;
+  Clock::time_point now_;
   bool isUnplugged_ = false;
   std::map<int, std::string> opened_;
   FileDescriptor ready_;

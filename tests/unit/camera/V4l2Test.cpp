@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
+#include <utility>
 
 #include "PollReactor.h"
 #include "ScriptedV4l2.h"
@@ -15,7 +16,8 @@ namespace fs = std::filesystem;
 using std::chrono::milliseconds;
 
 constexpr PixelSize kSize{64, 48};
-constexpr milliseconds kPatience{2000};
+constexpr milliseconds kPatience{250};
+constexpr int kMostTurns = 10000;
 
 class V4l2Test : public testing::Test, public CaptureClient {
  protected:
@@ -43,21 +45,30 @@ class V4l2Test : public testing::Test, public CaptureClient {
     return device ? "" : device.error().message;
   }
   bool waitForOpenCount(int count) {
-    return runUntil([&] {
-      reactor_.turn(milliseconds(1));
-      return system_.openCount() == count;
-    });
+    return runUntil([&] { return system_.openCount() == count; });
   }
   // Opens and starts the scripted camera.
-  host::StreamStart start(milliseconds patience) {
-    makeProvider();
+  host::StreamStart start() {
+    if (!provider_) makeProvider();
     device_ = std::move(provider_->open(idOf(0))).value();
     device_->stop();
     EXPECT_EQ(system_.openCount(), 1) << "nothing was begun";
     device_->begin(chooseMode(device_->modes(), kSize).value(), *this);
-    return device_->awaitStart(patience);
+    return device_->awaitStart(kPatience);
   }
-  bool runUntil(const std::function<bool()>& isDone) { return reactor_.runUntil(isDone); }
+  // For how long somebody stood waiting since the last time of asking.
+  milliseconds waited() {
+    const auto since = std::exchange(asked_, system_.now());
+    return std::chrono::duration_cast<milliseconds>(asked_ - since);
+  }
+  // Looks again and again, since a thread that ends wakes no loop.
+  bool runUntil(const std::function<bool()>& isDone) {
+    for (int turns = 0; !isDone(); ++turns) {
+      if (turns == kMostTurns) return false;
+      reactor_.turn(milliseconds(1));
+    }
+    return true;
+  }
   int firstByte() { return std::get<Picture>(device_->frame().value()).planes[0].data[0]; }
 
   void captureStarted() override { ++started_; }
@@ -72,6 +83,7 @@ class V4l2Test : public testing::Test, public CaptureClient {
   int started_ = 0;
   int arrived_ = 0;
   std::vector<std::string> failures_;
+  V4l2System::Clock::time_point asked_;
 };
 
 TEST_F(V4l2Test, ListsEachUsableCameraOnce) {
@@ -114,12 +126,65 @@ TEST_F(V4l2Test, TakesACameraThatFollowsOnTheSameNodeForAnotherOne) {
   EXPECT_EQ(openError(first), "The camera is no longer connected.");
 }
 
-TEST_F(V4l2Test, LeavesADeviceThatDoesNotAnswerToItself) {
-  system_.script[node(0)] = {};
+TEST_F(V4l2Test, WaitsOnceForOpeningAndStarting) {
+  struct Case {
+    milliseconds opening;
+    bool hangsAtOpening, hangsAtStarting;
+    milliseconds waited;
+  } const cases[] = {
+      {milliseconds(0), false, false, milliseconds(0)},
+      {milliseconds(100), false, false, milliseconds(100)},
+      {milliseconds(0), true, false, milliseconds(250)},
+      {milliseconds(100), false, true, milliseconds(250)},
+  };
+  for (const Case& c : cases) {
+    system_.script[node(0)] = {.openTakes = c.opening};
+    makeProvider();
+    waited();
+    started_ = arrived_ = 0;
+    system_.holdOpening(c.hangsAtOpening);
+    system_.holdStreaming(c.hangsAtStarting);
+    const bool hangs = c.hangsAtOpening || c.hangsAtStarting;
+    EXPECT_EQ(start(), hangs ? host::StreamStart::Pending : host::StreamStart::Running);
+    EXPECT_EQ(waited(), c.waited);
+    EXPECT_EQ(started_, 0);
+    system_.holdOpening(false);
+    system_.holdStreaming(false);
+    EXPECT_TRUE(runUntil([&] { return !hangs || started_ > 0; }));
+    system_.deliver(9);
+    EXPECT_TRUE(runUntil([&] { return arrived_ > 0; }));
+    device_.reset();
+  }
+}
+
+TEST_F(V4l2Test, TellsOfAnOpeningThatFailsLate) {
+  const std::pair<ScriptedNode, const char*> cases[] = {
+      {{.openResult = -ENODEV}, "The camera is no longer connected."},
+      {{.openResult = -EACCES}, "Access to the camera is denied."},
+      {{.buffersResult = -EBUSY}, "The camera is in use by another program."},
+  };
+  for (const auto& [becomes, text] : cases) {
+    system_.script[node(0)] = {};
+    makeProvider();
+    failures_.clear();
+    system_.holdOpening(true);
+    EXPECT_EQ(start(), host::StreamStart::Pending);
+    system_.script[node(0)] = becomes;
+    system_.holdOpening(false);
+    EXPECT_TRUE(runUntil([&] { return !failures_.empty(); }));
+    EXPECT_EQ(failures_, std::vector<std::string>{text});
+  }
+}
+
+TEST_F(V4l2Test, RefusesADeviceThatDoesNotAnswerAndWasNeverAsked) {
+  system_.script[node(0)] = {.openResult = -EBUSY};
   makeProvider();
   const auto id = idOf(0);
+  system_.script[node(0)] = {};
   system_.holdOpening(true);
+  waited();
   EXPECT_EQ(openError(id), "The camera does not answer.");
+  EXPECT_EQ(waited(), milliseconds(250));
   system_.holdOpening(false);
   EXPECT_TRUE(waitForOpenCount(0));
   EXPECT_EQ(openError(id), "");
@@ -129,21 +194,20 @@ TEST_F(V4l2Test, ListsADeviceThatAnswersLateWhenItDoes) {
   system_.script[node(0)] = {};
   system_.holdOpening(true);
   makeProvider();
+  std::ofstream(node(0)).close();
   EXPECT_TRUE(names().empty());
+  EXPECT_EQ(waited(), milliseconds(250)) << "for all the looks together";
   system_.holdOpening(false);
-  EXPECT_TRUE(runUntil([&] {
-    reactor_.turn(milliseconds(1));
-    return names() == std::vector<std::string>{"Camera"};
-  }));
+  EXPECT_TRUE(runUntil([&] { return names() == std::vector<std::string>{"Camera"}; }));
 }
 
 TEST_F(V4l2Test, OpensAnewWithoutWaitingForAStartThatWasStopped) {
   system_.script[node(0)] = {};
-  ASSERT_EQ(start(kPatience), host::StreamStart::Running);
+  ASSERT_EQ(start(), host::StreamStart::Running);
   device_->stop();
   system_.holdOpening(true);
   device_->begin(chooseMode(device_->modes(), kSize).value(), *this);
-  EXPECT_EQ(device_->awaitStart(milliseconds(1)), host::StreamStart::Pending);
+  EXPECT_EQ(device_->awaitStart(kPatience), host::StreamStart::Pending);
   system_.holdOpening(false);
   EXPECT_TRUE(runUntil([&] { return started_ > 0; }));
 }
@@ -172,7 +236,7 @@ TEST_F(V4l2Test, JudgesARangeOfSizesByTheRateAtEach) {
 
 TEST_F(V4l2Test, HoldsTheNewestFrameAndGivesTheOthersBack) {
   system_.script[node(0)] = {};
-  ASSERT_EQ(start(kPatience), host::StreamStart::Running);
+  ASSERT_EQ(start(), host::StreamStart::Running);
   system_.deliver(1);
   system_.deliver(2);
   EXPECT_TRUE(runUntil([&] { return arrived_ > 0; }));
@@ -188,31 +252,25 @@ TEST_F(V4l2Test, HoldsTheNewestFrameAndGivesTheOthersBack) {
   EXPECT_EQ(system_.mappedCount(), 0);
 }
 
-TEST_F(V4l2Test, GoesOnStartingByItself) {
-  system_.script[node(0)] = {};
-  system_.holdStreaming(true);
-  ASSERT_EQ(start(milliseconds(1)), host::StreamStart::Pending);
-  EXPECT_EQ(started_, 0);
-  system_.holdStreaming(false);
-  EXPECT_TRUE(runUntil([&] { return started_ > 0; }));
-  system_.deliver(9);
-  EXPECT_TRUE(runUntil([&] { return arrived_ > 0; }));
-}
-
 TEST_F(V4l2Test, StopsWithoutWaitingForADriverThatHangs) {
   system_.script[node(0)] = {};
-  system_.holdStreaming(true);
-  ASSERT_EQ(start(milliseconds(1)), host::StreamStart::Pending);
-  device_->stop();
-  EXPECT_EQ(system_.openCount(), 1);
-  system_.holdStreaming(false);
-  EXPECT_TRUE(waitForOpenCount(0));
-  EXPECT_EQ(started_, 0);
+  for (const bool hangsWhileRunning : {false, true}) {
+    system_.holdStreaming(!hangsWhileRunning);
+    ASSERT_EQ(start(), hangsWhileRunning ? host::StreamStart::Running : host::StreamStart::Pending);
+    system_.holdStreaming(true);
+    waited();
+    device_->stop();
+    EXPECT_LE(waited(), milliseconds(100));
+    EXPECT_EQ(system_.openCount(), 1);
+    system_.holdStreaming(false);
+    EXPECT_TRUE(waitForOpenCount(0));
+    EXPECT_EQ(started_, 0);
+  }
 }
 
 TEST_F(V4l2Test, ReportsARefusedFormatFromTheMainLoop) {
   system_.script[node(0)] = {.grantsOtherSize = true};
-  EXPECT_EQ(start(kPatience), host::StreamStart::Failed);
+  EXPECT_EQ(start(), host::StreamStart::Failed);
   EXPECT_TRUE(failures_.empty());
   EXPECT_TRUE(runUntil([&] { return !failures_.empty(); }));
   EXPECT_EQ(failures_, std::vector<std::string>{"The camera refused the picture format."});
@@ -220,7 +278,7 @@ TEST_F(V4l2Test, ReportsARefusedFormatFromTheMainLoop) {
 
 TEST_F(V4l2Test, ReportsAnUnpluggedCameraOnce) {
   system_.script[node(0)] = {};
-  ASSERT_EQ(start(kPatience), host::StreamStart::Running);
+  ASSERT_EQ(start(), host::StreamStart::Running);
   system_.deliver(1);
   EXPECT_TRUE(runUntil([&] { return arrived_ > 0; }));
   system_.unplug();
