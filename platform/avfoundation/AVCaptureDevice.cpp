@@ -21,16 +21,10 @@ AVCaptureDeviceType typeOf(const host::CameraDevice& device) {
                           : AVCaptureDeviceType::ExternalUnknown;
 }
 
-std::string onOneLine(std::string text) {
-  const auto isControl = [](unsigned char c) { return c < 0x20; };
-  std::replace_if(text.begin(), text.end(), isControl, ' ');
-  return text;
-}
-
 }  // namespace
 
 std::string AVCaptureDevice::description() const {
-  return "<AVCaptureDevice: " + onOneLine(device_.localizedName) + " [" + onOneLine(device_.id) + "]>";
+  return "<AVCaptureDevice: " + device_.localizedName + " [" + device_.id + "]>";
 }
 
 void AVCaptureDevice::setCenterStageControlMode(AVCaptureCenterStageControlMode mode) {

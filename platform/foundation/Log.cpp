@@ -1,10 +1,10 @@
 #include "foundation/Log.h"
 
-#include <algorithm>
-#include <cctype>
 #include <cstdio>
 #include <string>
 #include <utility>
+
+#include "foundation/Unicode.h"
 
 namespace vistrel {
 
@@ -13,14 +13,6 @@ namespace {
 Log::Sink& sink() {
   static Log::Sink value;
   return value;
-}
-
-// Names from outside may hold line feeds.
-std::string onOneLine(std::string_view text) {
-  std::string line(text);
-  const auto breaks = [](char c) { return std::iscntrl(static_cast<unsigned char>(c)) != 0; };
-  std::replace_if(line.begin(), line.end(), breaks, ' ');
-  return line;
 }
 
 void write(std::FILE* stream, std::string_view text) {
@@ -32,7 +24,7 @@ void write(std::FILE* stream, std::string_view text) {
 }  // namespace
 
 void Log::line(std::string_view text) {
-  const std::string line = onOneLine(text);
+  const std::string line = unicode::onOneLine(text);
   if (sink()) {
     sink()(line);
   } else {
@@ -40,7 +32,7 @@ void Log::line(std::string_view text) {
   }
 }
 
-void Log::warning(std::string_view text) { write(stderr, text); }
+void Log::warning(std::string_view text) { write(stderr, unicode::onOneLine(text)); }
 
 void Log::setSink(Sink newSink) { sink() = std::move(newSink); }
 

@@ -5,7 +5,8 @@
 
 namespace vistrel {
 
-/// The one logger: free-text lines, one an event, on the standard output.
+/// The one logger: free-text lines, one an event, on the standard output. What would break a line in two, as
+/// names from outside may, is written as a blank.
 class Log {
  public:
   /// Writes one line, flushed, ending in a line feed.

@@ -2,6 +2,7 @@
 
 #include <unicode/brkiter.h>
 #include <unicode/normalizer2.h>
+#include <unicode/uchar.h>
 #include <unicode/unistr.h>
 #include <unicode/utf8.h>
 
@@ -34,6 +35,19 @@ bool isValidUtf8(std::string_view text) {
 }
 
 std::string repairedUtf8(std::string_view text) { return toUtf8(toUtf16(text)); }
+
+std::string onOneLine(std::string_view text) {
+  std::string line;
+  const auto length = static_cast<int32_t>(text.size());
+  for (int32_t i = 0, start = 0; i < length; start = i) {
+    UChar32 character = 0;
+    U8_NEXT(text.data(), i, length, character);
+    const bool endsLine =
+        character >= 0 && (U_GET_GC_MASK(character) & (U_GC_CC_MASK | U_GC_ZL_MASK | U_GC_ZP_MASK));
+    line += endsLine ? std::string_view(" ") : text.substr(start, i - start);
+  }
+  return line;
+}
 
 bool areEqual(std::string_view a, std::string_view b) {
   if (a == b) return true;

@@ -24,4 +24,8 @@ namespace vistrel::unicode {
 /// The text with U+FFFD in the place of what is not UTF-8.
 [[nodiscard]] std::string repairedUtf8(std::string_view text);
 
+/// The text with a blank in the place of each character that ends a line for some reader or other: the
+/// control characters and Unicode's separators of lines and paragraphs.
+[[nodiscard]] std::string onOneLine(std::string_view text);
+
 }  // namespace vistrel::unicode

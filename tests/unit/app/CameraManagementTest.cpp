@@ -55,20 +55,21 @@ TEST(CameraManagement, settlesTheSelection) {
 }
 
 TEST(CameraManagement, listsWhatIsConnectedAndAwake) {
+  const std::string severalLines = "a\nb\177c\u0085d\u2028e\u2029f";
   simulated::SimulatedDesktop desktop(VISTREL_RESOURCES);
   desktop.cameraHost.plug("A");
   desktop.cameraHost.plug("B").device.isSuspended = true;
   desktop.cameraHost.plug("C").device.isConnected = false;
-  desktop.cameraHost.plug("two\nlines");
+  desktop.cameraHost.plug(severalLines);
   CameraManagement cameras;
   const std::string line =
       "📷 Refreshed Devices — available cameras: "
-      "[<AVCaptureDevice: A [camera1]>, <AVCaptureDevice: two lines [camera4]>]";
+      "[<AVCaptureDevice: A [camera1]>, <AVCaptureDevice: a b c d e f [camera4]>]";
   EXPECT_EQ(desktop.takeLog(), Lines{line});
 
   const auto selected = cameras.selectedDevice();
   desktop.cameraHost.unplug("A");
-  desktop.cameraHost.unplug("two\nlines");
+  desktop.cameraHost.unplug(severalLines);
   cameras.refreshDevices();
   EXPECT_EQ(desktop.takeLog(), Lines{"📷 Refreshed Devices — available cameras: []"});
   EXPECT_EQ(cameras.selectedDevice(), selected);
