@@ -157,6 +157,28 @@ class DarkModeTest(DesktopTest):
         vistrel.wait_line("Switched modes")
         wait_until(lambda: sum(self.frame_colour(vistrel)) > sum(dark) + 150, "a light frame")
 
+    def test_without_any_word_the_palette_decides(self):
+        self.desktop.camera()
+        file = self.desktop.folder / "config" / "qt6ct" / "qt6ct.conf"
+        file.parent.mkdir(parents=True)
+
+        def put(window):
+            colours = ", ".join(["#ff808080"] * 10 + [window] + ["#ff808080"] * 10)
+            scheme = file.with_name(window[1:])
+            scheme.write_text("[ColorScheme]\n" + "".join(
+                f"{group}_colors={colours}\n" for group in ("active", "disabled", "inactive")))
+            changed = file.with_suffix(".new")
+            changed.write_text(f"[Appearance]\ncustom_palette=true\ncolor_scheme_path={scheme}\n")
+            changed.rename(file)
+        put("#ff202020")
+        vistrel = self.start(environment={"QT_QPA_PLATFORMTHEME": "qt6ct", "GSETTINGS_BACKEND": "memory"})
+        self.open(vistrel)
+        dark = self.frame_colour(vistrel)
+        self.assertLess(max(dark), 128)
+        put("#ffe0e0e0")
+        vistrel.wait_line("Switched modes")
+        wait_until(lambda: sum(self.frame_colour(vistrel)) > sum(dark) + 150, "a light frame")
+
     def frame_colour(self, vistrel):
         """The colour of the tip between the icon and the picture."""
         icon = vistrel.icon()

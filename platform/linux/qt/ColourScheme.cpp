@@ -1,14 +1,17 @@
 #include "qt/ColourScheme.h"
 
+#include <QApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
-#include <QGuiApplication>
+#include <QEvent>
 #include <QPalette>
+#include <QToolTip>
 #include <utility>
 
 #include "foundation/Log.h"
+#include "qt/Palettes.h"
 
 namespace vistrel::qt {
 
@@ -29,17 +32,19 @@ uint unwrapped(QVariant value) {
   return value.toUInt();
 }
 
-bool startedDark() { return QGuiApplication::palette().color(QPalette::Window).lightness() < 128; }
+bool isPaletteDark() { return QApplication::palette().color(QPalette::Window).lightness() < 128; }
+
+QPalette paletteOf(bool isDark) { return isDark ? darkPalette() : lightPalette(); }
 
 }  // namespace
 
 ColourScheme::ColourScheme(Handlers handlers)
     : handlers_(std::move(handlers)),
       portal_(kService, QDBusConnection::sessionBus(), QDBusServiceWatcher::WatchForRegistration),
-      startedDark_(startedDark()),
-      isDark_(startedDark_),
       patience_(std::make_unique<SingleShot>(kPatience, [this] { learned(); })) {
   connect(&portal_, &QDBusServiceWatcher::serviceRegistered, this, [this] { askPortal(); });
+  qApp->installEventFilter(this);
+  look();
   connectPortal();
   askPortal();
 }
@@ -74,18 +79,35 @@ void ColourScheme::settingChanged(const QString& nameSpace, const QString& key, 
 
 void ColourScheme::useGnomeSettings() {
   if (!gnome_) gnome_ = GnomeSettings::open([this] { useGnomeSettings(); });
-  set(gnome_ ? gnome_->prefersDark().value_or(startedDark_) : startedDark_);
+  set(gnome_ ? gnome_->prefersDark() : std::nullopt);
 }
 
-void ColourScheme::set(bool isDark) {
-  const bool isOther = std::exchange(isDark_, isDark) != isDark;
-  if (patience_) return learned();
-  if (isOther) handlers_.didChange();
+void ColourScheme::set(std::optional<bool> isToldDark) {
+  const bool wasTold = std::exchange(isToldDark_, isToldDark).has_value();
+  // Only without a palette of ours does Qt follow the desktop's.
+  if (wasTold && !isToldDark) QApplication::setPalette(QPalette());
+  look();
+  learned();
+}
+
+// The palette changes by a word of the desktop, or because the desktop or a theme sets another.
+bool ColourScheme::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == qApp && event->type() == QEvent::ApplicationPaletteChange) {
+    QMetaObject::invokeMethod(
+        this, [this] { look(); }, Qt::QueuedConnection);
+  }
+  return false;
+}
+
+void ColourScheme::look() {
+  const bool wasDark = std::exchange(isDark_, isToldDark_.value_or(isPaletteDark()));
+  if (isToldDark_) QApplication::setPalette(paletteOf(isDark_));
+  QToolTip::setPalette(paletteOf(isDark_));
+  if (isDark_ != wasDark && !patience_) handlers_.didChange();
 }
 
 void ColourScheme::learned() {
-  patience_.reset();
-  handlers_.didLearn();
+  if (std::exchange(patience_, nullptr)) handlers_.didLearn();
 }
 
 }  // namespace vistrel::qt

@@ -5,6 +5,7 @@
 #include <QObject>
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include "qt/GnomeSettings.h"
 #include "qt/SingleShot.h"
@@ -13,7 +14,8 @@ namespace vistrel::qt {
 
 /// The desktop's preference for light or dark, live: what the Settings portal (`org.freedesktop.appearance`,
 /// `color-scheme`) tells; without one what GNOME's settings tell; where those have no word the palette that
-/// the program started with.
+/// Qt takes from the desktop. Dresses the application: in a palette of ours while the desktop has a word, in
+/// the desktop's own while that palette is the word.
 class ColourScheme final : public QObject {
   Q_OBJECT
 
@@ -28,6 +30,8 @@ class ColourScheme final : public QObject {
 
   [[nodiscard]] bool isDark() const { return isDark_; }
 
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
  private slots:
   void settingChanged(const QString& nameSpace, const QString& key, const QDBusVariant& value);
 
@@ -35,14 +39,15 @@ class ColourScheme final : public QObject {
   void connectPortal();
   void askPortal();
   void useGnomeSettings();
-  void set(bool isDark);
+  void set(std::optional<bool> isToldDark);
+  void look();
   void learned();
 
   Handlers handlers_;
   QDBusServiceWatcher portal_;
   std::unique_ptr<GnomeSettings> gnome_;
-  const bool startedDark_;
-  bool isDark_;
+  std::optional<bool> isToldDark_;
+  bool isDark_ = false;
   std::unique_ptr<SingleShot> patience_;
 };
 

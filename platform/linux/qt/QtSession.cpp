@@ -5,12 +5,10 @@
 #include <QDesktopServices>
 #include <QEvent>
 #include <QSessionManager>
-#include <QToolTip>
 #include <QUrl>
 #include <utility>
 
 #include "qt/Geometry.h"
-#include "qt/Palettes.h"
 #include "qt/SingleInstance.h"
 
 namespace vistrel::qt {
@@ -29,18 +27,12 @@ QtSession::QtSession(desktop::Reactor& reactor, x11::X11Connection& x11, SingleI
                    .willResignActive = [this] { report(&SessionClient::willResignActive); }}),
       colourScheme_({.didLearn =
                          [this] {
-                           applyColours();
                            isReady_ = true;
                            launchWhenReady();
                          },
-                     .didChange =
-                         [this] {
-                           applyColours();
-                           report(&SessionClient::appearanceDidChange);
-                         }}),
+                     .didChange = [this] { report(&SessionClient::appearanceDidChange); }}),
       signals_(reactor, [this] { report(&SessionClient::terminateRequested); }) {
   instance.setReopenHandler([this] { report(&SessionClient::reopen); });
-  applyColours();
   watchEndOfSession();
 }
 
@@ -71,12 +63,6 @@ Point QtSession::pointerLocation() { return fromQt(QCursor::pos()); }
 
 bool QtSession::openUrl(const std::string& url) {
   return QDesktopServices::openUrl(QUrl(QString::fromStdString(url)));
-}
-
-void QtSession::applyColours() {
-  const QPalette palette = isDark() ? darkPalette() : lightPalette();
-  QApplication::setPalette(palette);
-  QToolTip::setPalette(palette);
 }
 
 // A session manager that starts the program again would show it to a user who has quit it.

@@ -36,7 +36,6 @@ class QtSession final : public QObject, public host::SessionHost {
   void report(Report what);
   void launchWhenReady();
   void launch();
-  void applyColours();
   void watchEndOfSession();
 
   desktop::Reactor& reactor_;
