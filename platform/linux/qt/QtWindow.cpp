@@ -24,9 +24,10 @@ namespace {
 // minimised.
 constexpr Qt::WindowFlags kTitledFlags = Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
                                          Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint;
-// The same for an attached and a torn-off popover: Qt takes a window down to change its flags.
-constexpr Qt::WindowFlags kPopoverFlags =
-    Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::NoDropShadowWindowHint;
+constexpr Qt::WindowFlags kChrome =
+    Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::NoDropShadowWindowHint;
+constexpr Qt::WindowFlags kPopoverFlags = Qt::Tool | kChrome;
+constexpr Qt::WindowFlags kDetachedFlags = Qt::Window | kChrome;
 
 bool isTab(const QEvent& event) {
   return event.type() == QEvent::KeyPress && static_cast<const QKeyEvent&>(event).key() == Qt::Key_Tab;
@@ -76,9 +77,7 @@ void QtWindow::show() {
     attributesDidChange();
     shell_->winId();
     applyChrome();
-    const bool isAccessory = window_.kind() == NSWindowKind::Popover;
-    x11_.setListed(*shell_->windowHandle(),
-                   isAccessory ? X11Windows::ListedAs::Accessory : X11Windows::ListedAs::Window);
+    applyKind();
     x11_.noteUserAction();
     shell_->show();
   }
@@ -108,9 +107,15 @@ void QtWindow::attributesDidChange() {
   addCloseButton();
   const bool isOtherKind = std::exchange(shownKind_, window_.kind()) != window_.kind();
   if (shell_->isVisible() && hasChrome()) applyChrome();
-  if (isOtherKind && shell_->isVisible()) {
-    x11_.setListed(*shell_->windowHandle(), X11Windows::ListedAs::Window);
-  }
+  if (isOtherKind && shell_->isVisible()) applyKind();
+}
+
+// A widget's own flags would take the window down to change it, and the picture with it.
+void QtWindow::applyKind() {
+  QWindow& handle = *shell_->windowHandle();
+  const bool isAccessory = window_.kind() == NSWindowKind::Popover;
+  if (hasChrome()) handle.setFlags(isAccessory ? kPopoverFlags : kDetachedFlags);
+  x11_.setListed(handle, isAccessory ? X11Windows::ListedAs::Accessory : X11Windows::ListedAs::Window);
 }
 
 void QtWindow::applyLook() {

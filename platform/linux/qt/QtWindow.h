@@ -51,6 +51,7 @@ class QtWindow final : public host::NativeWindow, private QtShellClient, private
   [[nodiscard]] std::shared_ptr<NSEvent> translated(QEvent& event);
   void applyFrame();
   void applyChrome();
+  void applyKind();
   void applyLook();
   void addCloseButton();
   void tellPointer(bool isInside);

@@ -59,6 +59,8 @@ X11Windows::X11Windows() {
 void X11Windows::setListed(const QWindow& window, ListedAs listed) {
   if (!connection_) return;
   if (window.isVisible()) {
+    // A window that belongs to another one is left out of lists whatever its state says.
+    if (listed == ListedAs::Window) xcb_delete_property(connection_, idOf(window), XCB_ATOM_WM_TRANSIENT_FOR);
     askForState(idOf(window), listed);
   } else {
     writeState(idOf(window), listed);
