@@ -1,6 +1,7 @@
 #include "appkit/NSWindow.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <utility>
@@ -18,6 +19,9 @@
 namespace vistrel {
 
 namespace {
+
+// A hand that drags a window rests less than this; one that lets go notices nothing of it.
+constexpr std::chrono::milliseconds kRestAfterMoving(300);
 
 std::string autosaveKey(const std::string& name) { return "NSWindow Frame " + name; }
 
@@ -101,7 +105,8 @@ void NSWindow::setFrameAutosaveName(const std::string& name) {
   setFrame(movedOntoScreen(wanted, host::current().session().screens()));
 }
 
-void NSWindow::saveFrame() const {
+void NSWindow::saveFrame() {
+  movement_.reset();
   if (autosaveName_.empty()) return;
   UserDefaults::standard().setString(frameText(frame_), autosaveKey(autosaveName_));
 }
@@ -236,9 +241,11 @@ void NSWindow::setKey(bool isKey) {
   NotificationCenter::defaultCenter().post(change, this);
 }
 
+// Each step of a drag comes here, and to write is to wait for the disk: where it ends is enough.
 void NSWindow::didMove(const Rect& frame) {
   frame_ = frame;
-  saveFrame();
+  if (autosaveName_.empty()) return;
+  movement_ = host::current().mainLoop().after(kRestAfterMoving, [this] { saveFrame(); });
 }
 
 void NSWindow::tellTrackingOwners(NSEventType type) {

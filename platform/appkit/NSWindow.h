@@ -7,6 +7,7 @@
 #include "appkit/NSAppearance.h"
 #include "appkit/NSControl.h"
 #include "appkit/NSResponder.h"
+#include "host/MainLoop.h"
 #include "host/Windows.h"
 
 namespace vistrel {
@@ -134,7 +135,7 @@ class NSWindow : public NSResponder,
   void updateCloseButton();
   void makeNative();
   void setKey(bool isKey);
-  void saveFrame() const;
+  void saveFrame();
   void tellTrackingOwners(NSEventType type);
 
   NSWindowKind kind_;
@@ -149,6 +150,7 @@ class NSWindow : public NSResponder,
   std::shared_ptr<NSAlert> sheet_;
   NSResponder* firstResponder_ = nullptr;
   std::unique_ptr<host::NativeWindow> native_;
+  std::unique_ptr<host::Timer> movement_;  // while the window is being moved
   bool isMapped_ = false;
   bool isVisible_ = false;
   bool isKey_ = false;

@@ -157,7 +157,11 @@ TEST_F(PreferencesViewTest, OpensANewWindowEachTimeAndRemembersItsPlace) {
   EXPECT_NE(openPreferencesWindow(), window);
   EXPECT_EQ(NSApplication::shared().windows().size(), 3U);
   EXPECT_EQ(window->title() + "/" + about->title(), "Preferences/About Vistrel");
-  window->didMove({100, 120, 480, 360});
+  for (const double x : {300, 200, 100}) window->didMove({x, 120, 480, 360});
+  EXPECT_EQ(desktop.files.preferences, std::nullopt) << "nothing is written while it is on its way";
+  desktop.loop.advance(std::chrono::seconds(1));
+  EXPECT_EQ(UserDefaults::standard().stringForKey("NSWindow Frame Preferences Window"), "100 120 480 360");
+  about->didMove({10, 20, 480, 420});
   window->close();
   const auto reopened = openPreferencesWindow();
   EXPECT_EQ(reopened->frame(), (Rect{100, 120, 480, 360}));
@@ -167,6 +171,9 @@ TEST_F(PreferencesViewTest, OpensANewWindowEachTimeAndRemembersItsPlace) {
   const Rect screen{0, 0, 1280, 800};
   EXPECT_EQ(screen.intersection(moved), moved) << "back on a screen that is there";
   EXPECT_FALSE(desktop.loop.hasQuit());
+  NSApplication::shared().terminate(nullptr);
+  EXPECT_EQ(UserDefaults::standard().stringForKey("NSWindow Frame About Window"), "10 20 480 420");
+  EXPECT_EQ(desktop.loop.timerCount(), 0U);
 }
 
 }  // namespace
