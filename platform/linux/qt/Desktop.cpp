@@ -49,8 +49,8 @@ struct Desktop::Parts {
   files::Autostart loginItems{files::AutostartFolders::fromEnvironment(), resources.executablePath()};
   x11::X11Connection x11{reactor};
   x11::HotKeyGrabs hotKeys{x11};
-  PopupKeys popupKeys{hotKeys};
   x11::X11Keyboard keyboard{x11, toolkitConnection()};
+  PopupKeys popupKeys{hotKeys, keyboard};
   x11::RawPresses presses{x11};
   QtWindowSystem windows{presses};
   QtSession session{reactor, x11, *instance};

@@ -42,11 +42,18 @@ void X11Keyboard::beep() {
 
 bool X11Keyboard::setKeyboardCaptured(bool isCaptured) {
   if (!toolkit_) return false;
-  if (!isCaptured) {
-    xcb_ungrab_keyboard(toolkit_, XCB_CURRENT_TIME);
-    xcb_flush(toolkit_);
-    return true;
-  }
+  if (isCaptured) return isCaptured_ = capture();
+  isCaptured_ = false;
+  xcb_ungrab_keyboard(toolkit_, XCB_CURRENT_TIME);
+  xcb_flush(toolkit_);
+  return true;
+}
+
+void X11Keyboard::toolkitGaveBack() {
+  if (isCaptured_) capture();
+}
+
+bool X11Keyboard::capture() {
   const xcb_window_t focused = focusedWindowOf(toolkit_, connection_.root());
   if (focused == XCB_NONE) return false;
   // On the focused window itself, so that the focus is not seen to leave it. Owner events: what our windows

@@ -17,11 +17,17 @@ class X11Keyboard final : public host::KeyboardHost {
   [[nodiscard]] std::optional<std::vector<std::map<std::string, std::any>>> symbolicHotKeys() override;
   void beep() override;
   bool setKeyboardCaptured(bool isCaptured) override;
+  /// The toolkit has given the keyboard back, which it takes for its own popups: a captured keyboard is
+  /// captured again.
+  void toolkitGaveBack();
 
  private:
+  bool capture();
+
   X11Connection& connection_;
   xcb_connection_t* toolkit_;
   Keymap keymap_;
+  bool isCaptured_ = false;
 };
 
 }  // namespace vistrel::x11
