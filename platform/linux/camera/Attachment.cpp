@@ -29,6 +29,16 @@ std::vector<fs::path> placesOf(const std::string& devicePath, const fs::path& sy
   return places;
 }
 
+bool isVirtual(const fs::path& place) { return place.string().find("/virtual/") != std::string::npos; }
+
+// The folder of the USB device among `places`; empty for a node that hangs elsewhere.
+fs::path usbDeviceAmong(const std::vector<fs::path>& places) {
+  std::error_code ignored;
+  for (const fs::path& place : places)
+    if (fs::exists(place / "idVendor", ignored)) return place;
+  return {};
+}
+
 bool isDigit(char c) { return std::isdigit(static_cast<unsigned char>(c)) != 0; }
 
 // The digits at the front of `text`, without leading zeros, taken off it.
@@ -54,17 +64,40 @@ Attachment attachmentOf(const std::string& devicePath, const fs::path& sysfs) {
     // What follows are the hubs, whose word says nothing of what is plugged into them.
     if (fs::exists(place / "idVendor", ignored)) break;
   }
-  const std::string text = places.front().string();
   const bool isExternal =
-      text.find("/usb") != std::string::npos || text.find("/virtual/") != std::string::npos;
+      places.front().string().find("/usb") != std::string::npos || isVirtual(places.front());
   return isExternal ? Attachment::External : Attachment::BuiltIn;
 }
 
 std::string usbProductOf(const std::string& devicePath, const fs::path& sysfs) {
-  for (const fs::path& place : placesOf(devicePath, sysfs))
-    if (const std::string vendor = firstWord(place / "idVendor"); !vendor.empty())
-      return vendor + ":" + firstWord(place / "idProduct");
-  return {};
+  const fs::path device = usbDeviceAmong(placesOf(devicePath, sysfs));
+  return device.empty() ? "" : firstWord(device / "idVendor") + ":" + firstWord(device / "idProduct");
+}
+
+std::string placeOf(const std::string& devicePath, const fs::path& sysfs) {
+  const auto places = placesOf(devicePath, sysfs);
+  if (places.empty()) return devicePath;
+  const fs::path& node = places.front();
+  return isVirtual(node) ? node : node.parent_path().parent_path() / firstWord(node / "index");
+}
+
+// What cannot be known: whether a node that hangs elsewhere is a camera's (decoders and the queues of image
+// processors have nodes too), whether one in software gives pictures or takes them, and whether the first one
+// of a USB device sees colours. The others of a USB device are metadata or an infrared sensor as a rule.
+bool seemsCamera(const std::string& devicePath, const fs::path& sysfs) {
+  const auto places = placesOf(devicePath, sysfs);
+  if (places.empty()) return false;
+  if (isVirtual(places.front())) return firstWord(places.front() / "index") == "0";
+  const fs::path device = usbDeviceAmong(places);
+  if (device.empty()) return false;
+  std::error_code ignored;
+  const std::string place = placeOf(devicePath, sysfs);
+  for (const auto& entry : fs::directory_iterator(sysfs / "class/video4linux", ignored)) {
+    const std::string other = entry.path().filename();
+    const bool isSibling = other.starts_with("video") && usbDeviceAmong(placesOf(other, sysfs)) == device;
+    if (isSibling && isPathBefore(placeOf(other, sysfs), place)) return false;
+  }
+  return true;
 }
 
 bool isPathBefore(std::string_view a, std::string_view b) {

@@ -18,6 +18,15 @@ enum class Attachment { BuiltIn, External };
 [[nodiscard]] std::string usbProductOf(const std::string& devicePath,
                                        const std::filesystem::path& sysfs = "/sys");
 
+/// Where such a node is attached, which the order of plugging does not change: the kernel's path of its
+/// device and its number there. Of one that exists in software only and of one that the kernel does not know,
+/// the number that it bears is all there is.
+[[nodiscard]] std::string placeOf(const std::string& devicePath, const std::filesystem::path& sysfs = "/sys");
+
+/// Whether such a node is a camera's, as far as can be known without opening it: the first one of a device
+/// on USB or in software.
+[[nodiscard]] bool seemsCamera(const std::string& devicePath, const std::filesystem::path& sysfs = "/sys");
+
 /// Orders paths as people do: "/dev/video2" before "/dev/video10".
 [[nodiscard]] bool isPathBefore(std::string_view a, std::string_view b);
 

@@ -35,7 +35,7 @@ std::string v4l2PathOf(const PipeWireNode& node) {
 }
 
 std::string pathOf(const PipeWireNode& node) {
-  if (auto path = v4l2PathOf(node); !path.empty()) return path;
+  if (const auto path = v4l2PathOf(node); !path.empty()) return placeOf(path);
   for (const char* key : {PW_KEY_OBJECT_PATH, PW_KEY_NODE_NAME})
     if (const auto* path = node.property(key)) return *path;
   return {};
@@ -76,12 +76,12 @@ std::vector<CameraEntry> PipeWireProvider::cameras() {
   std::vector<CameraEntry> entries;
   const auto products = v4l2Products(*graph_);
   for (const auto& node : graph_->nodes()) {
-    const std::string devicePath = v4l2PathOf(*node);
+    const std::string path = pathOf(*node);
     // Infrared and grey-only sensors have no mode that can be shown.
-    if (node->modes().empty() || (!devicePath.empty() && isListed(entries, devicePath))) continue;
+    if (node->modes().empty() || (!v4l2PathOf(*node).empty() && isListed(entries, path))) continue;
     if (isSeenThroughV4l2(*node, products)) continue;
     entries.push_back(
-        {{.id = idOf(*node), .localizedName = nameOf(*node), .isBuiltIn = isBuiltIn(*node)}, pathOf(*node)});
+        {{.id = idOf(*node), .localizedName = nameOf(*node), .isBuiltIn = isBuiltIn(*node)}, path});
   }
   return entries;
 }

@@ -15,7 +15,7 @@ constexpr std::chrono::milliseconds kClosingPatience{90};
 
 Result<std::unique_ptr<CaptureDevice>> V4l2Device::open(Reactor& reactor, V4l2System& system,
                                                         const std::string& path,
-                                                        std::vector<VideoMode> knownModes) {
+                                                        const std::vector<VideoMode>& knownModes) {
   const auto asked = system.now();
   const auto deadline = asked + kOpeningPatience;
   auto run = std::make_shared<V4l2Run>(system, path);
@@ -27,7 +27,7 @@ Result<std::unique_ptr<CaptureDevice>> V4l2Device::open(Reactor& reactor, V4l2Sy
     return isOpening ? errorOf(Problem::Silent) : run->error();
   }
   auto device = std::unique_ptr<V4l2Device>(new V4l2Device(reactor, system, path, run));
-  device->modes_ = isOpening ? std::move(knownModes) : run->modes();
+  device->modes_ = isOpening ? knownModes : run->modes();
   device->waited_ = system.now() - asked;
   return std::unique_ptr<CaptureDevice>(std::move(device));
 }

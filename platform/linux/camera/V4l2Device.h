@@ -19,7 +19,7 @@ class V4l2Device final : public CaptureDevice {
   /// known; else it has failed.
   static Result<std::unique_ptr<CaptureDevice>> open(Reactor& reactor, V4l2System& system,
                                                      const std::string& path,
-                                                     std::vector<VideoMode> knownModes);
+                                                     const std::vector<VideoMode>& knownModes);
   ~V4l2Device() override;
 
   [[nodiscard]] const std::vector<VideoMode>& modes() const override { return modes_; }

@@ -13,28 +13,32 @@
 namespace vistrel::capture {
 namespace {
 
-// The kernel cuts a long name off, if need be in the middle of a character.
-std::string cardOf(const v4l2_capability& capability) {
-  const auto* card = reinterpret_cast<const char*>(capability.card);
-  return unicode::repairedUtf8({card, strnlen(card, sizeof capability.card)});
+// The kernel cuts the name that it tells of an opened device off, if need be in the middle of a character. A
+// camera bears the same name before it may be opened.
+std::string cardOf(const char* name) {
+  return unicode::repairedUtf8({name, strnlen(name, sizeof(v4l2_capability::card) - 1)});
 }
 
-// A camera that may not be opened now is still one: choosing it tells why.
-bool mayBecomeUsable(int error) { return error == -EACCES || error == -EPERM || error == -EBUSY; }
+// A camera that may not be opened now is still one: choosing it tells why. A node that is denied may be
+// anything else, while one in use is a camera's as a rule.
+bool mayBecomeUsable(int error, const V4l2System::Label& label) {
+  if (label.name.empty()) return false;
+  if (error == -EBUSY) return label.index == 0;
+  return (error == -EACCES || error == -EPERM) && label.seemsCamera;
+}
 
 V4l2Probe::Answer cameraAt(V4l2System& system, const std::string& path) {
+  V4l2Probe::Camera camera{system.label(path), {}};
   const int fd = system.open(path);
   if (fd < 0) {
-    if (!mayBecomeUsable(fd)) return std::nullopt;
-    auto label = system.label(path);
-    const bool isFirst = label.index == 0 && !label.name.empty();
-    return isFirst ? V4l2Probe::Answer({std::move(label.name), {}}) : std::nullopt;
+    camera.label.name = cardOf(camera.label.name.c_str());
+    return mayBecomeUsable(fd, camera.label) ? V4l2Probe::Answer(std::move(camera)) : std::nullopt;
   }
   v4l2_capability capability{};
-  V4l2Probe::Camera camera;
   if (system.ioctl(fd, VIDIOC_QUERYCAP, &capability) >= 0 && capturesPictures(capability))
-    camera = {cardOf(capability), modesOf(system, fd)};
+    camera.modes = modesOf(system, fd);
   system.close(fd);
+  camera.label.name = cardOf(reinterpret_cast<const char*>(capability.card));
   return camera.modes.empty() ? std::nullopt : V4l2Probe::Answer(std::move(camera));
 }
 

@@ -17,7 +17,8 @@ namespace vistrel::capture {
 class V4l2Probe : public std::enable_shared_from_this<V4l2Probe> {
  public:
   struct Camera {
-    std::string name;
+    /// With the name that the driver gives, once it has been asked.
+    V4l2System::Label label;
     /// Empty while the camera may not be opened.
     std::vector<VideoMode> modes;
   };

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <string_view>
 
-#include "linux/camera/Attachment.h"
 #include "linux/camera/Problem.h"
 #include "linux/camera/V4l2Device.h"
 
@@ -32,10 +31,11 @@ std::vector<CameraEntry> V4l2Provider::cameras() {
     if (const auto answer = node.probe->await(node.deadline)) node.camera = *answer;
     if (!node.camera) continue;
     CameraEntry entry;
-    entry.path = path;
+    const auto& label = node.camera->label;
+    entry.path = label.place;
     entry.device.id = idOf(path, node);
-    entry.device.localizedName = node.camera->name;
-    entry.device.isBuiltIn = attachmentOf(path) == Attachment::BuiltIn;
+    entry.device.localizedName = label.name;
+    entry.device.isBuiltIn = label.attachment == Attachment::BuiltIn;
     entries.push_back(std::move(entry));
   }
   return entries;

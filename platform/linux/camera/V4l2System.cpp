@@ -31,6 +31,9 @@ class Kernel final : public V4l2System {
     std::ifstream name(folder / "name");
     std::getline(name, label.name);
     std::ifstream(folder / "index") >> label.index;
+    label.seemsCamera = seemsCamera(path);
+    label.place = placeOf(path);
+    label.attachment = attachmentOf(path);
     return label;
   }
 

@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "linux/camera/Attachment.h"
+
 namespace vistrel::capture {
 
 /// The system calls that V4L2 is made of and the waiting for them, so that a test can stand in for the kernel
@@ -23,10 +25,15 @@ class V4l2System {
 
   /// Every "/dev/video" node.
   [[nodiscard]] virtual std::vector<std::string> nodes() = 0;
-  /// The kernel's name for a node and its number among those of its device, readable without opening it.
+  /// What the kernel tells of a node without opening it.
   struct Label {
     std::string name;
+    /// Its number among those of its device.
     int index = 0;
+    /// See `Attachment.h`.
+    bool seemsCamera = false;
+    std::string place;
+    Attachment attachment = Attachment::External;
   };
   [[nodiscard]] virtual Label label(const std::string& path) = 0;
 

@@ -16,12 +16,15 @@ class AttachmentTest : public testing::Test {
  protected:
   ~AttachmentTest() override { fs::remove_all(root_); }
 
-  void addNode(const std::string& node, const std::string& device, const std::string& removable) {
-    const fs::path port = root_ / "devices" / device;
-    const fs::path place = port / "interface/video4linux" / node;
+  // `device` is that of the node, on USB one interface of what is plugged in.
+  void addNode(const std::string& node, const std::string& device, const std::string& index,
+               const std::string& removable) {
+    const fs::path port = (root_ / "devices" / device).parent_path();
+    const fs::path place = root_ / "devices" / device / "video4linux" / node;
     fs::create_directories(place);
     fs::create_directories(root_ / "class/video4linux");
     fs::create_directory_symlink(place, root_ / "class/video4linux" / node);
+    std::ofstream(place / "index") << index << '\n';
     if (removable.empty()) return;
     std::ofstream(port / "removable") << removable << '\n';
     std::ofstream(port / "idVendor") << "046d\n";
@@ -33,23 +36,33 @@ class AttachmentTest : public testing::Test {
 
 TEST_F(AttachmentTest, FollowsTheKernelsWord) {
   struct Case {
-    const char *node, *device, *removable;
+    const char *node, *device, *index, *removable, *place;
     Attachment attachment;
-    const char* product;
+    bool seemsCamera;
   } const cases[] = {
-      {"video0", "pci0000:00/usb1/1-7", "fixed", Attachment::BuiltIn, "046d:0825"},
-      {"video1", "pci0000:00/usb1/1-8", "removable", Attachment::External, "046d:0825"},
-      {"video2", "pci0000:00/usb1/1-9", "unknown", Attachment::External, "046d:0825"},
-      {"video5", "pci0000:00/usb1/1-7/1-7.2", "unknown", Attachment::External, "046d:0825"},
-      {"video3", "platform/csi", "", Attachment::BuiltIn, ""},
-      {"video4", "virtual", "", Attachment::External, ""},
+      {"video9", "pci/usb1/1-7/1.0", "0", "fixed", "pci/usb1/1-7/1.0/0", Attachment::BuiltIn, true},
+      {"video6", "pci/usb1/1-7/1.0", "1", "fixed", "pci/usb1/1-7/1.0/1", Attachment::BuiltIn, false},
+      {"video7", "pci/usb1/1-7/1.2", "0", "fixed", "pci/usb1/1-7/1.2/0", Attachment::BuiltIn, false},
+      {"vbi0", "pci/usb1/1-8/1.0", "0", "removable", "pci/usb1/1-8/1.0/0", Attachment::External, true},
+      {"video1", "pci/usb1/1-8/1.1", "0", "removable", "pci/usb1/1-8/1.1/0", Attachment::External, true},
+      {"video2", "pci/usb1/1-9/1.0", "0", "unknown", "pci/usb1/1-9/1.0/0", Attachment::External, true},
+      {"video5", "pci/usb1/1-7/1-7.2/1.0", "0", "unknown", "pci/usb1/1-7/1-7.2/1.0/0", Attachment::External,
+       true},
+      {"video3", "platform/csi", "0", "", "platform/csi/0", Attachment::BuiltIn, false},
+      {"video4", "virtual", "0", "", "virtual/video4linux/video4", Attachment::External, true},
+      {"video10", "virtual", "1", "", "virtual/video4linux/video10", Attachment::External, false},
   };
+  for (const Case& c : cases) addNode(c.node, c.device, c.index, c.removable);
   for (const Case& c : cases) {
-    addNode(c.node, c.device, c.removable);
-    EXPECT_EQ(attachmentOf(std::string("/dev/") + c.node, root_), c.attachment) << c.node;
-    EXPECT_EQ(usbProductOf(std::string("/dev/") + c.node, root_), c.product) << c.node;
+    const auto path = std::string("/dev/") + c.node;
+    EXPECT_EQ(attachmentOf(path, root_), c.attachment) << c.node;
+    EXPECT_EQ(usbProductOf(path, root_), *c.removable ? "046d:0825" : "") << c.node;
+    EXPECT_EQ(placeOf(path, root_), root_ / "devices" / c.place) << c.node;
+    EXPECT_EQ(seemsCamera(path, root_), c.seemsCamera) << c.node;
   }
-  EXPECT_EQ(attachmentOf("/dev/video9", root_), Attachment::External);
+  EXPECT_EQ(attachmentOf("/dev/video99", root_), Attachment::External);
+  EXPECT_EQ(placeOf("/dev/video99", root_), "/dev/video99");
+  EXPECT_FALSE(seemsCamera("/dev/video99", root_));
 }
 
 TEST(Paths, AreOrderedAsPeopleDo) {

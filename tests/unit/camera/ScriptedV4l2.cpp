@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <utility>
 
 namespace vistrel::capture {
 namespace {
@@ -32,9 +33,9 @@ void ScriptedV4l2::deliver(std::uint8_t value, std::uint32_t flags) {
   signal(1);
 }
 
-void ScriptedV4l2::unplug() {
+void ScriptedV4l2::breakStream(int result) {
   const std::lock_guard lock(mutex_);
-  isUnplugged_ = true;
+  streamResult_ = result;
   signal(1);
 }
 
@@ -65,6 +66,16 @@ std::size_t ScriptedV4l2::queuedCount() {
   return free_.size();
 }
 
+v4l2_pix_format ScriptedV4l2::askedFormat() {
+  const std::lock_guard lock(mutex_);
+  return askedFormat_;
+}
+
+v4l2_fract ScriptedV4l2::takeAskedInterval() {
+  const std::lock_guard lock(mutex_);
+  return std::exchange(askedInterval_, {});
+}
+
 std::vector<std::string> ScriptedV4l2::nodes() {
   std::vector<std::string> paths;
   for (const auto& [path, node] : script) paths.push_back(path);
@@ -73,7 +84,9 @@ std::vector<std::string> ScriptedV4l2::nodes() {
 
 V4l2System::Label ScriptedV4l2::label(const std::string& path) {
   const std::lock_guard lock(mutex_);
-  return {script[path].card, script[path].index};
+  if (!script.contains(path)) return {};
+  const ScriptedNode& node = script.at(path);
+  return {node.card, node.index, node.seemsCamera, node.place, Attachment::External};
 }
 
 // Every opening shares one descriptor underneath, as a device has one queue.
@@ -104,6 +117,8 @@ int ScriptedV4l2::ioctl(int fd, unsigned long request, void* argument) {
   const ScriptedNode& node = script.at(opened_.at(fd));
   switch (request) {
     case VIDIOC_G_FMT:
+      as<v4l2_format>(argument).fmt.pix.width = node.modes.front().width;
+      as<v4l2_format>(argument).fmt.pix.height = node.modes.front().height;
       return 0;
     case VIDIOC_S_FMT:
       return setFormat(node, as<v4l2_format>(argument));
@@ -124,6 +139,7 @@ int ScriptedV4l2::ioctl(int fd, unsigned long request, void* argument) {
     case VIDIOC_DQBUF:
       return dequeue(as<v4l2_buffer>(argument));
     case VIDIOC_S_PARM:
+      askedInterval_ = as<v4l2_streamparm>(argument).parm.capture.timeperframe;
       return 0;
     default:
       return enumerate(node, request, argument);
@@ -152,8 +168,8 @@ int ScriptedV4l2::enumerate(const ScriptedNode& node, unsigned long request, voi
   }
   if (request == VIDIOC_ENUM_FRAMESIZES) {
     auto& size = as<v4l2_frmsizeenum>(argument);
-    if (size.index > 0) return -EINVAL;
     const auto mode = find(size.pixel_format);
+    if (size.index > 0 || !mode->listsSizes) return -EINVAL;
     size.type = mode->rateBelow ? V4L2_FRMSIZE_TYPE_STEPWISE : V4L2_FRMSIZE_TYPE_DISCRETE;
     if (mode->rateBelow) size.stepwise = {16, mode->width, 8, 16, mode->height, 8};
     if (!mode->rateBelow) size.discrete = {mode->width, mode->height};
@@ -163,13 +179,19 @@ int ScriptedV4l2::enumerate(const ScriptedNode& node, unsigned long request, voi
   auto& interval = as<v4l2_frmivalenum>(argument);
   const auto mode = find(interval.pixel_format);
   if (interval.index >= mode->rates.size()) return -EINVAL;
+  if (mode->slowest) {
+    interval.type = V4L2_FRMIVAL_TYPE_CONTINUOUS;
+    interval.stepwise = {{1, mode->rates.front()}, {1, *mode->slowest}, {1, 1}};
+    return 0;
+  }
   interval.type = V4L2_FRMIVAL_TYPE_DISCRETE;
   const bool isBelow = mode->rateBelow && interval.width < mode->width;
   interval.discrete = {1, isBelow ? *mode->rateBelow : mode->rates[interval.index]};
   return 0;
 }
 
-int ScriptedV4l2::setFormat(const ScriptedNode& node, v4l2_format& format) const {
+int ScriptedV4l2::setFormat(const ScriptedNode& node, v4l2_format& format) {
+  askedFormat_ = format.fmt.pix;
   if (node.grantsOtherSize) format.fmt.pix.width /= 2;
   format.fmt.pix.bytesperline = format.fmt.pix.width * 2;
   return 0;
@@ -181,7 +203,7 @@ int ScriptedV4l2::queue(v4l2_buffer& buffer) {
 }
 
 int ScriptedV4l2::dequeue(v4l2_buffer& buffer) {
-  if (isUnplugged_) return -ENODEV;
+  if (streamResult_ < 0) return streamResult_;
   if (filled_.empty()) return -EAGAIN;
   buffer = filled_.front();
   filled_.pop_front();

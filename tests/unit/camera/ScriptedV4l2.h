@@ -29,9 +29,15 @@ struct ScriptedNode {
     std::vector<std::uint32_t> rates{30};
     /// Sizes from 16 × 16 in steps of 8 up to the one above, and the rate at all that are smaller.
     std::optional<std::uint32_t> rateBelow{};
+    /// Makes the first rate the end of a range that begins here.
+    std::optional<std::uint32_t> slowest{};
+    /// An old driver tells its size only as the one that is set.
+    bool listsSizes = true;
   };
   std::vector<Mode> modes{Mode{}};
   int index = 0;
+  bool seemsCamera = true;
+  std::string place{};
   std::chrono::milliseconds openTakes{};
   int openResult = 0;     ///< or a negative errno
   int buffersResult = 0;  ///< of asking for buffers
@@ -47,7 +53,8 @@ class ScriptedV4l2 final : public V4l2System {
 
   /// Fills the next free buffer of the running node with bytes of one value.
   void deliver(std::uint8_t value, std::uint32_t flags = 0);
-  void unplug();
+  /// Lets every further asking for a filled buffer answer this negative errno.
+  void breakStream(int result);
   /// While held, switching a stream on or off does not return.
   void holdStreaming(bool isHeld);
   /// While held, opening does not return.
@@ -57,6 +64,9 @@ class ScriptedV4l2 final : public V4l2System {
   [[nodiscard]] int openCount();
   [[nodiscard]] int mappedCount();
   [[nodiscard]] std::size_t queuedCount();
+  /// What the driver was asked for the last time.
+  [[nodiscard]] v4l2_pix_format askedFormat();
+  [[nodiscard]] v4l2_fract takeAskedInterval();
 
   std::vector<std::string> nodes() override;
   Label label(const std::string& path) override;
@@ -71,7 +81,7 @@ class ScriptedV4l2 final : public V4l2System {
 
  private:
   int enumerate(const ScriptedNode& node, unsigned long request, void* argument);
-  int setFormat(const ScriptedNode& node, v4l2_format& format) const;
+  int setFormat(const ScriptedNode& node, v4l2_format& format);
   int queue(v4l2_buffer& buffer);
   int dequeue(v4l2_buffer& buffer);
   int switchStream();
@@ -86,7 +96,9 @@ class ScriptedV4l2 final : public V4l2System {
   int opening_ = 0;
   int hanging_ = 0;
   Clock::time_point now_;
-  bool isUnplugged_ = false;
+  int streamResult_ = 0;
+  v4l2_pix_format askedFormat_{};
+  v4l2_fract askedInterval_{};
   std::map<int, std::string> opened_;
   FileDescriptor ready_;
   std::vector<std::vector<std::uint8_t>> buffers_;

@@ -48,12 +48,12 @@ class V4l2Test : public testing::Test, public CaptureClient {
     return runUntil([&] { return system_.openCount() == count; });
   }
   // Opens and starts the scripted camera.
-  host::StreamStart start() {
+  host::StreamStart start(PixelSize size = kSize) {
     if (!provider_) makeProvider();
     device_ = std::move(provider_->open(idOf(0))).value();
     device_->stop();
     EXPECT_EQ(system_.openCount(), 1) << "nothing was begun";
-    device_->begin(chooseMode(device_->modes(), kSize).value(), *this);
+    device_->begin(chooseMode(device_->modes(), size).value(), *this);
     return device_->awaitStart(kPatience);
   }
   // For how long somebody stood waiting since the last time of asking.
@@ -91,13 +91,17 @@ TEST_F(V4l2Test, ListsEachUsableCameraOnce) {
   system_.script[node(1)] = {.card = "UVC", .deviceCaps = V4L2_CAP_META_CAPTURE | V4L2_CAP_STREAMING};
   system_.script[node(2)] = {.card = "Infrared",
                              .modes = {{.format = V4L2_PIX_FMT_GREY}, {.format = V4L2_PIX_FMT_Y10}}};
-  system_.script[node(3)] = {.card = "Locked", .openResult = -EACCES};
-  system_.script[node(4)] = {.card = "Locked", .index = 1, .openResult = -EACCES};
+  system_.script[node(3)] = {.card = std::string(40, 'L'), .place = "usb1", .openResult = -EACCES};
+  system_.script[node(4)] = {.card = "Decoder", .seemsCamera = false, .openResult = -EPERM};
   system_.script[node(5)] = {.card = "Dead", .openResult = -ENXIO};
   system_.script[node(6)] = {.card = "<b>&\n", .modes = {{.format = V4L2_PIX_FMT_MJPEG, .rates = {}}}};
   system_.script[node(7)] = {.card = "Kamera \xd0\x9a\xd0"};
+  system_.script[node(8)] = {.card = "Busy", .seemsCamera = false, .openResult = -EBUSY};
+  system_.script[node(9)] = {.card = "Busy", .index = 1, .openResult = -EBUSY};
   makeProvider();
-  EXPECT_EQ(names(), (std::vector<std::string>{"UVC", "Locked", "<b>&\n", "Kamera \u041a\ufffd"}));
+  EXPECT_EQ(names(),
+            (std::vector<std::string>{"UVC", std::string(31, 'L'), "<b>&\n", "Kamera \u041a\ufffd", "Busy"}));
+  EXPECT_EQ(provider_->cameras()[1].path, "usb1");
   EXPECT_EQ(system_.openCount(), 0);
 }
 
@@ -217,21 +221,50 @@ TEST_F(V4l2Test, TellsWhyACameraCannotBeOpened) {
   system_.script[node(1)] = {.openResult = -EACCES};
   system_.script[node(2)] = {.openResult = -EBUSY};
   system_.script[node(3)] = {.buffersResult = -EBUSY};
-  const std::string texts[] = {
-      "", "Access to the camera is denied.", "The camera is in use by another program.",
-      "The camera is in use by another program.", "The camera is no longer connected."};
+  system_.script[node(4)] = {.openResult = -EPERM};
+  const std::string texts[] = {"",
+                               "Access to the camera is denied.",
+                               "The camera is in use by another program.",
+                               "The camera is in use by another program.",
+                               "Access to the camera is denied.",
+                               "The camera is no longer connected."};
   makeProvider();
-  for (int i = 0; i < 5; ++i) EXPECT_EQ(openError(idOf(i)), texts[i]) << i;
+  for (int i = 0; i < 6; ++i) EXPECT_EQ(openError(idOf(i)), texts[i]) << i;
   EXPECT_EQ(system_.openCount(), 0);
 }
 
-TEST_F(V4l2Test, JudgesARangeOfSizesByTheRateAtEach) {
-  system_.script[node(0)] = {.modes = {{.width = 3840, .height = 2160, .rates = {10}, .rateBelow = 30}}};
-  makeProvider();
-  const auto device = std::move(provider_->open(idOf(0))).value();
-  EXPECT_FALSE(supportsSize(device->modes(), {3840, 2160}));
-  EXPECT_TRUE(supportsSize(device->modes(), {1920, 1080}));
-  EXPECT_EQ(chooseMode(device->modes(), {1280, 720}).value().rate, (FrameRate{30, 1}));
+TEST_F(V4l2Test, AsksForTheSizeAndTheRateThatTheDriverOffers) {
+  using Mode = ScriptedNode::Mode;
+  const Mode range{.width = 3840, .height = 2160, .rates = {10}, .rateBelow = 30};
+  struct Case {
+    Mode mode;
+    PixelSize size;
+    bool isSupported;
+    std::uint32_t rate;  // 0: the driver is left its own
+  } const cases[] = {
+      {{.rates = {15, 60, 30}}, kSize, true, 30},
+      {{.rates = {15, 20}}, kSize, false, 20},
+      {{.rates = {}}, kSize, true, 0},
+      {{.rates = {60}, .slowest = 5}, kSize, true, 30},
+      {{.rates = {15}, .slowest = 5}, kSize, false, 15},
+      {range, {3840, 2160}, false, 10},
+      {range, {1920, 1080}, true, 30},
+      {range, {1280, 720}, true, 30},
+      {{.format = V4L2_PIX_FMT_UYVY, .width = 352, .height = 288, .listsSizes = false}, {352, 288}, true, 30},
+  };
+  for (const Case& c : cases) {
+    system_.script[node(0)] = {.modes = {c.mode}};
+    makeProvider();
+    EXPECT_EQ(start(c.size), host::StreamStart::Running);
+    EXPECT_EQ(supportsSize(device_->modes(), c.size), c.isSupported) << c.size.width << ' ' << c.rate;
+    const auto asked = system_.askedFormat();
+    EXPECT_EQ(asked.pixelformat, c.mode.format);
+    EXPECT_EQ((PixelSize{static_cast<int>(asked.width), static_cast<int>(asked.height)}), c.size);
+    const auto interval = system_.takeAskedInterval();
+    EXPECT_EQ(interval.numerator, c.rate == 0 ? 0U : 1U);
+    EXPECT_EQ(interval.denominator, c.rate);
+    device_.reset();
+  }
 }
 
 TEST_F(V4l2Test, HoldsTheNewestFrameAndGivesTheOthersBack) {
@@ -276,18 +309,27 @@ TEST_F(V4l2Test, ReportsARefusedFormatFromTheMainLoop) {
   EXPECT_EQ(failures_, std::vector<std::string>{"The camera refused the picture format."});
 }
 
-TEST_F(V4l2Test, ReportsAnUnpluggedCameraOnce) {
-  system_.script[node(0)] = {};
-  ASSERT_EQ(start(), host::StreamStart::Running);
-  system_.deliver(1);
-  EXPECT_TRUE(runUntil([&] { return arrived_ > 0; }));
-  system_.unplug();
-  EXPECT_TRUE(runUntil([&] { return !failures_.empty(); }));
-  EXPECT_FALSE(device_->frame());
-  bool isLater = false;
-  reactor_.post([&] { isLater = true; });
-  EXPECT_TRUE(runUntil([&] { return isLater; }));
-  EXPECT_EQ(failures_, std::vector<std::string>{"The camera is no longer connected."});
+TEST_F(V4l2Test, ReportsABrokenStreamOnce) {
+  const std::pair<int, const char*> cases[] = {
+      {-ENODEV, "The camera is no longer connected."},
+      {-EIO, "The camera reported an error: Input/output error"},
+  };
+  for (const auto& [result, text] : cases) {
+    system_.script[node(0)] = {};
+    system_.breakStream(0);
+    arrived_ = 0;
+    failures_.clear();
+    ASSERT_EQ(start(), host::StreamStart::Running);
+    system_.deliver(1);
+    EXPECT_TRUE(runUntil([&] { return arrived_ > 0; }));
+    system_.breakStream(result);
+    EXPECT_TRUE(runUntil([&] { return !failures_.empty(); }));
+    EXPECT_FALSE(device_->frame());
+    bool isLater = false;
+    reactor_.post([&] { isLater = true; });
+    EXPECT_TRUE(runUntil([&] { return isLater; }));
+    EXPECT_EQ(failures_, std::vector<std::string>{text});
+  }
 }
 
 }  // namespace
