@@ -1,12 +1,13 @@
 """What cameras and the media daemon do wrong, and that the mirror outlives it."""
 
 import os
+import re
 import signal
 import unittest
 
 from stage.processes import wait_until
 from stage.program import centre
-from tests.desktop.harness import FAILED, SAVING, STARTED, DesktopTest
+from tests.desktop.harness import FAILED, REFRESHED, SAVING, STARTED, DesktopTest
 
 ODD_NAMES = ("", "x" * 500, "Fish & Chips", "<b>bold</b>", "two\nlines", "מצלמה קדמית", "Cafe\u0301 _under_", "Twin", "Twin")
 NEUTRAL = (0xD9, 0xDA, 0xDD)  # the glass without a picture, on a light desktop
@@ -95,6 +96,19 @@ class CameraFaultTest(DesktopTest):
             vistrel.wait_line(lambda line: line.startswith(SAVING), since)
             wait_until(lambda: vistrel.preferences().get("defaultCameraPreference") == name, name)
             vistrel.wait_no_menu()
+
+    def test_each_camera_is_listed_once_by_its_own_name_where_it_is_attached(self):
+        cameras = (("Session manager's name", ["api.v4l2.path=/dev/video1010", "api.v4l2.cap.card=Tenth"]),
+                   ("Second (V4L2)", ["object.path=v4l2:/dev/video902", "api.v4l2.cap.card=Second"]),
+                   ("Second again", ["object.path=v4l2:/dev/video902"]),
+                   ("Another", ["api.libcamera.location=external"]),
+                   ("In the lid", ["api.libcamera.location=front"]))
+        for index, (name, properties) in enumerate(cameras):
+            options = [word for text in properties for word in ("--property", text)]
+            self.desktop.camera(name=name, node=f"camera-{index}", options=options)
+        vistrel = self.start()
+        listed = next(line for line in vistrel.lines if line.startswith(REFRESHED))
+        self.assertEqual(re.findall(r"AVCaptureDevice: (.*?) \[", listed), ["In the lid", "Second", "Tenth", "Another"])
 
     def test_a_renamed_camera_is_listed_by_its_new_name(self):
         camera = self.desktop.camera()
