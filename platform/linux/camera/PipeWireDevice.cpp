@@ -73,8 +73,9 @@ void PipeWireDevice::waitForStream(std::chrono::milliseconds patience) {
   graph_->loop().waitUntil(isOver, patience);
 }
 
+// A daemon that hangs was waited for when the camera was opened.
 host::StreamStart PipeWireDevice::awaitStart(std::chrono::milliseconds patience) {
-  if (!failure_) waitForStream(patience);
+  if (!failure_) waitForStream(graph_->hangs() ? std::chrono::milliseconds() : patience);
   if (failure_) return host::StreamStart::Failed;
   const bool isRunning = state_ == PW_STREAM_STATE_STREAMING;
   isStartUntold_ = !isRunning;
