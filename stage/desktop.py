@@ -71,7 +71,7 @@ class Desktop:
     def __init__(self, size="1280x800", manager="openbox", host="xfce4-panel", edge="top", monitors=(),
                  pipewire=True, accessible=False, programs=None):
         adopt_orphans()
-        self.programs = pathlib.Path(programs or os.environ.get("VISTREL_BUILD", ROOT / "build" / "release"))
+        self.programs = pathlib.Path(programs or os.environ.get("VISTREL_BUILD", ROOT / "build" / "release")).resolve()
         self.mark = uuid.uuid4().hex
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="vistrel-"))
         self._guard = subprocess.Popen(

@@ -74,7 +74,7 @@ class ControlsTest(DesktopTest):
         vistrel.click()
         self.screen.wait_no_picture()
         self.screen.move(centre(picture))
-        self.desktop.run(self.desktop.programs / "vistrel")  # opens the running one's mirror, under the pointer
+        self.start_again()  # opens the running one's mirror, under the pointer
         self.wait_shown(vistrel, OPTIONS)
         self.screen.move(AWAY)
         self.screen.live_picture()

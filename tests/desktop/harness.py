@@ -28,12 +28,23 @@ class DesktopTest(unittest.TestCase):
     def setUp(self):
         self.addCleanup(self.desktop.unplug_all)
 
-    def start(self, preferences=None, **options):
-        """Vistrel with these preferences and no others."""
+    def start(self, preferences=None, complaints=0, **options):
+        """Vistrel with these preferences and no others; it is to end in an orderly way, and to say that many lines
+        on standard error."""
         vistrel = Program(self.desktop, {} if preferences is None else preferences, **options)
-        self.addCleanup(vistrel.process.end)
+        self.addCleanup(self._end, vistrel, complaints)
         self.addCleanup(self._tell_failure, vistrel)
         return vistrel
+
+    def _end(self, vistrel, complaints):
+        vistrel.process.end()
+        errors = vistrel.process.errors
+        self.assertEqual((vistrel.process.status, len(errors)), (0, complaints), "\n".join(errors))
+
+    def start_again(self):
+        """A second start, which hands over to the one that runs."""
+        second = Program(self.desktop, awaits_icon=False)
+        self.assertEqual((second.process.wait(), second.process.errors, second.lines), (0, [], []))
 
     def _tell_failure(self, vistrel):
         result = self._outcome.result

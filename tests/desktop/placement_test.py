@@ -3,7 +3,7 @@
 import unittest
 
 from stage.processes import wait_until
-from stage.program import Program, centre, inside
+from stage.program import centre, inside
 from tests.desktop.harness import SIZES, DesktopTest
 
 TIP = 12  # what may lie between the panel and the picture, in pixels
@@ -36,7 +36,7 @@ class MonitorsTest(DesktopTest):
         x, y, width, height = self.places[monitor]
         pointer = [x + width // 2, y + height // 2, 0, 0]  # where the picture does not come to lie
         self.screen.move(pointer[:2])
-        Program(self.desktop, awaits_icon=False).process.wait()
+        self.start_again()
         return pointer
 
     def test_it_opens_beside_the_panel_on_whichever_edge(self):
