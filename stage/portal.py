@@ -1,5 +1,5 @@
 """A desktop portal that knows one setting, the colour scheme. Runs as a program of its own; `Portal` speaks with
-it, one number a line: 0 no preference, 1 dark, 2 light, -1 no such setting."""
+it, one number a line: 0 no preference, 1 dark, 2 light, -1 no such setting, -2 no answer."""
 
 import sys
 
@@ -43,6 +43,8 @@ def _serve(scheme):
         return GLib.Variant("u", state["scheme"])
 
     def called(_connection, _sender, _path, _interface, method, arguments, invocation):
+        if state["scheme"] == -2:
+            return
         if method == "ReadAll":
             invocation.return_value(GLib.Variant("(a{sa{sv}})", ({SETTING[0]: {SETTING[1]: number()}},)))
         elif state["scheme"] < 0 or arguments.unpack() != SETTING:

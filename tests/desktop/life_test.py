@@ -6,6 +6,7 @@ import signal
 import subprocess
 import unittest
 
+from stage.desktop import WATCHER
 from stage.portal import Portal
 from stage.processes import wait_until
 from stage.program import IDENTIFIER, Program, centre
@@ -32,6 +33,35 @@ class LifeTest(DesktopTest):
         self.desktop.bus.call(IDENTIFIER, PATH, APPLICATION, "Activate", "(a{sv})", {})
         self.screen.live_picture()
         self.assertEqual(len(vistrel.icons()), 1)
+
+    def test_the_bus_starts_the_installed_program_which_opens_at_the_next_start(self):
+        camera = self.desktop.camera()
+        prefix, build = self.desktop.folder / "usr", self.desktop.programs
+        prefix.mkdir()
+        (prefix / "share").symlink_to(self.desktop.folder / "data")  # where the bus looks for what it can start
+        self.desktop.run("cmake", "--install", build, "--prefix", prefix)
+        self.assertNotIn(str(build).encode(), (prefix / "bin" / "vistrel").read_bytes())
+        bus, daemon = self.desktop.bus, "org.freedesktop.DBus"
+        bus.call(daemon, "/org/freedesktop/DBus", daemon, "ReloadConfig")
+        bus.call(IDENTIFIER, PATH, APPLICATION, "Activate", "(a{sv})", {})
+        pid = bus.call(daemon, "/org/freedesktop/DBus", daemon, "GetConnectionUnixProcessID", "(s)", IDENTIFIER)[0]
+        self.assertEqual(os.readlink(f"/proc/{pid}/exe"), str(prefix / "bin" / "vistrel"))
+        wait_until(lambda: bus.property(WATCHER, "/StatusNotifierWatcher", WATCHER, "RegisteredStatusNotifierItems"),
+                   "the icon")
+        self.start_again()  # had the start opened the mirror, this would close it
+        self.screen.live_picture()
+        os.kill(pid, signal.SIGTERM)
+        self.wait_closed(camera)
+        wait_until(lambda: not bus.has_owner(IDENTIFIER), "the end of the program")
+
+    def test_a_start_during_the_launch_opens_the_mirror_after_it(self):
+        self.desktop.camera()
+        portal = Portal(self.desktop, -2)  # which the launch waits for
+        self.addCleanup(portal.close)
+        self.start(awaits_icon=False)
+        wait_until(lambda: self.desktop.bus.has_owner(IDENTIFIER), "its name on the bus")
+        self.start_again()
+        self.screen.live_picture()
 
     def test_signals_end_it_in_an_orderly_way(self):
         camera = self.desktop.camera()

@@ -32,7 +32,6 @@ QtSession::QtSession(desktop::Reactor& reactor, x11::X11Connection& x11, SingleI
                          },
                      .didChange = [this] { report(&SessionClient::appearanceDidChange); }}),
       signals_(reactor, [this] { report(&SessionClient::terminateRequested); }) {
-  instance.setReopenHandler([this] { report(&SessionClient::reopen); });
   watchEndOfSession();
 }
 
@@ -46,13 +45,10 @@ void QtSession::launchWhenReady() {
   if (client_ && isReady_ && !std::exchange(isLaunched_, true)) reactor_.post([this] { launch(); });
 }
 
-// What the bus delivers in the turn of the launch belongs to it.
+// Whoever starts the program while it is launching waits for the mirror until then.
 void QtSession::launch() {
   report(&SessionClient::didFinishLaunching);
-  reactor_.post([this] {
-    QCoreApplication::sendPostedEvents();
-    instance_.didFinishStart();
-  });
+  instance_.setReopenHandler([this] { report(&SessionClient::reopen); });
 }
 
 void QtSession::report(Report what) {

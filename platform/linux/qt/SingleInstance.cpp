@@ -1,9 +1,10 @@
 #include "qt/SingleInstance.h"
 
-#include <QDBusConnection>
+#include <QCoreApplication>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QVariantMap>
+#include <utility>
 
 namespace vistrel::qt {
 
@@ -31,23 +32,35 @@ void handOver(const QDBusConnection& bus) {
 
 }  // namespace
 
-SingleInstance::SingleInstance() = default;
+// A connection of its own: the shared one hands on no calls before the main loop runs.
+SingleInstance::SingleInstance() : bus_(QDBusConnection::connectToBus(QDBusConnection::SessionBus, kName)) {}
 
 // The object stands before the name is asked for: whoever waits for the name may call at once.
 SingleInstance::Role SingleInstance::claim() {
-  auto bus = QDBusConnection::sessionBus();
-  if (!bus.isConnected()) return Role::WithoutBus;
-  bus.registerVirtualObject(kPath, this);
-  const auto reply = bus.interface()->registerService(kName, QDBusConnectionInterface::DontQueueService);
+  if (!bus_.isConnected()) return Role::WithoutBus;
+  bus_.registerVirtualObject(kPath, this);
+  const auto reply = bus_.interface()->registerService(kName, QDBusConnectionInterface::DontQueueService);
   if (!reply.isValid()) return Role::WithoutBus;
   if (reply.value() != QDBusConnectionInterface::ServiceRegistered) {
-    handOver(bus);
+    handOver(bus_);
     return Role::Second;
   }
-  // The bus sends what waited for the name before it answers this: an activation that belongs to the start is
-  // in our queue afterwards.
-  (void)bus.interface()->isServiceRegistered(kName);
+  // The bus sends what waited for the name before it answers this, so an activation that is this start is in
+  // our queue afterwards; what comes later is a start of its own.
+  (void)bus_.interface()->isServiceRegistered(kName);
+  QCoreApplication::sendPostedEvents(this);
+  isClaimed_ = true;
   return Role::First;
+}
+
+void SingleInstance::setReopenHandler(std::function<void()> handler) {
+  reopen_ = std::move(handler);
+  if (reopen_ && std::exchange(isReopenDue_, false)) reopen_();
+}
+
+void SingleInstance::activate() {
+  if (reopen_) return reopen_();
+  isReopenDue_ = isClaimed_;
 }
 
 QString SingleInstance::introspect(const QString& /*path*/) const { return kDescription; }
@@ -59,7 +72,7 @@ bool SingleInstance::handleMessage(const QDBusMessage& message, const QDBusConne
   }
   if (message.member() != "Activate" && message.member() != "Open") return false;
   if (message.isReplyRequired()) connection.send(message.createReply());
-  if (isStarted_ && reopen_) reopen_();
+  activate();
   return true;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDBusConnection>
 #include <QDBusVirtualObject>
 #include <functional>
 
@@ -15,17 +16,19 @@ class SingleInstance final : public QDBusVirtualObject {
 
   /// Claims the name; as the second one, hands over to the first before it answers.
   [[nodiscard]] Role claim();
-  /// Who is told that the program was started again.
-  void setReopenHandler(std::function<void()> handler) { reopen_ = std::move(handler); }
-  /// From here on an activation is a start of its own. One that came before belongs to this start.
-  void didFinishStart() { isStarted_ = true; }
+  /// Who is told that the program was started again; at once when it was while nobody was told.
+  void setReopenHandler(std::function<void()> handler);
 
   [[nodiscard]] QString introspect(const QString& path) const override;
   bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override;
 
  private:
+  void activate();
+
+  QDBusConnection bus_;
   std::function<void()> reopen_;
-  bool isStarted_ = false;
+  bool isClaimed_ = false;
+  bool isReopenDue_ = false;
 };
 
 }  // namespace vistrel::qt
