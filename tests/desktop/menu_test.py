@@ -1,4 +1,4 @@
-"""The context menu under tray hosts that draw it themselves and under ones that leave it to the program."""
+"""The icon and its menu, under tray hosts that draw the menu themselves and under ones that leave it to the program."""
 
 import unittest
 
@@ -67,6 +67,15 @@ class MenuRules:
         with self.screen.holding("Shift_L"):
             self.open(vistrel)
 
+    def test_a_double_click_is_two_clicks(self):
+        cameras = self.plug()
+        vistrel = self.start({"dismissPreference": 1})
+        for _ in range(2):
+            vistrel.click()
+        wait_until(lambda: len(vistrel.lines) >= 5, "the opening by the first click")
+        self.wait_closed(cameras[0])
+        self.open(vistrel)
+
 
 class MenuUnderPanelTest(MenuRules, DesktopTest):
     def test_a_camera_that_came_is_listed_once_the_showing_before_has_ended(self):
@@ -77,18 +86,28 @@ class MenuUnderPanelTest(MenuRules, DesktopTest):
         self.assertEqual(len(vistrel.menu_rows()), 4)
         self.screen.key("Escape")
         vistrel.wait_line(lambda line: line.startswith(CHECKING) and CAMERAS[1] in line)
-        wait_until(lambda: CAMERAS[1] in self.labels_on_the_bus(), "the new camera on the bus")
+        wait_until(lambda: CAMERAS[1] in self.told("label"), "the new camera on the bus")
         vistrel.click(button=3)
         self.assertEqual(len(vistrel.menu_rows()), 5)
 
-    def labels_on_the_bus(self):
-        """What the panel is told of the menu."""
+    def test_the_panel_is_told_where_the_check_mark_moves(self):
+        self.plug()
+        vistrel = self.start()
+        for index in (1, 0):
+            vistrel.click(button=3)
+            vistrel.choose(index)
+            marks = [int(index == row) for row in range(len(CAMERAS))]
+            wait_until(lambda: self.told("toggle-state")[:len(CAMERAS)] == marks, f"the check mark at {index}")
+            vistrel.wait_no_menu()
+
+    def told(self, fact):
+        """What the panel is told of the menu's rows."""
         bus = self.desktop.bus
         item = bus.property(WATCHER, "/StatusNotifierWatcher", WATCHER, "RegisteredStatusNotifierItems")[0]
         name, path = item.split("/")[0], "/" + item.split("/", 1)[1]
         menu = bus.property(name, path, "org.kde.StatusNotifierItem", "Menu")
-        layout = bus.call(name, menu, "com.canonical.dbusmenu", "GetLayout", "(iias)", 0, -1, ["label"])[1]
-        return [row[1].get("label") for row in layout[2]]
+        layout = bus.call(name, menu, "com.canonical.dbusmenu", "GetLayout", "(iias)", 0, -1, [fact])[1]
+        return [row[1].get(fact) for row in layout[2]]
 
 
 class MenuUnderTrayerTest(MenuRules, DesktopTest):
