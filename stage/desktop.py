@@ -191,6 +191,11 @@ class Desktop:
         self.host.end()
         wait_until(lambda: not self.screen.owns_selection(TRAY), "the end of the tray host")
 
+    def start_settings(self):
+        """Starts the desktop's settings daemon, which tells programs of "xsettings" as they change."""
+        self.start(["xfsettingsd", "--no-daemon", "--disable-wm-check"])
+        wait_until(lambda: self.screen.owns_selection("_XSETTINGS_S0"), "xfsettingsd")
+
     def start_session_manager(self):
         """Starts xfce4-session; what is started from now on belongs to its session."""
         folder = self.folder / "config" / "xfce4" / "xfconf" / "xfce-perchannel-xml"

@@ -1,4 +1,5 @@
-"""Where the mirror opens: beside its icon, on whichever edge of whichever monitor the panel is."""
+"""Where the mirror opens: beside its icon, on whichever edge of whichever monitor the panel is; and that it closes
+when these change."""
 
 import unittest
 
@@ -6,6 +7,7 @@ from stage.processes import wait_until
 from stage.program import centre, inside
 from tests.desktop.harness import SIZES, DesktopTest
 
+CHANGED = "🖥 Changed Display"
 TIP = 12  # what may lie between the panel and the picture, in pixels
 
 
@@ -67,7 +69,7 @@ class MonitorsTest(DesktopTest):
                 wait_until(lambda: len(vistrel.lines) == 2, "the end of the launch")
                 pointer = self.open_without_icon("right")
                 self.check("right", "bottom", [1024, 560, 1024, 40], pointer)
-                self.assertNotIn("🖥 Changed Display", vistrel.lines)
+                self.assertNotIn(CHANGED, vistrel.lines)
             self.desktop.run("xprop", "-name", "Event Tester", "-remove", name)
 
     def docks(self):
@@ -82,6 +84,40 @@ class MonitorsTest(DesktopTest):
         self.assertTrue(0 < gap <= TIP, (gap, place, dock))
         along = 0 if edge in ("top", "bottom") else 1
         self.assertTrue(place[along] <= centre(anchor)[along] <= place[along] + place[along + 2], (place, anchor))
+
+
+class DisplayChangeTest(DesktopTest):
+    stage = {"host": None}
+
+    def test_each_change_of_the_display_closes_it_and_one_of_a_panels_room_does_not(self):
+        camera = self.desktop.camera()
+        panel = self.desktop.start(["xev"])
+        self.addCleanup(panel.end)
+        wait_until(lambda: self.screen.windows(name="Event Tester"), "the panel")
+        self.desktop.start_settings()
+        self.desktop.run("xrandr", "--newmode", "less", *"61.5 1024 1072 1176 1328 700 703 713 728".split())
+        self.desktop.run("xrandr", "--addmode", "screen", "less")
+        vistrel = self.start({"dismissPreference": 1}, awaits_icon=False)
+        wait_until(lambda: len(vistrel.lines) == 2, "the end of the launch")
+        self.screen.move((1010, 600))  # off every picture, so that no control covers its clock
+        changes = (("rescaled", ["xfconf-query", "-c", "xsettings", "-p", "/Xft/DPI", "-n", "-t", "int", "-s", "192"]),
+                   ("resized", ["xrandr", "--output", "screen", "--mode", "less"]),  # Xvfb moves none
+                   ("added", ["xrandr", "--setmonitor", "other", "200/53x200/53+0+0", "none"]),
+                   ("removed", ["xrandr", "--delmonitor", "other"]))
+        for room, (what, change) in enumerate(changes, 100):
+            with self.subTest(what=what):
+                self.start_again()
+                self.screen.live_picture()
+                area = self.screen.property("_NET_WORKAREA")
+                self.desktop.run("xprop", "-name", "Event Tester", "-f", "_NET_WM_STRUT", "32c", "-set",
+                                 "_NET_WM_STRUT", f"{room},0,0,0")
+                wait_until(lambda: self.screen.property("_NET_WORKAREA") != area, "other room for windows")
+                self.screen.live_picture(10)
+                since = len(vistrel.lines)
+                self.desktop.run(*change)
+                vistrel.wait_line(CHANGED, since)
+                self.wait_closed(camera)
+        self.assertEqual(vistrel.lines.count(CHANGED), len(changes))
 
 
 if __name__ == "__main__":
