@@ -10,6 +10,7 @@ from stage.program import centre
 from tests.desktop.harness import FAILED, REFRESHED, SAVING, STARTED, DesktopTest
 
 ODD_NAMES = ("", "x" * 500, "Fish & Chips", "<b>bold</b>", "two\nlines", "מצלמה קדמית", "Cafe\u0301 _under_", "Twin", "Twin")
+ABOUT = 1  # in the menu, after the camera
 NEUTRAL = (0xD9, 0xDA, 0xDD)  # the glass without a picture, on a light desktop
 
 
@@ -140,7 +141,7 @@ class DaemonFaultTest(DesktopTest):
             wait_until(lambda: not vistrel.windows(), "the end of the window")
         self.assertIsNone(vistrel.process.status)
 
-    def test_a_hung_daemon_holds_up_neither_the_window_nor_the_end(self):
+    def test_a_hung_daemon_holds_up_neither_the_window_nor_the_menu_nor_the_end(self):
         self.desktop.start_pipewire()
         self.addCleanup(self.desktop.stop_pipewire)
         self.desktop.camera()
@@ -150,6 +151,13 @@ class DaemonFaultTest(DesktopTest):
         self.addCleanup(daemon.signal, signal.SIGCONT)
         vistrel.click()
         wait_until(vistrel.windows, "the window")
+        vistrel.click(button=3)
+        vistrel.choose(ABOUT)
+        wait_until(lambda: vistrel.windows(name="About Vistrel"), "an answer of the menu")
+        vistrel.wait_no_menu()
+        self.assertNotIn(STARTED, vistrel.lines)
+        vistrel.click()
+        wait_until(lambda: vistrel.windows(name="Vistrel"), "the window")
         daemon.signal(signal.SIGCONT)
         self.screen.live_picture()
         vistrel.wait_line(STARTED)

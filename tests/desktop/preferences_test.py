@@ -114,7 +114,7 @@ class PreferencesTest(SettingsTest):
             other.end()
 
     def test_the_login_box_makes_an_entry_and_takes_it_away(self):
-        vistrel = self.start()
+        vistrel = self.start(complaints=1)
         folder = self.desktop.folder / "config" / "autostart"
         entry = folder / f"{LABEL}.desktop"
         self.open_window(vistrel, "Preferences")
