@@ -2,6 +2,7 @@
 
 #include <QPainter>
 #include <QSvgRenderer>
+#include <utility>
 
 namespace vistrel::qt {
 
@@ -20,6 +21,12 @@ QPixmap drawn(const NSImage& image, QSize size, double scale, const QColor& colo
   painter.end();
   pixmap.setDevicePixelRatio(scale);
   return pixmap;
+}
+
+const QPixmap& DrawnIcon::pixmap(const NSImage& image, QSize size, double scale, const QColor& colour) {
+  const Key wanted{image.path(), size, scale, colour};
+  if (std::exchange(key_, wanted) != wanted) pixmap_ = drawn(image, size, scale, colour);
+  return pixmap_;
 }
 
 }  // namespace vistrel::qt

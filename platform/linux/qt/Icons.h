@@ -3,6 +3,7 @@
 #include <QColor>
 #include <QPixmap>
 #include <QSize>
+#include <string>
 
 #include "appkit/NSImage.h"
 
@@ -11,5 +12,23 @@ namespace vistrel::qt {
 /// The picture drawn as large as fits into `size` points at `scale` physical pixels a point; a template in
 /// `colour`. Empty when the file cannot be read.
 [[nodiscard]] QPixmap drawn(const NSImage& image, QSize size, double scale, const QColor& colour);
+
+/// The same for what is painted again and again: drawn once, until one of the arguments is another.
+class DrawnIcon {
+ public:
+  [[nodiscard]] const QPixmap& pixmap(const NSImage& image, QSize size, double scale, const QColor& colour);
+
+ private:
+  struct Key {
+    std::string path;
+    QSize size;
+    double scale = 0;
+    QColor colour;
+    bool operator==(const Key&) const = default;
+  };
+
+  Key key_;
+  QPixmap pixmap_;
+};
 
 }  // namespace vistrel::qt

@@ -4,8 +4,6 @@
 #include <QMenu>
 #include <QPainter>
 
-#include "qt/Icons.h"
-
 namespace vistrel::qt {
 
 namespace {
@@ -79,12 +77,12 @@ void MenuButton::paintEvent(QPaintEvent* /*event*/) {
 }
 
 // As large as the height allows, in the middle.
-void MenuButton::paintGlyph(QPainter& painter, const QColor& colour) const {
+void MenuButton::paintGlyph(QPainter& painter, const QColor& colour) {
   const auto image = faceImage();
   const int side = height() - 2 * kGlyphMargin;
   if (!image || side <= 0) return;
   const QPointF at((width() - side) / 2.0, kGlyphMargin);
-  painter.drawPixmap(at, drawn(*image, {side, side}, devicePixelRatioF(), colour));
+  painter.drawPixmap(at, glyph_.pixmap(*image, {side, side}, devicePixelRatioF(), colour));
 }
 
 void MenuButton::paintFocusRing(QPainter& painter) const {

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "appkit/NSPopUpButton.h"
+#include "qt/Icons.h"
 
 namespace vistrel::qt {
 
@@ -17,11 +18,12 @@ class MenuButton final : public QAbstractButton {
   void paintEvent(QPaintEvent* event) override;
 
  private:
-  void paintGlyph(QPainter& painter, const QColor& colour) const;
+  void paintGlyph(QPainter& painter, const QColor& colour);
   void paintFocusRing(QPainter& painter) const;
   [[nodiscard]] std::shared_ptr<NSImage> faceImage() const;
 
   NSPopUpButton& button_;
+  DrawnIcon glyph_;
 };
 
 }  // namespace vistrel::qt
