@@ -104,7 +104,7 @@ void Glass::pictureChanged() {
 // Qt would wait for the server before each frame, by way of a thread that has to wake for the answer.
 bool Glass::drawBesideQt(const Place& where) {
   QWindow* handle = window()->windowHandle();
-  if (!handle || !handle->isExposed() || isCovered()) return false;
+  if (!handle || !handle->isExposed()) return false;
   if (watched_ != handle) {
     watched_ = handle;
     handle->installEventFilter(this);
@@ -115,6 +115,7 @@ bool Glass::drawBesideQt(const Place& where) {
   std::uint8_t* pixels = shared_ ? shared_->pixels(target.size) : nullptr;
   if (!pixels) shared_.reset();  // it will not be otherwise with the next frame
   if (!pixels || !paintInto(pixels, target.size.width * kBytesPerPixel, target.size)) return false;
+  paintCovers(pixels, target);
   shared_->draw(target.x, target.y);
   return true;
 }
@@ -126,19 +127,35 @@ bool Glass::eventFilter(QObject* object, QEvent* event) {
 }
 
 // Widgets that come later among their siblings lie above.
-bool Glass::isCovered() const {
+std::vector<QWidget*> Glass::covers() const {
+  std::vector<QWidget*> result;
   QRect area = geometry();
   for (const QWidget* widget = this; !widget->isWindow(); widget = widget->parentWidget()) {
     bool isAbove = false;
-    for (const QObject* child : widget->parentWidget()->children()) {
-      const auto* sibling = qobject_cast<const QWidget*>(child);
-      const bool covers = isAbove && sibling && sibling->isVisible() && !sibling->isWindow();
-      if (covers && sibling->geometry().intersects(area)) return true;
+    for (QObject* child : widget->parentWidget()->children()) {
+      auto* sibling = qobject_cast<QWidget*>(child);
+      const bool isSeen = isAbove && sibling && sibling->isVisible() && !sibling->isWindow();
+      if (isSeen && sibling->geometry().intersects(area)) result.push_back(sibling);
       isAbove = isAbove || child == widget;
     }
     area.translate(widget->parentWidget()->pos());
   }
-  return false;
+  return result;
+}
+
+// As Qt would paint them over a picture of its own.
+void Glass::paintCovers(std::uint8_t* pixels, const PixelRect& target) const {
+  const auto above = covers();
+  if (above.empty()) return;
+  const double scale = devicePixelRatioF();
+  const PixelSize size = target.size;
+  QImage picture(pixels, size.width, size.height, size.width * kBytesPerPixel, QImage::Format_RGB32);
+  picture.setDevicePixelRatio(scale);
+  QPainter painter(&picture);
+  painter.translate(-target.x / scale, -target.y / scale);
+  for (QWidget* cover : above) {
+    cover->render(&painter, cover->mapTo(window(), QPoint(0, 0)), QRegion(), QWidget::DrawChildren);
+  }
 }
 
 void Glass::paintEvent(QPaintEvent* event) {

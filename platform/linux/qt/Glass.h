@@ -6,7 +6,7 @@
 #include <QWidget>
 #include <QWindow>
 #include <memory>
-#include <optional>
+#include <vector>
 
 #include "avfoundation/AVCaptureVideoPreviewLayer.h"
 #include "linux/camera/GlassSource.h"
@@ -16,9 +16,9 @@
 namespace vistrel::qt {
 
 /// The live picture: paints the newest frame of a layer's camera at the size on screen. The first one goes
-/// into the window's backing store; the next ones go past Qt to the server, while nothing lies over the
-/// picture and its place stays the same. A neutral surface while there is no picture; no work at all while it
-/// is hidden.
+/// into the window's backing store; the next ones go past Qt to the server, with what lies over the picture
+/// painted into them, while its place stays the same. A neutral surface while there is no picture; no work at
+/// all while it is hidden.
 class Glass final : public QWidget {
  public:
   explicit Glass(QWidget* parent);
@@ -46,7 +46,8 @@ class Glass final : public QWidget {
   void detach();
   void pictureChanged();
   bool drawBesideQt(const Place& place);
-  [[nodiscard]] bool isCovered() const;
+  [[nodiscard]] std::vector<QWidget*> covers() const;
+  void paintCovers(std::uint8_t* pixels, const PixelRect& target) const;
   void tellSize(const Place& place);
   bool paintPicture(const Place& place, const QRegion& region);
   bool paintStraight(const PixelRect& target);
