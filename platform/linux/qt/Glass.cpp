@@ -149,7 +149,8 @@ void Glass::paintCovers(std::uint8_t* pixels, const PixelRect& target) const {
   if (above.empty()) return;
   const double scale = devicePixelRatioF();
   const PixelSize size = target.size;
-  QImage picture(pixels, size.width, size.height, size.width * kBytesPerPixel, QImage::Format_RGB32);
+  const qsizetype stride = qsizetype{kBytesPerPixel} * size.width;
+  QImage picture(pixels, size.width, size.height, stride, QImage::Format_RGB32);
   picture.setDevicePixelRatio(scale);
   QPainter painter(&picture);
   painter.translate(-target.x / scale, -target.y / scale);
