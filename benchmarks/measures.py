@@ -72,6 +72,13 @@ def opening(desktop, camera, viewer, place):
     return {"first": first - start, "close": closing}
 
 
+def second_start(desktop):
+    """A start that hands over to the program that runs, to its exit. It leaves the mirror open."""
+    start = time.monotonic()
+    desktop.run(desktop.programs / "vistrel")
+    return {"again": time.monotonic() - start}
+
+
 def floor(desktop, camera, seconds):
     """A bare reader of the same camera: its first frame, the age of frames when they reach it, and what it costs to
     decode them at one eighth where they are JPEG."""

@@ -79,12 +79,12 @@ def _kilobytes(count):
 
 
 def _alone(record):
-    icons = [value for program, case in record.keys("steady") if program == OURS
-             for value in record.values("steady", program, case, "icon")]
     rows = []
-    if icons:
-        icons.sort()
-        rows.append(["start to icon", "", spread((icons[len(icons) // 2], icons[0], icons[-1]), 0, 1000), "ms"])
+    for kind, name, what in (("steady", "icon", "start to icon"), ("opening", "again", "second start to its exit")):
+        found = sorted(value for program, case in record.keys(kind) if program == OURS
+                       for value in record.values(kind, program, case, name))
+        if found:
+            rows.append([what, "", spread((found[len(found) // 2], found[0], found[-1]), 0, 1000), "ms"])
     for _, case in record.keys("hidden"):
         for name, what, digits, unit in (("cpu", "processor time", 4, "s"), ("timers", "timers armed", 0, ""),
                                          ("wake-ups", "wake-ups of its threads", 0, ""),

@@ -166,6 +166,8 @@ class Rounds:
             if kind is Vistrel:  # which is there all day: the first time of all apart
                 values["cold"] = measures.opening(desktop, source, viewer, place)["first"]
             values |= measures.opening(desktop, source, viewer, place)
+            if kind is Vistrel:
+                values |= measures.second_start(desktop)
 
     def _places(self, desktop, case):
         """Where each program shows its picture."""
