@@ -14,7 +14,9 @@ MENU = "com.canonical.dbusmenu"
 
 SETTLING = 0.6  # seconds from the first pictures until the costs of starting are over
 REST = 0.3  # seconds between an opening, a closing and what follows
-SUSPENSION = 8  # seconds after which the session manager has told everyone that the camera is idle
+# Seconds after which the start is over: the session manager has told everyone that the camera is idle, and the time
+# limit of 25 seconds of GLib's last D-Bus call, with which a thread of dconf's may sleep after the answer, has run out.
+AFTERMATH = 30
 
 
 class Stopwatch:
@@ -90,7 +92,7 @@ def hidden(desktop, camera, vistrel, seconds):
     """After the mirror was shown once: what the program does while nobody looks."""
     appear(desktop, vistrel)
     disappear(camera, vistrel)
-    time.sleep(SUSPENSION)
+    time.sleep(AFTERMATH)
     pid = vistrel.pid
     switches, cpu, timers = processes.switches(pid), processes.processor_seconds(pid), []
     end = time.monotonic() + seconds
