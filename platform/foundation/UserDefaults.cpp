@@ -15,16 +15,19 @@ using Value = UserDefaults::Value;
 
 constexpr const char* kInterfaceStyleKey = "AppleInterfaceStyle";
 
-std::optional<Value> fromJson(const json::Value& value) {
-  if (const auto* text = value.text()) return Value(*text);
-  if (const auto* boolean = value.boolean()) return Value(*boolean);
-  if (const auto* integer = value.integer()) return Value(*integer);
-  if (const auto* real = value.real()) return Value(*real);
-  return std::nullopt;
+Value fromJson(const json::Value& value) {
+  if (const auto* text = value.text()) return *text;
+  if (const auto* boolean = value.boolean()) return *boolean;
+  if (const auto* integer = value.integer()) return *integer;
+  if (const auto* real = value.real()) return *real;
+  return std::monostate{};
 }
 
+json::Value simpleJson(std::monostate /*strange*/) { return {nullptr}; }
+json::Value simpleJson(const auto& simple) { return {simple}; }
+
 json::Value toJson(const Value& value) {
-  return std::visit([](const auto& simple) { return json::Value{simple}; }, value);
+  return std::visit([](const auto& simple) { return simpleJson(simple); }, value);
 }
 
 /// The members of a preferences file; none when it cannot be read as one. An empty file is an empty store.
@@ -122,7 +125,8 @@ std::optional<std::string> UserDefaults::stringForKey(const std::string& key) co
   if (const auto* text = std::get_if<std::string>(&*value)) return *text;
   if (const auto* boolean = std::get_if<bool>(&*value)) return *boolean ? "1" : "0";
   if (const auto* integer = std::get_if<std::int64_t>(&*value)) return std::to_string(*integer);
-  return decimalText(std::get<double>(*value));
+  if (const auto* real = std::get_if<double>(&*value)) return decimalText(*real);
+  return std::nullopt;
 }
 
 std::optional<Value> UserDefaults::objectForKey(const std::string& key) const { return find(key); }

@@ -14,7 +14,8 @@ namespace vistrel {
 /// another process writes meanwhile: a write changes its own key only. Main thread only.
 class UserDefaults {
  public:
-  using Value = std::variant<bool, std::int64_t, double, std::string>;
+  /// The last kind is what no typed read understands and nobody writes: a list, an object, null.
+  using Value = std::variant<bool, std::int64_t, double, std::string, std::monostate>;
 
   /// The store of this program.
   static UserDefaults& standard();
@@ -26,6 +27,7 @@ class UserDefaults {
   [[nodiscard]] bool boolForKey(const std::string& key) const;
   /// A text as it stands; a number as its decimal text, a Boolean as "1" or "0".
   [[nodiscard]] std::optional<std::string> stringForKey(const std::string& key) const;
+  /// Whatever is there, one of the strange kind too; none for a missing key.
   [[nodiscard]] std::optional<Value> objectForKey(const std::string& key) const;
 
   void setInteger(std::int64_t value, const std::string& key) { setObject(value, key); }
@@ -44,8 +46,7 @@ class UserDefaults {
   void warnOnce(const std::string& text) const;
 
   using Map = std::map<std::string, Value>;
-  /// What is stored and is no value of ours hides a registered one all the same.
-  mutable std::optional<std::map<std::string, std::optional<Value>>> stored_;
+  mutable std::optional<Map> stored_;
   mutable std::string lastWarning_;
   Map registered_;
 };

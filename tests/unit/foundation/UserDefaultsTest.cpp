@@ -32,6 +32,7 @@ TEST(UserDefaults, readsEachTypeByTheStoresRules) {
     EXPECT_EQ(store.integerForKey("key"), c.integer);
     EXPECT_EQ(store.boolForKey("key"), c.boolean);
     EXPECT_EQ(store.stringForKey("key"), c.text);
+    EXPECT_TRUE(store.objectForKey("key").has_value());
     EXPECT_EQ(store.objectForKey("missing"), std::nullopt);
   }
 }
