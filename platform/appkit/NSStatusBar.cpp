@@ -1,6 +1,5 @@
 #include "appkit/NSStatusBar.h"
 
-#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -25,29 +24,13 @@ bool isOnIcon(Point location) {
   return icon && icon->inset(-kClickSlop, -kClickSlop).contains(location);
 }
 
-// A press for which the icon, as far as it is known, lies neither beside nor above nor below, and that hit no
-// panel: the icon may have moved along its panel meanwhile, and a panel may reserve no room.
-bool isSurelyBesideIcon(Point location) {
-  const auto icon = host::current().statusArea().iconFrame();
-  if (!icon) return false;
-  const Rect near = icon->inset(-kClickSlop, -kClickSlop);
-  const bool isInLine = (location.x >= near.x && location.x < near.maxX()) ||
-                        (location.y >= near.y && location.y < near.maxY());
-  const auto screens = host::current().session().screens();
-  return !isInLine && std::any_of(screens.begin(), screens.end(),
-                                  [&](const auto& screen) { return screen.visibleFrame.contains(location); });
-}
-
 }  // namespace
 
 // Remembers the press that closed the popover until the click of that press has come, or another press.
 class NSStatusBar::PressWatch final : public host::OutsidePressClient {
  public:
   PressWatch(NSStatusBar& bar, Point location)
-      : bar_(bar),
-        location_(location),
-        wasOnIcon_(isOnIcon(location)),
-        wasElsewhere_(isSurelyBesideIcon(location)) {
+      : bar_(bar), location_(location), wasOnIcon_(isOnIcon(location)) {
     host::current().windows().setOutsidePressClient(this);
   }
   PressWatch(const PressWatch&) = delete;
@@ -56,9 +39,8 @@ class NSStatusBar::PressWatch final : public host::OutsidePressClient {
   void pressedOutside(Point /*location*/) override { bar_.closingPress_.reset(); }
 
   /// Hosts tell of a click at its release, and not where it was; the pointer may be anywhere by then. Where
-  /// the icon is may not be known. Hosts tell of the keyboard's choice of the icon in the same words.
+  /// the icon is may not be known.
   [[nodiscard]] bool isOfClickAt(Point pointer) const {
-    if (wasElsewhere_) return false;
     return wasOnIcon_ || std::hypot(pointer.x - location_.x, pointer.y - location_.y) <= kClickSlop;
   }
 
@@ -66,7 +48,6 @@ class NSStatusBar::PressWatch final : public host::OutsidePressClient {
   NSStatusBar& bar_;
   Point location_;
   bool wasOnIcon_;
-  bool wasElsewhere_;
 };
 
 NSStatusBar::NSStatusBar() = default;

@@ -70,16 +70,13 @@ TEST(Mirror, aClickOnTheIconClosesWhereverThePointerIsByItsEnd) {
     bool opensAgain;
   };
   Program program;
-  program.desktop.sessionHost.screenList = {{"main", {0, 0, 1280, 800}, {40, 28, 1240, 772}, 1, true}};
   program.launchWith({"A"});
   const Rect icon = program.desktop.tray.frame.value();
   const Point inIcon = icon.center();
   const Point elsewhere{100, 700};
-  const Point inOtherPanel{20, 700};
   for (const Case& c :
        {Case{inIcon, inIcon, false}, Case{{icon.x, icon.y}, {icon.maxX(), icon.maxY()}, false},
-        Case{inIcon, elsewhere, false}, Case{elsewhere, inIcon, true}, Case{elsewhere, elsewhere, true},
-        Case{{1210, 790}, {1210, 790}, false}, Case{inOtherPanel, inOtherPanel, false}}) {
+        Case{inIcon, elsewhere, false}, Case{elsewhere, inIcon, true}}) {
     if (!program.isShown()) program.desktop.clickIcon();
     program.desktop.windowSystem.pressOutside(c.press);
     EXPECT_FALSE(program.isShown());
