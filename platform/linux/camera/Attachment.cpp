@@ -90,10 +90,11 @@ bool seemsCamera(const std::string& devicePath, const fs::path& sysfs) {
   if (isVirtual(places.front())) return firstWord(places.front() / "index") == "0";
   const fs::path device = usbDeviceAmong(places);
   if (device.empty()) return false;
-  std::error_code ignored;
+  std::error_code error;
   const std::string place = placeOf(devicePath, sysfs);
-  for (const auto& entry : fs::directory_iterator(sysfs / "class/video4linux", ignored)) {
-    const std::string other = entry.path().filename();
+  const fs::directory_iterator nodes(sysfs / "class/video4linux", error);
+  for (auto node = nodes; !error && node != fs::directory_iterator(); node.increment(error)) {
+    const std::string other = node->path().filename();
     const bool isSibling = other.starts_with("video") && usbDeviceAmong(placesOf(other, sysfs)) == device;
     if (isSibling && isPathBefore(placeOf(other, sysfs), place)) return false;
   }

@@ -31,13 +31,13 @@ std::filesystem::path daemonSocket() {
   return std::filesystem::path("/run/pipewire") / name;
 }
 
+}  // namespace
+
 bool isListedBefore(const CameraEntry& a, const CameraEntry& b) {
   if (a.device.isBuiltIn != b.device.isBuiltIn) return a.device.isBuiltIn;
   if (a.path != b.path) return isPathBefore(a.path, b.path);
   return isPathBefore(a.device.id, b.device.id);
 }
-
-}  // namespace
 
 CameraCenter::CameraCenter(Reactor& reactor)
     : reactor_(reactor), graph_(std::make_shared<PipeWireGraph>(reactor)) {

@@ -12,6 +12,9 @@
 
 namespace vistrel::capture {
 
+/// The order of the list: what is built in first, then by where it is attached.
+[[nodiscard]] bool isListedBefore(const CameraEntry& a, const CameraEntry& b);
+
 /// The cameras of a Linux desktop: through PipeWire while its daemon runs, else directly through V4L2. The
 /// streams it opens are `CaptureStream`s, so each is a `GlassSource` too.
 class CameraCenter final : public host::CameraHost {

@@ -23,7 +23,8 @@ class CameraProvider {
   virtual ~CameraProvider() = default;
   /// The usable cameras of this moment, in any order, each once.
   [[nodiscard]] virtual std::vector<CameraEntry> cameras() = 0;
-  /// The error tells whether the camera is gone, busy or denied. A slow one goes on opening as it starts.
+  /// The error tells whether the camera is gone, busy or denied, or does not answer and was never heard of. A
+  /// slow one goes on opening as it starts.
   virtual Result<std::unique_ptr<CaptureDevice>> open(const std::string& id) = 0;
 };
 

@@ -10,6 +10,11 @@ namespace {
 
 constexpr std::uint32_t kChanges = IN_CREATE | IN_DELETE | IN_MOVED_TO | IN_MOVED_FROM | IN_ATTRIB;
 
+FileWatch::Change changeOf(std::uint32_t mask) {
+  if (mask & (IN_CREATE | IN_MOVED_TO)) return FileWatch::Change::Appeared;
+  return mask & IN_ATTRIB ? FileWatch::Change::Permissions : FileWatch::Change::Disappeared;
+}
+
 }  // namespace
 
 FileWatch::FileWatch(Reactor& reactor, const std::string& folder, Handler handler)
@@ -25,8 +30,7 @@ void FileWatch::drain() {
   for (ssize_t size = 0; (size = ::read(inotify_.get(), buffer, sizeof buffer)) > 0;) {
     for (ssize_t at = 0; at < size;) {
       const auto* event = reinterpret_cast<const inotify_event*>(buffer + at);
-      const bool isNew = (event->mask & (IN_CREATE | IN_MOVED_TO)) != 0;
-      if (event->len > 0) changes.emplace_back(event->name, isNew ? Change::Appeared : Change::Other);
+      if (event->len > 0) changes.emplace_back(event->name, changeOf(event->mask));
       at += static_cast<ssize_t>(sizeof *event + event->len);
     }
   }

@@ -12,7 +12,7 @@ namespace vistrel::capture {
 /// Watches a folder for files that appear, disappear or change their permissions.
 class FileWatch {
  public:
-  enum class Change { Appeared, Other };
+  enum class Change { Appeared, Disappeared, Permissions };
   using Handler = std::function<void(const std::string& name, Change change)>;
 
   /// `handler` is called from the main loop with the name of the file. A folder that cannot be watched is

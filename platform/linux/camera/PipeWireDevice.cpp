@@ -51,8 +51,13 @@ std::string targetOf(const PipeWireNode& node) {
 
 }  // namespace
 
-PipeWireDevice::PipeWireDevice(std::shared_ptr<PipeWireGraph> graph, const PipeWireNode& node)
-    : graph_(std::move(graph)), nodeId_(node.globalId()), target_(targetOf(node)), modes_(node.modes()) {
+PipeWireDevice::PipeWireDevice(std::shared_ptr<PipeWireGraph> graph, const PipeWireNode& node,
+                               std::chrono::milliseconds waited)
+    : graph_(std::move(graph)),
+      nodeId_(node.globalId()),
+      target_(targetOf(node)),
+      modes_(node.modes()),
+      waited_(waited) {
   graph_->loop().add(*this);
 }
 
@@ -73,9 +78,11 @@ void PipeWireDevice::waitForStream(std::chrono::milliseconds patience) {
   graph_->loop().waitUntil(isOver, patience);
 }
 
-// A daemon that hangs was waited for when the camera was opened.
+// A daemon that hangs was waited for before.
 host::StreamStart PipeWireDevice::awaitStart(std::chrono::milliseconds patience) {
-  if (!failure_) waitForStream(graph_->hangs() ? std::chrono::milliseconds() : patience);
+  const std::chrono::milliseconds none{0};
+  const auto left = std::max(none, patience - std::exchange(waited_, none));
+  if (!failure_) waitForStream(graph_->hangs() ? none : left);
   if (failure_) return host::StreamStart::Failed;
   const bool isRunning = state_ == PW_STREAM_STATE_STREAMING;
   isStartUntold_ = !isRunning;

@@ -19,7 +19,9 @@ struct StreamDeleter {
 /// A camera through a PipeWire stream. Of the buffers only the one with the newest frame is held.
 class PipeWireDevice final : public CaptureDevice, private PipeWireClient {
  public:
-  PipeWireDevice(std::shared_ptr<PipeWireGraph> graph, const PipeWireNode& node);
+  /// The first start is waited for as much shorter as the opening has `waited`.
+  PipeWireDevice(std::shared_ptr<PipeWireGraph> graph, const PipeWireNode& node,
+                 std::chrono::milliseconds waited);
   ~PipeWireDevice() override;
 
   [[nodiscard]] const std::vector<VideoMode>& modes() const override { return modes_; }
@@ -50,6 +52,7 @@ class PipeWireDevice final : public CaptureDevice, private PipeWireClient {
   std::uint32_t nodeId_;
   std::string target_;
   std::vector<VideoMode> modes_;
+  std::chrono::milliseconds waited_;
   CaptureClient* client_ = nullptr;
   std::unique_ptr<pw_stream, StreamDeleter> stream_;
   spa_hook listener_{};

@@ -61,11 +61,14 @@ bool PipeWireGraph::connect() {
   return true;
 }
 
-void PipeWireGraph::refresh() {
-  if (!core_) return;
+std::chrono::milliseconds PipeWireGraph::refresh() {
+  using Clock = std::chrono::steady_clock;
+  if (!core_) return {};
+  const auto start = Clock::now();
   const auto patience = hangs_ ? std::chrono::milliseconds(0) : kPatience;
   const bool isCurrent = loop_.waitUntil([this] { return !core_ || answered_ == awaited_; }, patience);
   hangs_ = !isCurrent;
+  return std::chrono::ceil<std::chrono::milliseconds>(Clock::now() - start);
 }
 
 const PipeWireNode* PipeWireGraph::find(std::uint32_t globalId) const {

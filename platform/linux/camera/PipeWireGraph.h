@@ -36,7 +36,7 @@ class PipeWireGraph : private PipeWireClient {
 
   /// Takes in what has happened and waits, within bounds, for answers that are due. A daemon that hangs is
   /// waited for once.
-  void refresh();
+  std::chrono::milliseconds refresh();
   /// True while the daemon owes an answer that has been waited for.
   [[nodiscard]] bool hangs() const { return hangs_; }
   [[nodiscard]] const std::vector<std::unique_ptr<PipeWireNode>>& nodes() const { return nodes_; }

@@ -72,7 +72,7 @@ std::vector<std::string> v4l2Products(const PipeWireGraph& graph) {
 }  // namespace
 
 std::vector<CameraEntry> PipeWireProvider::cameras() {
-  graph_->refresh();
+  (void)graph_->refresh();
   std::vector<CameraEntry> entries;
   const auto products = v4l2Products(*graph_);
   for (const auto& node : graph_->nodes()) {
@@ -87,11 +87,11 @@ std::vector<CameraEntry> PipeWireProvider::cameras() {
 }
 
 Result<std::unique_ptr<CaptureDevice>> PipeWireProvider::open(const std::string& id) {
-  graph_->refresh();
+  const auto waited = graph_->refresh();
   for (const auto& node : graph_->nodes()) {
     if (idOf(*node) != id) continue;
     if (node->isInError()) return errorOfMessage(node->lastError());
-    return std::unique_ptr<CaptureDevice>(std::make_unique<PipeWireDevice>(graph_, *node));
+    return std::unique_ptr<CaptureDevice>(std::make_unique<PipeWireDevice>(graph_, *node, waited));
   }
   return errorOf(Problem::Gone);
 }

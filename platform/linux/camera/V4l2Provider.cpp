@@ -28,7 +28,9 @@ std::vector<CameraEntry> V4l2Provider::cameras() {
   watch_.drain();
   std::vector<CameraEntry> entries;
   for (auto& [path, node] : nodes_) {
-    if (const auto answer = node.probe->await(node.deadline)) node.camera = *answer;
+    // What is known of a camera holds until it is known better: an opening may have to wait after this.
+    const auto deadline = node.camera ? system_.now() : node.deadline;
+    if (const auto answer = node.probe->await(deadline)) node.camera = *answer;
     if (!node.camera) continue;
     CameraEntry entry;
     const auto& label = node.camera->label;
@@ -51,11 +53,9 @@ Result<std::unique_ptr<CaptureDevice>> V4l2Provider::open(const std::string& id)
 }
 
 void V4l2Provider::changed(const std::string& path, FileWatch::Change change) {
-  if (change == FileWatch::Change::Appeared) {
-    Node& node = nodes_[path];
-    node.camera.reset();
-    ++node.arrivals;
-  }
+  Node& node = nodes_[path];
+  if (change != FileWatch::Change::Permissions) node.camera.reset();
+  if (change == FileWatch::Change::Appeared) ++node.arrivals;
   look(path);
 }
 
