@@ -43,6 +43,15 @@ class ControlsTest(DesktopTest):
     def wait_items(self, vistrel, rows):
         wait_until(lambda: self.items(vistrel) == rows, f"the menu {rows}")
 
+    def wait_frame(self, picture):
+        """The bar that wanders through the picture has moved."""
+        x, y, width, _height = picture
+
+        def row():
+            return [self.screen.colour((x + step, y + 20)) for step in range(5, width, 20)]
+        before = row()
+        wait_until(lambda: row() != before, "another frame")
+
     def tear_off(self, vistrel, picture):
         since = len(vistrel.lines)
         start = centre(picture)
@@ -62,8 +71,13 @@ class ControlsTest(DesktopTest):
             x, y, _width, height = self.wait_shown(vistrel, OPTIONS)["place"]
             # Whatever the picture is there: dark on the dark backing, light on the light face.
             face = (x + 5, y + height // 2)
-            wait_until(lambda: max(self.screen.colour(face)) < 80 if is_dark else min(self.screen.colour(face)) > 190,
-                       f"the button of scheme {scheme}")
+
+            def is_drawn():
+                colour = self.screen.colour(face)
+                return max(colour) < 80 if is_dark else min(colour) > 190
+            wait_until(is_drawn, f"the button of scheme {scheme}")
+            self.wait_frame(picture)
+            self.assertTrue(is_drawn())
             self.screen.move(AWAY)
         self.wait_hidden(vistrel, OPTIONS)
 

@@ -98,7 +98,7 @@ class CameraFaultTest(DesktopTest):
             wait_until(lambda: vistrel.preferences().get("defaultCameraPreference") == name, name)
             vistrel.wait_no_menu()
 
-    def test_each_camera_is_listed_once_by_its_own_name_where_it_is_attached(self):
+    def test_each_camera_is_listed_once_by_its_own_name_and_in_order(self):
         cameras = (("Session manager's name", ["api.v4l2.path=/dev/video1010", "api.v4l2.cap.card=Tenth"]),
                    ("Second (V4L2)", ["object.path=v4l2:/dev/video902", "api.v4l2.cap.card=Second"]),
                    ("Second again", ["object.path=v4l2:/dev/video902"]),

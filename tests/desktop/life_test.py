@@ -45,6 +45,7 @@ class LifeTest(DesktopTest):
         bus.call(daemon, "/org/freedesktop/DBus", daemon, "ReloadConfig")
         bus.call(IDENTIFIER, PATH, APPLICATION, "Activate", "(a{sv})", {})
         pid = bus.call(daemon, "/org/freedesktop/DBus", daemon, "GetConnectionUnixProcessID", "(s)", IDENTIFIER)[0]
+        self.addCleanup(lambda: bus.has_owner(IDENTIFIER) and os.kill(pid, signal.SIGKILL))
         self.assertEqual(os.readlink(f"/proc/{pid}/exe"), str(prefix / "bin" / "vistrel"))
         wait_until(lambda: bus.property(WATCHER, "/StatusNotifierWatcher", WATCHER, "RegisteredStatusNotifierItems"),
                    "the icon")

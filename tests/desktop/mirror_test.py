@@ -16,6 +16,7 @@ class TearingOff:
         vistrel = self.start({"dismissPreference": 1})
         x, y, width, height = self.open(vistrel)["place"]
         self.assertLessEqual(UNLISTED, self.states(vistrel))
+        self.assertIn("UTILITY", self.kind(vistrel))
         start = (x + width // 2, y + height // 2)
         self.screen.drag(start, (start[0] - 300, start[1] + 200))
         vistrel.wait_line("Detached", vistrel.wait_line("Should Detach"))
@@ -27,12 +28,20 @@ class TearingOff:
         self.screen.live_picture(10)
         self.assertIn("_NET_WM_STATE_ABOVE", self.states(vistrel))
         self.assertFalse(UNLISTED & self.states(vistrel))
+        wait_until(lambda: "UTILITY" not in self.kind(vistrel) and "window id" not in self.kind(vistrel),
+                   "an ordinary window, which belongs to no other")
         vistrel.click()
         self.wait_closed(camera)
 
     def states(self, vistrel):
-        """Those of the one window, which has the program's name."""
-        return set(next(window for window in vistrel.windows(managed=True, name="Vistrel") if window["states"])["states"])
+        return set(self.window(vistrel)["states"])
+
+    def kind(self, vistrel):
+        return self.desktop.run("xprop", "-id", self.window(vistrel)["id"], "_NET_WM_WINDOW_TYPE", "WM_TRANSIENT_FOR")
+
+    def window(self, vistrel):
+        """The one that has the program's name."""
+        return next(window for window in vistrel.windows(managed=True, name="Vistrel") if window["states"])
 
 
 class MirrorTest(TearingOff, DesktopTest):

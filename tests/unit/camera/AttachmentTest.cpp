@@ -1,4 +1,5 @@
 #include "linux/camera/Attachment.h"
+#include "linux/camera/CameraCenter.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -71,6 +72,23 @@ TEST(Paths, AreOrderedAsPeopleDo) {
   for (std::size_t i = 0; i < ordered.size(); ++i)
     for (std::size_t j = 0; j < ordered.size(); ++j)
       EXPECT_EQ(isPathBefore(ordered[i], ordered[j]), i < j) << ordered[i] << ' ' << ordered[j];
+}
+
+TEST(Cameras, AreListedByWhereTheyAreAttachedWhateverTheirNumbers) {
+  const auto camera = [](const char* id, const char* place, bool isBuiltIn) {
+    return CameraEntry{{.id = id, .localizedName = "", .isBuiltIn = isBuiltIn}, place};
+  };
+  const std::vector<CameraEntry> ordered{
+      camera("v4l2:/dev/video9", "/sys/devices/usb1/1-9/0", true),
+      camera("v4l2:/dev/video4", "/sys/devices/usb1/1-2/0", false),
+      camera("v4l2:/dev/video2", "/sys/devices/usb1/1-10/0", false),
+      camera("v4l2:/dev/video0", "/sys/devices/usb1/1-10/1", false),
+      camera("40", "somewhere", false),
+      camera("100", "somewhere", false),
+  };
+  for (std::size_t i = 0; i < ordered.size(); ++i)
+    for (std::size_t j = 0; j < ordered.size(); ++j)
+      EXPECT_EQ(isListedBefore(ordered[i], ordered[j]), i < j) << i << ' ' << j;
 }
 
 }  // namespace
