@@ -139,8 +139,8 @@ class Program:
     def wait_no_menu(self):
         wait_until(lambda: self._find_menu() is None, "the end of the menu")
 
-    def menu_rows(self):
-        """The places of the open menu's texts, from the top; what is a few pixels high is a separator."""
+    def menu_rows(self, least=1):
+        """The places of the open menu's texts, `least` or more, from the top; what is a few pixels high is a separator."""
         def rows():
             x, y, width, height = self.menu()
             pixels = self.screen.ask("pixels", x + 3, y + 3, width - 6, height - 6)["pixels"]
@@ -156,12 +156,12 @@ class Program:
                     if row - start >= TEXT_HEIGHT:
                         found.append([x, y + 3 + start, width, row - start])
                     start = None
-            return found
+            return found if len(found) >= least else None
         return wait_until(rows, "the menu's texts")
 
     def choose(self, index):
         """Clicks the item at `index` of the open menu, separators not counted."""
-        self.screen.click(centre(self.menu_rows()[index]))
+        self.screen.click(centre(self.menu_rows(index + 1)[index]))
 
     # Windows
 
