@@ -34,8 +34,6 @@ uint unwrapped(QVariant value) {
 
 bool isPaletteDark() { return QApplication::palette().color(QPalette::Window).lightness() < 128; }
 
-QPalette paletteOf(bool isDark) { return isDark ? darkPalette() : lightPalette(); }
-
 }  // namespace
 
 ColourScheme::ColourScheme(Handlers handlers)
@@ -101,8 +99,8 @@ bool ColourScheme::eventFilter(QObject* watched, QEvent* event) {
 
 void ColourScheme::look() {
   const bool wasDark = std::exchange(isDark_, isToldDark_.value_or(isPaletteDark()));
-  if (isToldDark_) QApplication::setPalette(paletteOf(isDark_));
-  QToolTip::setPalette(paletteOf(isDark_));
+  if (isToldDark_) QApplication::setPalette(paletteFor(isDark_));
+  QToolTip::setPalette(paletteFor(isDark_));
   if (isDark_ != wasDark && !patience_) handlers_.didChange();
 }
 

@@ -46,13 +46,9 @@ QPalette make(const Colours& colours) {
 
 }  // namespace
 
-QPalette lightPalette() { return make(kLight); }
+QPalette paletteFor(bool isDark) { return make(isDark ? kDark : kLight); }
 
-QPalette darkPalette() { return make(kDark); }
-
-QPalette paletteFor(const NSAppearance& appearance) {
-  return appearance.isDark() ? darkPalette() : lightPalette();
-}
+QPalette paletteFor(const NSAppearance& appearance) { return paletteFor(appearance.isDark()); }
 
 QColor neutralGlass(const NSAppearance& appearance) {
   return appearance.isDark() ? QColor(0x24, 0x25, 0x28) : QColor(0xd9, 0xda, 0xdd);

@@ -8,8 +8,7 @@
 namespace vistrel::qt {
 
 /// The colours of the program's windows and menus on a light desktop and on a dark one.
-[[nodiscard]] QPalette lightPalette();
-[[nodiscard]] QPalette darkPalette();
+[[nodiscard]] QPalette paletteFor(bool isDark);
 [[nodiscard]] QPalette paletteFor(const NSAppearance& appearance);
 
 /// The surface of the glass while there is no picture.
