@@ -1,12 +1,12 @@
 #include "app/Main.h"
-#include "linux/qt/Desktop.h"
+#include "linux/Desktop.h"
 
 int main(int argc, char** argv) {
   int status = 0;
-  const auto desktop = vistrel::qt::Desktop::open(argc, argv, status);
+  const auto desktop = vistrel::desktop::Desktop::open(argc, argv, status);
   if (!desktop) return status;
-  vistrel::host::install(desktop.get());
+  vistrel::backend::install(desktop.get());
   status = vistrel::runApplication();
-  vistrel::host::install(nullptr);
+  vistrel::backend::install(nullptr);
   return status;
 }

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <functional>
 
-#include "carbon/KeyCodes.h"
+#include "base/KeyCodes.h"
 
 namespace vistrel::KeyboardShortcuts {
 

@@ -6,7 +6,7 @@
 
 #include "KeyboardShortcuts/CarbonKeyboardShortcuts.h"
 #include "KeyboardShortcuts/Storage.h"
-#include "foundation/Guarded.h"
+#include "base/Guarded.h"
 #include "foundation/NotificationCenter.h"
 
 namespace vistrel::KeyboardShortcuts {

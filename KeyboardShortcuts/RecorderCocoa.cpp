@@ -9,7 +9,7 @@
 #include "appkit/NSMenuItem.h"
 #include "appkit/NSSound.h"
 #include "appkit/NSWindow.h"
-#include "foundation/FatalError.h"
+#include "base/FatalError.h"
 #include "foundation/MainQueue.h"
 
 namespace vistrel::KeyboardShortcuts {

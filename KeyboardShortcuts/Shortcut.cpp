@@ -2,7 +2,7 @@
 
 #include "KeyboardShortcuts/ModifierFlags.h"
 #include "KeyboardShortcuts/Storage.h"
-#include "foundation/Json.h"
+#include "base/Json.h"
 
 namespace vistrel::KeyboardShortcuts {
 

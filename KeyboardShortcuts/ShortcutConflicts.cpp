@@ -3,7 +3,7 @@
 #include "KeyboardShortcuts/CarbonKeyboardShortcuts.h"
 #include "KeyboardShortcuts/Shortcut.h"
 #include "appkit/NSMenu.h"
-#include "foundation/Unicode.h"
+#include "base/Unicode.h"
 
 namespace vistrel::KeyboardShortcuts {
 

@@ -4,8 +4,8 @@
 
 #include "KeyboardShortcuts/ModifierFlags.h"
 #include "KeyboardShortcuts/Shortcut.h"
+#include "base/Unicode.h"
 #include "carbon/TextInput.h"
-#include "foundation/Unicode.h"
 
 namespace vistrel::KeyboardShortcuts {
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "foundation/FatalError.h"
+#include "base/FatalError.h"
 
 namespace vistrel::KeyboardShortcuts {
 

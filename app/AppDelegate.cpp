@@ -9,14 +9,14 @@
 #include "app/PreferenceKeys.h"
 #include "app/ShortcutNames.h"
 #include "appkit/NSStatusBar.h"
-#include "foundation/Log.h"
-#include "host/Host.h"
+#include "backend/Backend.h"
+#include "base/Log.h"
 
 namespace vistrel {
 
 namespace {
 
-constexpr host::SessionHost::Version kFirstWithCenterStage{12, 3, 0};
+constexpr backend::SessionHost::Version kFirstWithCenterStage{12, 3, 0};
 constexpr NSEventMask kMouseDowns = maskOf(NSEventType::LeftMouseDown) | maskOf(NSEventType::RightMouseDown);
 
 bool asksForMenu(const NSEvent& event) {
@@ -73,7 +73,7 @@ void AppDelegate::readDismissPreference() {
 }
 
 void AppDelegate::switchCenterStageOn() {
-  if (host::current().session().platformVersion() < kFirstWithCenterStage || !cameras_->selectedDevice())
+  if (backend::current().session().platformVersion() < kFirstWithCenterStage || !cameras_->selectedDevice())
     return;
   AVCaptureDevice::setCenterStageControlMode(AVCaptureCenterStageControlMode::Cooperative);
   AVCaptureDevice::setCenterStageEnabled(true);

@@ -3,10 +3,10 @@
 #include "app/Notifications.h"
 #include "app/PreferenceKeys.h"
 #include "appkit/NSStoryboard.h"
+#include "base/FatalError.h"
+#include "base/Log.h"
 #include "camera/CameraViewController.h"
 #include "foundation/Bundle.h"
-#include "foundation/FatalError.h"
-#include "foundation/Log.h"
 
 namespace vistrel {
 

@@ -3,7 +3,7 @@
 #include <array>
 #include <cstddef>
 
-#include "foundation/Geometry.h"
+#include "base/Geometry.h"
 
 /// The program's persistent settings: keys, and the tables into which the stored integers point.
 namespace vistrel::preference {

@@ -4,7 +4,7 @@
 #include <array>
 #include <random>
 
-#include "tests/unit/camera/JpegEncoder.h"
+#include "tests/unit/linux/camera/JpegEncoder.h"
 
 namespace vistrel::bench {
 namespace {
@@ -15,8 +15,8 @@ constexpr int kPlainQuality = 80;
 constexpr int kRichQuality = 75;
 constexpr unsigned kGrain = 12;
 
-std::size_t bytesOf(capture::PixelFormat format, PixelSize size) {
-  using capture::PixelFormat;
+std::size_t bytesOf(camera::PixelFormat format, PixelSize size) {
+  using camera::PixelFormat;
   const auto pixels = static_cast<std::size_t>(size.width) * size.height;
   switch (format) {
     case PixelFormat::I420:
@@ -52,7 +52,7 @@ PixelSize glassFor(PixelSize source, PixelSize glass) {
   return source.width * 3 == source.height * 4 ? PixelSize{glass.height * 4 / 3, glass.height} : glass;
 }
 
-std::vector<std::vector<std::uint8_t>> rawFrames(capture::PixelFormat format, PixelSize size) {
+std::vector<std::vector<std::uint8_t>> rawFrames(camera::PixelFormat format, PixelSize size) {
   std::minstd_rand random(1);
   std::vector<std::vector<std::uint8_t>> frames(kFrames, std::vector<std::uint8_t>(bytesOf(format, size)));
   std::array<std::uint8_t, kNoise> noise{};
@@ -67,7 +67,7 @@ std::vector<std::vector<std::uint8_t>> rawFrames(capture::PixelFormat format, Pi
 std::vector<std::uint8_t> jpegFrame(PixelSize size, Scene scene) {
   std::minstd_rand random(1);
   const int quality = scene == Scene::Rich ? kRichQuality : kPlainQuality;
-  return capture::encodeJpeg({.size = size, .quality = quality}, [&](int y, std::vector<std::uint8_t>& row) {
+  return camera::encodeJpeg({.size = size, .quality = quality}, [&](int y, std::vector<std::uint8_t>& row) {
     fillRow(row, size, y, scene, random);
   });
 }

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "foundation/Geometry.h"
+#include "base/Geometry.h"
 #include "linux/camera/PixelFormat.h"
 
 namespace vistrel::bench {
@@ -19,7 +19,7 @@ enum class Scene { Plain, Rich };
 
 /// Several frames in a row in memory of their own, as a camera's buffers are, so that the caches hold no more
 /// of them than they would of a camera's.
-[[nodiscard]] std::vector<std::vector<std::uint8_t>> rawFrames(capture::PixelFormat format, PixelSize size);
+[[nodiscard]] std::vector<std::vector<std::uint8_t>> rawFrames(camera::PixelFormat format, PixelSize size);
 
 /// A 4:2:2 JPEG, as UVC cameras send them: of smooth surfaces, or of detail everywhere.
 [[nodiscard]] std::vector<std::uint8_t> jpegFrame(PixelSize size, Scene scene);

@@ -11,7 +11,7 @@
 namespace vistrel::bench {
 namespace {
 
-using capture::PixelFormat;
+using camera::PixelFormat;
 
 // The time of one pixel, and of one frame beside it.
 void tell(benchmark::State& state, PixelSize glass) {
@@ -24,12 +24,12 @@ void convert(benchmark::State& state, PixelFormat format, PixelSize source, Pixe
              bool isMirrored) {
   const auto frames = rawFrames(format, source);
   std::vector<std::uint8_t> pixels(static_cast<std::size_t>(glass.width) * 4 * glass.height);
-  const capture::GlassTarget target{pixels.data(), glass.width * 4, glass, isMirrored};
-  capture::PictureConverter converter;
+  const camera::GlassTarget target{pixels.data(), glass.width * 4, glass, isMirrored};
+  camera::PictureConverter converter;
   std::size_t turn = 0;
   for ([[maybe_unused]] auto _ : state) {
-    const capture::PlaneMemory memory{frames[turn++ % frames.size()], 0};
-    converter.convert(*pictureIn({&memory, 1}, format, source, capture::YuvColour::Bt601Limited), target);
+    const camera::PlaneMemory memory{frames[turn++ % frames.size()], 0};
+    converter.convert(*pictureIn({&memory, 1}, format, source, camera::YuvColour::Bt601Limited), target);
     benchmark::ClobberMemory();
   }
   tell(state, glass);

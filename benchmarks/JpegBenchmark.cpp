@@ -21,8 +21,8 @@ void floorOf(benchmark::State& state, PixelSize source, Scene scene) {
 
 void decode(benchmark::State& state, PixelSize source, PixelSize glass, Scene scene) {
   const auto jpeg = jpegFrame(source, scene);
-  capture::JpegDecoder decoder;
-  capture::OwnedPicture picture;
+  camera::JpegDecoder decoder;
+  camera::OwnedPicture picture;
   for ([[maybe_unused]] auto _ : state)
     if (!decoder.decode(jpeg, glass, picture)) state.SkipWithError("the frame was not decoded");
   state.counters["bytes"] = static_cast<double>(jpeg.size());
@@ -30,11 +30,11 @@ void decode(benchmark::State& state, PixelSize source, PixelSize glass, Scene sc
 
 void paint(benchmark::State& state, PixelSize source, PixelSize glass, Scene scene) {
   const auto jpeg = jpegFrame(source, scene);
-  capture::JpegDecoder decoder;
-  capture::OwnedPicture picture;
+  camera::JpegDecoder decoder;
+  camera::OwnedPicture picture;
   if (!decoder.decode(jpeg, glass, picture)) return state.SkipWithError("the frame was not decoded");
   std::vector<std::uint8_t> pixels(static_cast<std::size_t>(glass.width) * 4 * glass.height);
-  capture::PictureConverter converter;
+  camera::PictureConverter converter;
   for ([[maybe_unused]] auto _ : state) {
     converter.convert(picture.picture, {pixels.data(), glass.width * 4, glass, true});
     benchmark::ClobberMemory();

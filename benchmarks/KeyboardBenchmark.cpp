@@ -7,9 +7,9 @@
 
 #include "KeyboardShortcuts/KeyboardShortcuts.h"
 #include "appkit/NSMenu.h"
-#include "linux/x11/X11Keyboard.h"
-#include "tests/unit/camera/PollReactor.h"
-#include "tests/unit/keyboard/FakeDesktop.h"
+#include "linux/keyboard/X11Keyboard.h"
+#include "tests/unit/KeyboardShortcuts/FakeDesktop.h"
+#include "tests/unit/linux/PollReactor.h"
 
 namespace vistrel::bench {
 namespace {
@@ -25,22 +25,22 @@ void releaseToAction(benchmark::State& state) {
   KeyboardShortcuts::setShortcut(Shortcut(49, 0x100), name);
   int runs = 0;
   KeyboardShortcuts::onKeyUp(name, [&runs] { ++runs; });
-  for ([[maybe_unused]] auto _ : state) desktop.tell(49, 0x100, host::HotKeyPhase::Released);
+  for ([[maybe_unused]] auto _ : state) desktop.tell(49, 0x100, backend::HotKeyPhase::Released);
   if (runs == 0) state.SkipWithError("the action never ran");
 }
 
 void translation(benchmark::State& state) {
-  capture::PollReactor reactor;
+  desktop::PollReactor reactor;
   x11::X11Connection connection(reactor);
-  x11::X11Keyboard keyboard(connection, nullptr);
+  keyboard::X11Keyboard keyboard(connection, nullptr);
   if (!keyboard.displayCharacter(0)) return state.SkipWithError("no keymap; give it a DISPLAY");
   for ([[maybe_unused]] auto _ : state) benchmark::DoNotOptimize(keyboard.displayCharacter(0));
 }
 
 void conflictCheck(benchmark::State& state) {
-  capture::PollReactor reactor;
+  desktop::PollReactor reactor;
   x11::X11Connection connection(reactor);
-  x11::X11Keyboard keyboard(connection, nullptr);
+  keyboard::X11Keyboard keyboard(connection, nullptr);
   if (!keyboard.displayCharacter(0)) return state.SkipWithError("no keymap; give it a DISPLAY");
   vistrel::testing::FakeDesktop desktop;
   desktop.realKeyboard = &keyboard;

@@ -1,8 +1,8 @@
 #include "camera/CameraManagement.h"
 
 #include "app/PreferenceKeys.h"
-#include "foundation/Log.h"
-#include "foundation/Unicode.h"
+#include "base/Log.h"
+#include "base/Unicode.h"
 
 namespace vistrel {
 

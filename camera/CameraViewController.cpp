@@ -9,9 +9,9 @@
 #include "app/PreferenceKeys.h"
 #include "appkit/NSApplication.h"
 #include "appkit/NSWindow.h"
-#include "foundation/FatalError.h"
-#include "foundation/Log.h"
-#include "host/Host.h"
+#include "backend/Backend.h"
+#include "base/FatalError.h"
+#include "base/Log.h"
 
 namespace vistrel {
 
@@ -21,7 +21,7 @@ constexpr CGColor kCoralRed{1.0, 0.37, 0.34, 1.0};
 constexpr double kCloseButtonRadius = 6.0;
 constexpr CGColor kDarkBacking{0.0, 0.0, 0.0, 0.8};
 constexpr double kPopupRadius = 5.0;
-constexpr host::SessionHost::Version kFirstWithCenterStage{12, 3, 0};
+constexpr backend::SessionHost::Version kFirstWithCenterStage{12, 3, 0};
 
 NSView& connected(const std::shared_ptr<NSView>& view, const char* outlet) {
   if (!view) fatalError(std::string("the outlet ") + outlet + " is not connected");
@@ -156,7 +156,8 @@ void CameraViewController::startCaptureSession(const AVCaptureDevice& device) {
   const auto session = std::make_shared<AVCaptureSession>();
   addInput(*session, device);
   choosePreset(*session);
-  if (host::current().session().platformVersion() >= kFirstWithCenterStage && device.isCenterStageActive()) {
+  if (backend::current().session().platformVersion() >= kFirstWithCenterStage &&
+      device.isCenterStageActive()) {
     Log::line("🎭 Center Stage is Active");
   }
   session->startRunning();

@@ -6,8 +6,8 @@
 
 #include "appkit/NSImage.h"
 #include "appkit/NSWorkspace.h"
+#include "base/URL.h"
 #include "foundation/Bundle.h"
-#include "foundation/URL.h"
 #include "views/Addresses.h"
 
 namespace vistrel {

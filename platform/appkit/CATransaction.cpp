@@ -1,13 +1,13 @@
 #include "appkit/CATransaction.h"
 
 #include "appkit/NSApplication.h"
-#include "host/Host.h"
+#include "backend/Backend.h"
 
 namespace vistrel {
 
 void CATransaction::flush() {
   NSApplication::shared().mapComingWindow();
-  host::current().windows().flush();
+  backend::current().windows().flush();
 }
 
 }  // namespace vistrel

@@ -4,7 +4,7 @@
 
 #include "appkit/NSApplication.h"
 #include "appkit/NSWindow.h"
-#include "host/Host.h"
+#include "backend/Backend.h"
 
 namespace vistrel {
 
@@ -12,14 +12,14 @@ void NSAlert::beginSheetModalForWindow(NSWindow& window, Completion completion) 
   completion_ = std::move(completion);
   parent_ = window.weak_from_this();
   window.setAttachedSheet(shared_from_this());
-  host::current().windows().showAlert(shared_from_this(), &window);
+  backend::current().windows().showAlert(shared_from_this(), &window);
 }
 
 NSModalResponse NSAlert::runModal() {
   completion_ = [](NSModalResponse response) {
     NSApplication::shared().stopModal(static_cast<int>(response), nullptr);
   };
-  host::current().windows().showAlert(shared_from_this(), nullptr);
+  backend::current().windows().showAlert(shared_from_this(), nullptr);
   return static_cast<NSModalResponse>(NSApplication::shared().runModalForWindow(nullptr));
 }
 

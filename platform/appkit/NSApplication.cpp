@@ -6,9 +6,9 @@
 #include "appkit/NSAlert.h"
 #include "appkit/NSMenu.h"
 #include "appkit/NSWindow.h"
+#include "backend/Backend.h"
 #include "foundation/MainQueue.h"
 #include "foundation/NotificationCenter.h"
-#include "host/Host.h"
 
 namespace vistrel {
 
@@ -36,8 +36,8 @@ void NSApplication::setDelegate(NSApplicationDelegate* delegate, NSObject* deleg
 }
 
 int NSApplication::run() {
-  host::current().session().setClient(this);
-  return host::current().mainLoop().run();
+  backend::current().session().setClient(this);
+  return backend::current().mainLoop().run();
 }
 
 void NSApplication::terminate(NSObject* /*sender*/) {
@@ -49,7 +49,7 @@ void NSApplication::terminate(NSObject* /*sender*/) {
     if (const auto sheet = window->attachedSheet()) sheet->respond(NSModalResponse::Abort);
     window->performClose(this);
   }
-  host::current().mainLoop().quit();
+  backend::current().mainLoop().quit();
 }
 
 void NSApplication::postEvent(std::shared_ptr<NSEvent> event, bool atStart) {
@@ -108,10 +108,10 @@ NSWindow* NSApplication::keyWindow() const {
 
 int NSApplication::runModalForWindow(NSWindow* window) {
   modals_.push_back({window});
-  host::current().mainLoop().runModal();
+  backend::current().mainLoop().runModal();
   const int code = modals_.back().code;
   modals_.pop_back();
-  if (!modals_.empty() && modals_.back().isStopped) host::current().mainLoop().endModal();
+  if (!modals_.empty() && modals_.back().isStopped) backend::current().mainLoop().endModal();
   return code;
 }
 
@@ -120,7 +120,7 @@ void NSApplication::stopModal(int code, const NSWindow* window) {
   const auto found = std::find_if(modals_.rbegin(), modals_.rend(), isMeant);
   if (found == modals_.rend()) return;
   *found = {window, code, true};
-  if (found == modals_.rbegin()) host::current().mainLoop().endModal();
+  if (found == modals_.rbegin()) backend::current().mainLoop().endModal();
 }
 
 void NSApplication::mapComingWindow() {

@@ -7,7 +7,7 @@
 
 #include "appkit/NSEvent.h"
 #include "appkit/NSResponder.h"
-#include "host/Session.h"
+#include "backend/Session.h"
 
 namespace vistrel {
 
@@ -29,7 +29,7 @@ class NSApplicationDelegate {
 
 /// The one application object: the end of every responder chain, the current event, the windows on screen and
 /// the modal loops. Main thread only.
-class NSApplication final : public NSResponder, public host::SessionClient {
+class NSApplication final : public NSResponder, public backend::SessionClient {
  public:
   static NSApplication& shared();
 

@@ -5,7 +5,7 @@
 #include <memory>
 #include <optional>
 
-#include "foundation/Geometry.h"
+#include "base/Geometry.h"
 
 namespace vistrel {
 

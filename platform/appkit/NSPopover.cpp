@@ -8,7 +8,7 @@
 #include "appkit/NSViewController.h"
 #include "appkit/PopoverWindow.h"
 #include "appkit/ScreenGeometry.h"
-#include "host/Host.h"
+#include "backend/Backend.h"
 
 namespace vistrel {
 
@@ -63,7 +63,7 @@ void NSPopover::makeWindow() {
 
 void NSPopover::showRelativeToRect(const Rect& rect, NSView& view, NSRectEdge /*preferredEdge*/) {
   if (isShown_ || !controller_) return;
-  auto& session = host::current().session();
+  auto& session = backend::current().session();
   const auto place =
       placePopover(contentSize_, anchorOnDesktop(rect, view), session.pointerLocation(), session.screens());
   anchor_ = view.weak_from_this();
@@ -95,7 +95,7 @@ void NSPopover::endHighlight() {
 
 void NSPopover::watchPresses() {
   if (behavior_ != NSPopoverBehavior::Transient) return;
-  host::current().windows().setOutsidePressClient(this);
+  backend::current().windows().setOutsidePressClient(this);
   const NSEventMask presses = maskOf(NSEventType::LeftMouseDown) | maskOf(NSEventType::RightMouseDown) |
                               maskOf(NSEventType::OtherMouseDown);
   ownPresses_ = NSEvent::addLocalMonitor(presses, [this](const std::shared_ptr<NSEvent>& event) {
@@ -107,7 +107,7 @@ void NSPopover::watchPresses() {
 
 void NSPopover::stopWatching() {
   NSEvent::removeMonitor(std::exchange(ownPresses_, nullptr));
-  if (isShown_ && !isDetached_) host::current().windows().setOutsidePressClient(nullptr);
+  if (isShown_ && !isDetached_) backend::current().windows().setOutsidePressClient(nullptr);
 }
 
 void NSPopover::pressedOutside(Point location) {

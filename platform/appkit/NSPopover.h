@@ -6,8 +6,8 @@
 #include "appkit/NSAppearance.h"
 #include "appkit/NSEvent.h"
 #include "appkit/NSWindow.h"
+#include "backend/Windows.h"
 #include "foundation/NSObject.h"
-#include "host/Windows.h"
 
 namespace vistrel {
 
@@ -29,7 +29,7 @@ class NSPopoverDelegate {
 
 /// A balloon that hangs from a view and may be torn off into a window of its own. A transient one closes at
 /// any press outside it while it is attached. Main thread only.
-class NSPopover : public NSObject, public host::OutsidePressClient {
+class NSPopover : public NSObject, public backend::OutsidePressClient {
  public:
   NSPopover() = default;
   /// A popover on screen is closed before it is dropped.
@@ -59,7 +59,7 @@ class NSPopover : public NSObject, public host::OutsidePressClient {
   /// The window under it, shown or not; null before the first showing.
   [[nodiscard]] NSWindow* window() const;
 
-  // host::OutsidePressClient
+  // backend::OutsidePressClient
   void pressedOutside(Point location) override;
 
   // From the popover's window.

@@ -1,9 +1,9 @@
 #include "appkit/NSSound.h"
 
-#include "host/Host.h"
+#include "backend/Backend.h"
 
 namespace vistrel {
 
-void NSSound::beep() { host::current().keyboard().beep(); }
+void NSSound::beep() { backend::current().keyboard().beep(); }
 
 }  // namespace vistrel

@@ -6,7 +6,7 @@
 #include "appkit/NSApplication.h"
 #include "appkit/NSMenu.h"
 #include "appkit/NSStatusItem.h"
-#include "host/Host.h"
+#include "backend/Backend.h"
 
 namespace vistrel {
 
@@ -20,22 +20,22 @@ constexpr std::uint64_t kMenuModifiers = Flags::kControl | Flags::kOption;
 constexpr double kClickSlop = 6;
 
 bool isOnIcon(Point location) {
-  const auto icon = host::current().statusArea().iconFrame();
+  const auto icon = backend::current().statusArea().iconFrame();
   return icon && icon->inset(-kClickSlop, -kClickSlop).contains(location);
 }
 
 }  // namespace
 
 // Remembers the press that closed the popover until the click of that press has come, or another press.
-class NSStatusBar::PressWatch final : public host::OutsidePressClient {
+class NSStatusBar::PressWatch final : public backend::OutsidePressClient {
  public:
   PressWatch(NSStatusBar& bar, Point location)
       : bar_(bar), location_(location), wasOnIcon_(isOnIcon(location)) {
-    host::current().windows().setOutsidePressClient(this);
+    backend::current().windows().setOutsidePressClient(this);
   }
   PressWatch(const PressWatch&) = delete;
   PressWatch& operator=(const PressWatch&) = delete;
-  ~PressWatch() override { host::current().windows().setOutsidePressClient(nullptr); }
+  ~PressWatch() override { backend::current().windows().setOutsidePressClient(nullptr); }
   void pressedOutside(Point /*location*/) override { bar_.closingPress_.reset(); }
 
   /// Hosts tell of a click at its release, and not where it was; the pointer may be anywhere by then. Where
@@ -65,7 +65,7 @@ void NSStatusBar::reset() {
 }
 
 std::shared_ptr<NSStatusItem> NSStatusBar::statusItemWithLength(double /*length*/) {
-  host::current().statusArea().setClient(this);
+  backend::current().statusArea().setClient(this);
   auto item = std::make_shared<NSStatusItem>(*this);
   item_ = item.get();
   return item;
@@ -73,7 +73,7 @@ std::shared_ptr<NSStatusItem> NSStatusBar::statusItemWithLength(double /*length*
 
 void NSStatusBar::itemDidChange(const NSStatusItem& item) {
   const auto image = item.button()->image();
-  if (isPresent(item) && image) host::current().statusArea().setIcon(image->path());
+  if (isPresent(item) && image) backend::current().statusArea().setIcon(image->path());
 }
 
 // The newest item is the one on screen: an older one that ends after it was made takes nothing away.
@@ -83,27 +83,27 @@ void NSStatusBar::itemWillEnd(const NSStatusItem& item) {
   // The bar outlives the backend, which both of these need for their end.
   shownMenu_.reset();
   closingPress_.reset();
-  host::current().statusArea().hideIcon();
+  backend::current().statusArea().hideIcon();
 }
 
 void NSStatusBar::setHighlighted(const NSStatusItem& item, bool isHighlighted) {
-  if (isPresent(item)) host::current().statusArea().setHighlighted(isHighlighted);
+  if (isPresent(item)) backend::current().statusArea().setHighlighted(isHighlighted);
 }
 
 void NSStatusBar::mirrorMenu(const NSStatusItem& item, std::shared_ptr<NSMenu> menu) {
-  if (isPresent(item)) host::current().statusArea().mirrorMenu(std::move(menu));
+  if (isPresent(item)) backend::current().statusArea().mirrorMenu(std::move(menu));
 }
 
 void NSStatusBar::openMenu(const NSStatusItem& item) {
   if (!isPresent(item)) return;
   shownMenu_ = item.menu();
-  if (!isHostOpening_) host::current().statusArea().popUpMenu(shownMenu_);
+  if (!isHostOpening_) backend::current().statusArea().popUpMenu(shownMenu_);
 }
 
 void NSStatusBar::endShowing() {
   const auto menu = std::exchange(shownMenu_, nullptr);
   if (!menu) return;
-  host::current().statusArea().dismissMenu();
+  backend::current().statusArea().dismissMenu();
   if (menu->delegate()) menu->delegate()->menuDidClose(*menu);
 }
 
@@ -114,16 +114,17 @@ void NSStatusBar::popoverClosedByPress(Point location) {
 
 void NSStatusBar::popoverWillOpen() { closingPress_.reset(); }
 
-void NSStatusBar::statusIconPressed(host::PointerButton button, std::uint64_t modifiers) {
+void NSStatusBar::statusIconPressed(backend::PointerButton button, std::uint64_t modifiers) {
   endShowing();
   const bool belongsToClosingPress =
-      closingPress_ && closingPress_->isOfClickAt(host::current().session().pointerLocation());
+      closingPress_ && closingPress_->isOfClickAt(backend::current().session().pointerLocation());
   closingPress_.reset();
-  const bool asksForMenu = button == host::PointerButton::Right || (modifiers & kMenuModifiers) != 0;
+  const bool asksForMenu = button == backend::PointerButton::Right || (modifiers & kMenuModifiers) != 0;
   if (belongsToClosingPress && !asksForMenu) return;
-  if (button == host::PointerButton::Middle) return;
-  sendPress(button == host::PointerButton::Right ? NSEventType::RightMouseDown : NSEventType::LeftMouseDown,
-            modifiers);
+  if (button == backend::PointerButton::Middle) return;
+  sendPress(
+      button == backend::PointerButton::Right ? NSEventType::RightMouseDown : NSEventType::LeftMouseDown,
+      modifiers);
 }
 
 void NSStatusBar::statusMenuWillOpen() {
@@ -146,7 +147,7 @@ void NSStatusBar::statusMenuItemChosen(std::shared_ptr<NSMenuItem> item) {
 void NSStatusBar::sendPress(NSEventType type, std::uint64_t modifiers) {
   if (!item_) return;
   const auto button = item_->button();
-  const Point location = host::current().session().pointerLocation();
+  const Point location = backend::current().session().pointerLocation();
   const auto event = NSEvent::mouseEvent({.type = type, .location = location, .modifierFlags = {modifiers}});
   if ((button->actionMask() & maskOf(type)) == 0) return;
   NSApplication::shared().withCurrentEvent(event, [&] { button->sendAction(); });

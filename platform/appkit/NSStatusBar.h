@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "appkit/NSEvent.h"
-#include "host/StatusArea.h"
+#include "backend/StatusArea.h"
 
 namespace vistrel {
 
@@ -15,7 +15,7 @@ inline constexpr double NSVariableStatusItemLength = -1;
 
 /// The status area of the desktop, and the rules that turn what happens at the icon into events: which press
 /// belongs to what, when a menu's showing begins, and that it ends once. Main thread only.
-class NSStatusBar final : public host::StatusAreaClient {
+class NSStatusBar final : public backend::StatusAreaClient {
  public:
   static NSStatusBar& system();
 
@@ -23,7 +23,7 @@ class NSStatusBar final : public host::StatusAreaClient {
   [[nodiscard]] std::shared_ptr<NSStatusItem> statusItemWithLength(double length);
 
   // StatusAreaClient
-  void statusIconPressed(host::PointerButton button, std::uint64_t modifiers) override;
+  void statusIconPressed(backend::PointerButton button, std::uint64_t modifiers) override;
   void statusMenuWillOpen() override;
   void statusMenuDidClose() override;
   void statusMenuItemChosen(std::shared_ptr<NSMenuItem> item) override;

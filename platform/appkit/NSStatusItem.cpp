@@ -4,7 +4,7 @@
 
 #include "appkit/NSMenu.h"
 #include "appkit/NSStatusBar.h"
-#include "host/Host.h"
+#include "backend/Backend.h"
 
 namespace vistrel {
 
@@ -40,7 +40,7 @@ const std::shared_ptr<NSStatusBarButton>& NSStatusItem::button() const {
 
 // The icon may have moved, come or gone since it was last looked at.
 void NSStatusItem::updateWindow() const {
-  const auto frame = host::current().statusArea().iconFrame();
+  const auto frame = backend::current().statusArea().iconFrame();
   button_->setWindow(nullptr);
   if (!frame) return;
   window_->setFrame(*frame);

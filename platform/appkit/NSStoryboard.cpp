@@ -6,7 +6,7 @@
 #include "appkit/NSControl.h"
 #include "appkit/NSPopUpButton.h"
 #include "appkit/NSView.h"
-#include "foundation/Json.h"
+#include "base/Json.h"
 
 namespace vistrel {
 

@@ -9,7 +9,7 @@
 #include "appkit/CALayer.h"
 #include "appkit/NSAppearance.h"
 #include "appkit/NSResponder.h"
-#include "foundation/Geometry.h"
+#include "base/Geometry.h"
 
 namespace vistrel {
 

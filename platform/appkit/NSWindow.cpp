@@ -12,9 +12,9 @@
 #include "appkit/NSPopUpButton.h"
 #include "appkit/NSView.h"
 #include "appkit/ScreenGeometry.h"
+#include "backend/Backend.h"
 #include "foundation/NotificationCenter.h"
 #include "foundation/UserDefaults.h"
-#include "host/Host.h"
 
 namespace vistrel {
 
@@ -93,7 +93,8 @@ void NSWindow::setFrame(const Rect& frame) {
 }
 
 void NSWindow::center() {
-  const Rect place = centeredOnMainScreen({frame_.width, frame_.height}, host::current().session().screens());
+  const Rect place =
+      centeredOnMainScreen({frame_.width, frame_.height}, backend::current().session().screens());
   setFrame(place);
 }
 
@@ -102,7 +103,7 @@ void NSWindow::setFrameAutosaveName(const std::string& name) {
   const auto origin = savedOrigin(name);
   if (!origin) return;
   const Rect wanted{origin->x, origin->y, frame_.width, frame_.height};
-  setFrame(movedOntoScreen(wanted, host::current().session().screens()));
+  setFrame(movedOntoScreen(wanted, backend::current().session().screens()));
 }
 
 void NSWindow::saveFrame() {
@@ -129,7 +130,7 @@ void NSWindow::setContentView(std::shared_ptr<NSView> view) {
 
 NSAppearance NSWindow::effectiveAppearance() const {
   if (appearance_) return *appearance_;
-  return {host::current().session().isDark() ? NSAppearanceNameDarkAqua : NSAppearanceNameAqua};
+  return {backend::current().session().isDark() ? NSAppearanceNameDarkAqua : NSAppearanceNameAqua};
 }
 
 void NSWindow::setAppearance(std::optional<NSAppearance> appearance) {
@@ -139,7 +140,7 @@ void NSWindow::setAppearance(std::optional<NSAppearance> appearance) {
 
 void NSWindow::makeNative() {
   if (native_) return;
-  native_ = host::current().windows().makeWindow(*this, *this);
+  native_ = backend::current().windows().makeWindow(*this, *this);
   native_->contentDidChange();
   native_->firstResponderDidChange(dynamic_cast<NSView*>(firstResponder_));
 }
@@ -245,7 +246,7 @@ void NSWindow::setKey(bool isKey) {
 void NSWindow::didMove(const Rect& frame) {
   frame_ = frame;
   if (autosaveName_.empty()) return;
-  movement_ = host::current().mainLoop().after(kRestAfterMoving, [this] { saveFrame(); });
+  movement_ = backend::current().mainLoop().after(kRestAfterMoving, [this] { saveFrame(); });
 }
 
 void NSWindow::tellTrackingOwners(NSEventType type) {

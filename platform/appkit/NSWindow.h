@@ -7,8 +7,8 @@
 #include "appkit/NSAppearance.h"
 #include "appkit/NSControl.h"
 #include "appkit/NSResponder.h"
-#include "host/MainLoop.h"
-#include "host/Windows.h"
+#include "backend/MainLoop.h"
+#include "backend/Windows.h"
 
 namespace vistrel {
 
@@ -46,7 +46,7 @@ struct PopoverTip {
 /// A window: owner of a view tree, of the first responder and of its place. Once on screen it stays alive
 /// until it is closed. Main thread only.
 class NSWindow : public NSResponder,
-                 public host::WindowClient,
+                 public backend::WindowClient,
                  public std::enable_shared_from_this<NSWindow> {
  public:
   /// `styleMask` is made of `NSWindowStyleMask` bits; `contentRect` is the content's place on the desktop.
@@ -116,9 +116,9 @@ class NSWindow : public NSResponder,
   void viewDidChange(NSView& view);
   void contentDidChange();
   void popUpMenu(NSPopUpButton& button);
-  [[nodiscard]] host::NativeWindow* native() const { return native_.get(); }
+  [[nodiscard]] backend::NativeWindow* native() const { return native_.get(); }
 
-  // host::WindowClient
+  // backend::WindowClient
   void closeRequested() override;
   void didGainFocus() override;
   void didLoseFocus() override;
@@ -149,8 +149,8 @@ class NSWindow : public NSResponder,
   std::shared_ptr<NSButton> closeButton_;
   std::shared_ptr<NSAlert> sheet_;
   NSResponder* firstResponder_ = nullptr;
-  std::unique_ptr<host::NativeWindow> native_;
-  std::unique_ptr<host::Timer> movement_;  // while the window is being moved
+  std::unique_ptr<backend::NativeWindow> native_;
+  std::unique_ptr<backend::Timer> movement_;  // while the window is being moved
   bool isMapped_ = false;
   bool isVisible_ = false;
   bool isKey_ = false;

@@ -1,7 +1,7 @@
 #include "appkit/NSWorkspace.h"
 
-#include "foundation/URL.h"
-#include "host/Host.h"
+#include "backend/Backend.h"
+#include "base/URL.h"
 
 namespace vistrel {
 
@@ -10,6 +10,8 @@ NSWorkspace& NSWorkspace::shared() {
   return workspace;
 }
 
-bool NSWorkspace::openURL(const URL& url) { return host::current().session().openUrl(url.absoluteString()); }
+bool NSWorkspace::openURL(const URL& url) {
+  return backend::current().session().openUrl(url.absoluteString());
+}
 
 }  // namespace vistrel

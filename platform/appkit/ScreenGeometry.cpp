@@ -36,12 +36,12 @@ Side sideAwayFromEdge(const Rect& anchor, const Rect& screen) {
   return std::min_element(edges.begin(), edges.end(), nearer)->side;
 }
 
-bool isInPanel(const Rect& anchor, const host::Screen& screen) {
+bool isInPanel(const Rect& anchor, const backend::Screen& screen) {
   return !screen.visibleFrame.contains(anchor.center());
 }
 
 // Corners are near two edges: the panel's strut tells which of them is the panel.
-Side sideOf(const Rect& anchor, const host::Screen& screen) {
+Side sideOf(const Rect& anchor, const backend::Screen& screen) {
   if (!isInPanel(anchor, screen)) return sideAwayFromEdge(anchor, screen.frame);
   const Point c = anchor.center();
   const Rect& free = screen.visibleFrame;
@@ -55,7 +55,7 @@ struct Panel {
   double thickness;
 };
 
-Panel panelOf(const host::Screen& screen) {
+Panel panelOf(const backend::Screen& screen) {
   const Rect& f = screen.frame;
   const Rect& v = screen.visibleFrame;
   const std::array<Panel, 4> panels = {{{Side::Below, v.y - f.y},
@@ -67,7 +67,7 @@ Panel panelOf(const host::Screen& screen) {
 }
 
 // A stand-in for an icon: the spot of the panel that is nearest to the pointer.
-Rect anchorOnPanel(const host::Screen& screen, Point pointer) {
+Rect anchorOnPanel(const backend::Screen& screen, Point pointer) {
   const Rect& v = screen.visibleFrame;
   switch (panelOf(screen).side) {
     case Side::Below:
@@ -128,7 +128,7 @@ Point tipLocation(const Rect& anchor, Side side) {
 
 }  // namespace
 
-const host::Screen& screenAt(Point location, const std::vector<host::Screen>& screens) {
+const backend::Screen& screenAt(Point location, const std::vector<backend::Screen>& screens) {
   const auto nearer = [&](const auto& a, const auto& b) {
     return distance(location, a.frame) < distance(location, b.frame);
   };
@@ -137,7 +137,7 @@ const host::Screen& screenAt(Point location, const std::vector<host::Screen>& sc
   return found != screens.end() ? *found : *std::min_element(screens.begin(), screens.end(), nearer);
 }
 
-Rect centeredOnMainScreen(Size size, const std::vector<host::Screen>& screens) {
+Rect centeredOnMainScreen(Size size, const std::vector<backend::Screen>& screens) {
   const auto isPrimary = [](const auto& screen) { return screen.isPrimary; };
   const auto found = std::find_if(screens.begin(), screens.end(), isPrimary);
   const Rect room = (found != screens.end() ? *found : screens.front()).visibleFrame;
@@ -145,13 +145,13 @@ Rect centeredOnMainScreen(Size size, const std::vector<host::Screen>& screens) {
   return movedInto({c.x - size.width / 2, c.y - size.height / 2, size.width, size.height}, room);
 }
 
-Rect movedOntoScreen(const Rect& frame, const std::vector<host::Screen>& screens) {
+Rect movedOntoScreen(const Rect& frame, const std::vector<backend::Screen>& screens) {
   return movedInto(frame, screenAt(frame.center(), screens).visibleFrame);
 }
 
 PopoverPlace placePopover(Size size, const std::optional<Rect>& given, Point pointer,
-                          const std::vector<host::Screen>& screens) {
-  const host::Screen& screen = screenAt(given ? given->center() : pointer, screens);
+                          const std::vector<backend::Screen>& screens) {
+  const backend::Screen& screen = screenAt(given ? given->center() : pointer, screens);
   const Rect anchor = given ? *given : anchorOnPanel(screen, pointer);
   const Side side = given ? sideOf(anchor, screen) : panelOf(screen).side;
   Rect room = screen.visibleFrame.inset(kScreenMargin, kScreenMargin);

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <map>
 
-#include "host/Host.h"
+#include "backend/Backend.h"
 
 namespace vistrel {
 
@@ -16,7 +16,7 @@ Known& knownDevices() {
   return value;
 }
 
-AVCaptureDeviceType typeOf(const host::CameraDevice& device) {
+AVCaptureDeviceType typeOf(const backend::CameraDevice& device) {
   return device.isBuiltIn ? AVCaptureDeviceType::BuiltInWideAngleCamera
                           : AVCaptureDeviceType::ExternalUnknown;
 }
@@ -28,11 +28,11 @@ std::string AVCaptureDevice::description() const {
 }
 
 void AVCaptureDevice::setCenterStageControlMode(AVCaptureCenterStageControlMode mode) {
-  host::current().cameras().setCenterStageControlMode(static_cast<int>(mode));
+  backend::current().cameras().setCenterStageControlMode(static_cast<int>(mode));
 }
 
 void AVCaptureDevice::setCenterStageEnabled(bool isEnabled) {
-  host::current().cameras().setCenterStageEnabled(isEnabled);
+  backend::current().cameras().setCenterStageEnabled(isEnabled);
 }
 
 AVCaptureDeviceDiscoverySession AVCaptureDeviceDiscoverySession::discoverySession(
@@ -43,7 +43,7 @@ AVCaptureDeviceDiscoverySession AVCaptureDeviceDiscoverySession::discoverySessio
   std::erase_if(known, [](const auto& entry) { return entry.second.expired(); });
   for (const auto& entry : known) entry.second.lock()->device_.isConnected = false;
   if (mediaType != AVMediaTypeVideo) return session;
-  for (const auto& present : host::current().cameras().devices()) {
+  for (const auto& present : backend::current().cameras().devices()) {
     if (std::find(deviceTypes.begin(), deviceTypes.end(), typeOf(present)) == deviceTypes.end()) continue;
     auto device = known[present.id].lock();
     if (!device) known[present.id] = device = std::make_shared<AVCaptureDevice>(present);

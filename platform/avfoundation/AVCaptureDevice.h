@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "host/Camera.h"
+#include "backend/Camera.h"
 
 namespace vistrel {
 
@@ -18,7 +18,7 @@ enum class AVCaptureCenterStageControlMode { User = 0, App = 1, Cooperative = 2 
 /// discovery, but for `isConnected`, which a discovery also updates on cameras that it no longer finds.
 class AVCaptureDevice {
  public:
-  explicit AVCaptureDevice(host::CameraDevice device) : device_(std::move(device)) {}
+  explicit AVCaptureDevice(backend::CameraDevice device) : device_(std::move(device)) {}
 
   [[nodiscard]] const std::string& uniqueID() const { return device_.id; }
   [[nodiscard]] const std::string& localizedName() const { return device_.localizedName; }
@@ -33,7 +33,7 @@ class AVCaptureDevice {
 
  private:
   friend class AVCaptureDeviceDiscoverySession;
-  host::CameraDevice device_;
+  backend::CameraDevice device_;
 };
 
 /// A look at the cameras of this moment.

@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "appkit/CATransaction.h"
+#include "backend/Backend.h"
 #include "foundation/NotificationCenter.h"
-#include "host/Host.h"
 
 namespace vistrel {
 
@@ -27,7 +27,7 @@ std::optional<PixelSize> sizeOf(const std::string& preset) {
 }  // namespace
 
 Result<std::unique_ptr<AVCaptureDeviceInput>> AVCaptureDeviceInput::create(const AVCaptureDevice& device) {
-  auto stream = host::current().cameras().open(device.uniqueID());
+  auto stream = backend::current().cameras().open(device.uniqueID());
   if (!stream) return stream.error();
   return std::make_unique<AVCaptureDeviceInput>(std::move(stream).value());
 }
@@ -52,8 +52,8 @@ void AVCaptureSession::startRunning() {
   input_->stream().begin(sizeOf(preset_), *this);
   CATransaction::flush();
   const auto outcome = input_->stream().awaitStart(kStartPatience);
-  if (outcome != host::StreamStart::Failed) armWatchdog(kLongestSilence, Look::First);
-  if (outcome == host::StreamStart::Running) didStart();
+  if (outcome != backend::StreamStart::Failed) armWatchdog(kLongestSilence, Look::First);
+  if (outcome == backend::StreamStart::Running) didStart();
 }
 
 void AVCaptureSession::didStart() {
@@ -90,7 +90,7 @@ void AVCaptureSession::streamDidFail(const Error& error) {
 }
 
 void AVCaptureSession::armWatchdog(std::chrono::milliseconds delay, Look look) {
-  watchdog_ = host::current().mainLoop().after(delay, [this, look] { lookForFrames(look); });
+  watchdog_ = backend::current().mainLoop().after(delay, [this, look] { lookForFrames(look); });
 }
 
 // The frames of a loop that stood still wait in it: before a camera counts as silent, they are let in.

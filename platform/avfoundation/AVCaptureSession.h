@@ -5,9 +5,9 @@
 #include <string>
 
 #include "avfoundation/AVCaptureDevice.h"
-#include "foundation/Result.h"
-#include "host/Camera.h"
-#include "host/MainLoop.h"
+#include "backend/Camera.h"
+#include "backend/MainLoop.h"
+#include "base/Result.h"
 
 namespace vistrel {
 
@@ -30,16 +30,16 @@ class AVCaptureDeviceInput {
   /// Opens the camera. The error's message tells whether it is gone, busy or denied.
   [[nodiscard]] static Result<std::unique_ptr<AVCaptureDeviceInput>> create(const AVCaptureDevice& device);
 
-  explicit AVCaptureDeviceInput(std::unique_ptr<host::CameraStream> stream) : stream_(std::move(stream)) {}
-  [[nodiscard]] host::CameraStream& stream() const { return *stream_; }
+  explicit AVCaptureDeviceInput(std::unique_ptr<backend::CameraStream> stream) : stream_(std::move(stream)) {}
+  [[nodiscard]] backend::CameraStream& stream() const { return *stream_; }
 
  private:
-  std::unique_ptr<host::CameraStream> stream_;
+  std::unique_ptr<backend::CameraStream> stream_;
 };
 
 /// Runs a camera at a preset and says what becomes of it: started, stopped, or ended by an error, three
 /// seconds without a frame included. Main thread only; notifications are posted on the default centre.
-class AVCaptureSession final : public host::CameraStreamClient,
+class AVCaptureSession final : public backend::CameraStreamClient,
                                public std::enable_shared_from_this<AVCaptureSession> {
  public:
   AVCaptureSession() = default;
@@ -59,9 +59,9 @@ class AVCaptureSession final : public host::CameraStreamClient,
   [[nodiscard]] bool isRunning() const { return isRunning_; }
 
   /// The opened camera; null without an input.
-  [[nodiscard]] host::CameraStream* stream() const { return input_ ? &input_->stream() : nullptr; }
+  [[nodiscard]] backend::CameraStream* stream() const { return input_ ? &input_->stream() : nullptr; }
 
-  // host::CameraStreamClient
+  // backend::CameraStreamClient
   void streamDidStart() override;
   void streamDidFail(const Error& error) override;
 
@@ -73,7 +73,7 @@ class AVCaptureSession final : public host::CameraStreamClient,
 
   std::unique_ptr<AVCaptureDeviceInput> input_;
   std::string preset_;
-  std::unique_ptr<host::Timer> watchdog_;
+  std::unique_ptr<backend::Timer> watchdog_;
   bool isRunning_ = false;
   bool hasStarted_ = false;
 };

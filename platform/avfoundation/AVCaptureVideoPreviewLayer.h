@@ -34,7 +34,7 @@ class AVCaptureVideoPreviewLayer final : public CALayer {
   [[nodiscard]] AVCaptureConnection* connection() const { return connection_.get(); }
   [[nodiscard]] AVCaptureSession& session() const { return *session_; }
   /// The camera whose picture is shown; null when the session has none. Lives as long as the layer.
-  [[nodiscard]] host::CameraStream* stream() const { return session_->stream(); }
+  [[nodiscard]] backend::CameraStream* stream() const { return session_->stream(); }
 
  private:
   std::shared_ptr<AVCaptureSession> session_;

@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "foundation/Guarded.h"
-#include "host/Host.h"
+#include "backend/Backend.h"
+#include "base/Guarded.h"
 
 namespace vistrel {
 
@@ -59,7 +59,7 @@ struct EventManager {
   EventTarget dispatcher;
   std::vector<std::unique_ptr<EventHotKey>> hotKeys;
   std::uint32_t lastToken = 0;
-  host::HotKeyHost* heard = nullptr;
+  backend::HotKeyHost* heard = nullptr;
 };
 
 EventManager& manager() {
@@ -67,18 +67,18 @@ EventManager& manager() {
   return value;
 }
 
-void hotKeyChanged(std::uint32_t token, host::HotKeyPhase phase) {
+void hotKeyChanged(std::uint32_t token, backend::HotKeyPhase phase) {
   const auto& hotKeys = manager().hotKeys;
   const auto found = std::find_if(hotKeys.begin(), hotKeys.end(),
                                   [&](const auto& hotKey) { return hotKey->token() == token; });
   if (found == hotKeys.end()) return;
-  const auto kind = phase == host::HotKeyPhase::Pressed ? kEventHotKeyPressed : kEventHotKeyReleased;
+  const auto kind = phase == backend::HotKeyPhase::Pressed ? kEventHotKeyPressed : kEventHotKeyReleased;
   const Event event{{kEventClassKeyboard, kind}, (*found)->id()};
   // Nothing may be thrown into the main loop, which is a library's.
   runGuarded("a hot key's action", [&] { manager().dispatcher.dispatch(event); });
 }
 
-void listen(host::HotKeyHost& host) {
+void listen(backend::HotKeyHost& host) {
   if (std::exchange(manager().heard, &host) != &host) host.setHandler(hotKeyChanged);
 }
 
@@ -100,7 +100,7 @@ OSStatus GetEventParameter(EventRef event, OSType name, OSType type, std::size_t
   return noErr;
 }
 
-EventTargetRef GetEventDispatcherTarget() { return host::isInstalled() ? &manager().dispatcher : nullptr; }
+EventTargetRef GetEventDispatcherTarget() { return backend::isInstalled() ? &manager().dispatcher : nullptr; }
 
 OSStatus InstallEventHandler(EventTargetRef target, EventHandlerProc handler, std::size_t typeCount,
                              const EventTypeSpec* types, void* userData, EventHandlerRef* result) {
@@ -113,7 +113,7 @@ OSStatus InstallEventHandler(EventTargetRef target, EventHandlerProc handler, st
 OSStatus RegisterEventHotKey(std::uint32_t keyCode, std::uint32_t modifiers, EventHotKeyID id,
                              EventTargetRef target, std::uint32_t /*options*/, EventHotKeyRef* result) {
   if (!target) return paramErr;
-  auto& host = host::current().hotKeys();
+  auto& host = backend::current().hotKeys();
   listen(host);
   const auto token = ++manager().lastToken;
   if (!host.grab(token, {keyCode, modifiers})) return eventHotKeyExistsErr;
@@ -126,7 +126,7 @@ OSStatus UnregisterEventHotKey(EventHotKeyRef hotKey) {
   const auto found = std::find_if(hotKeys.begin(), hotKeys.end(),
                                   [&](const auto& candidate) { return candidate.get() == hotKey; });
   if (found == hotKeys.end()) return eventHotKeyInvalidErr;
-  host::current().hotKeys().release(hotKey->token());
+  backend::current().hotKeys().release(hotKey->token());
   hotKeys.erase(found);
   return noErr;
 }

@@ -1,11 +1,11 @@
 #include "carbon/SymbolicHotKeys.h"
 
-#include "host/Host.h"
+#include "backend/Backend.h"
 
 namespace vistrel {
 
 OSStatus CopySymbolicHotKeys(std::optional<SymbolicHotKeys>* result) {
-  *result = host::current().keyboard().symbolicHotKeys();
+  *result = backend::current().keyboard().symbolicHotKeys();
   return noErr;
 }
 

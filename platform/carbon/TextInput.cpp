@@ -1,18 +1,18 @@
 #include "carbon/TextInput.h"
 
-#include "host/Host.h"
+#include "backend/Backend.h"
 
 namespace vistrel {
 
 std::optional<TISInputSource> TISCopyCurrentASCIICapableKeyboardLayoutInputSource() {
-  if (!host::isInstalled()) return std::nullopt;
+  if (!backend::isInstalled()) return std::nullopt;
   return TISInputSource();
 }
 
 OSStatus UCKeyTranslate(const UCKeyboardLayout& /*layout*/, std::uint16_t keyCode, std::uint16_t action,
                         std::string* text) {
   if (action != kUCKeyActionDisplay) return paramErr;
-  auto character = host::current().keyboard().displayCharacter(keyCode);
+  auto character = backend::current().keyboard().displayCharacter(keyCode);
   if (!character) return paramErr;
   *text = *std::move(character);
   return noErr;

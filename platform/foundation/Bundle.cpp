@@ -2,8 +2,9 @@
 
 #include <utility>
 
-#include "foundation/Json.h"
-#include "host/Host.h"
+#include "backend/Backend.h"
+#include "base/Json.h"
+#include "base/Program.h"
 
 namespace vistrel {
 
@@ -12,7 +13,7 @@ namespace {
 std::string parentFolder(const std::string& path) { return path.substr(0, path.find_last_of('/')); }
 
 std::optional<json::Value> readJson(const std::string& path) {
-  const auto bytes = host::current().resources().read(path);
+  const auto bytes = backend::current().resources().read(path);
   return bytes ? json::parse(*bytes) : std::nullopt;
 }
 
@@ -24,7 +25,7 @@ Bundle::Bundle(std::string bundlePath, std::string resourcePath)
 const Bundle& Bundle::main() {
   // Made anew when the backend changes, as it does between tests.
   static std::unique_ptr<Bundle> bundle;
-  const auto& resources = host::current().resources();
+  const auto& resources = backend::current().resources();
   Bundle fresh(parentFolder(resources.executablePath()), resources.resourceDirectory());
   if (!bundle || bundle->resourcePath_ != fresh.resourcePath_ || bundle->bundlePath_ != fresh.bundlePath_) {
     bundle = std::make_unique<Bundle>(std::move(fresh));
@@ -33,17 +34,17 @@ const Bundle& Bundle::main() {
 }
 
 std::optional<Bundle> Bundle::open(const std::string& path) {
-  if (!host::current().resources().isDirectory(path)) return std::nullopt;
+  if (!backend::current().resources().isDirectory(path)) return std::nullopt;
   return Bundle(path, path);
 }
 
 std::optional<std::string> Bundle::identifier() const {
-  if (resourcePath_ != host::current().resources().resourceDirectory()) return std::nullopt;
-  return kMainIdentifier;
+  if (resourcePath_ != backend::current().resources().resourceDirectory()) return std::nullopt;
+  return program::kIdentifier;
 }
 
 std::optional<std::string> Bundle::resource(const std::string& name) const {
-  return host::current().resources().read(resourcePath_ + "/" + name);
+  return backend::current().resources().read(resourcePath_ + "/" + name);
 }
 
 std::map<std::string, std::string> Bundle::infoDictionary() const {
@@ -64,7 +65,7 @@ std::optional<std::string> Bundle::lookUp(const std::string& language, const std
 }
 
 std::string Bundle::localizedString(const std::string& key) const {
-  const std::string wanted = host::current().resources().preferredLanguage();
+  const std::string wanted = backend::current().resources().preferredLanguage();
   for (const auto& language : {wanted, wanted.substr(0, wanted.find('_')), std::string("en")}) {
     if (language.empty()) continue;
     if (const auto text = lookUp(language, key)) return *text;

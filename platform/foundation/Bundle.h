@@ -10,8 +10,6 @@ namespace vistrel {
 /// A folder of resources, and for the main bundle the program itself.
 class Bundle {
  public:
-  static constexpr const char* kMainIdentifier = "org.vistrel.Vistrel";
-
   /// The bundle of the running program.
   static const Bundle& main();
   /// The bundle in a folder; none when there is no such folder.

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "host/Host.h"
+#include "backend/Backend.h"
 
 namespace vistrel {
 
@@ -10,7 +10,7 @@ namespace {
 thread_local std::string queueLabel = "com.apple.main-thread";
 }
 
-void MainQueue::async(std::function<void()> work) { host::current().mainLoop().post(std::move(work)); }
+void MainQueue::async(std::function<void()> work) { backend::current().mainLoop().post(std::move(work)); }
 
 std::string DispatchQueue::currentLabel() { return queueLabel; }
 

@@ -3,9 +3,9 @@
 #include <charconv>
 #include <utility>
 
-#include "foundation/Json.h"
-#include "foundation/Log.h"
-#include "host/Host.h"
+#include "backend/Backend.h"
+#include "base/Json.h"
+#include "base/Log.h"
 
 namespace vistrel {
 
@@ -33,7 +33,7 @@ json::Value toJson(const Value& value) {
 /// The members of a preferences file; none when it cannot be read as one. An empty file is an empty store.
 std::optional<json::Object> parseFile(const std::optional<std::string>& bytes) {
   if (!bytes || bytes->empty()) return json::Object{};
-  if (bytes->size() >= host::UserFiles::kTooLarge) return std::nullopt;
+  if (bytes->size() >= backend::UserFiles::kTooLarge) return std::nullopt;
   const auto value = json::parse(*bytes);
   if (!value || !value->object()) return std::nullopt;
   return *value->object();
@@ -75,14 +75,14 @@ void UserDefaults::warnOnce(const std::string& text) const {
 }
 
 void UserDefaults::setAside(const std::string& unreadable) const {
-  const auto path = host::current().userFiles().setPreferencesAside(unreadable);
+  const auto path = backend::current().userFiles().setPreferencesAside(unreadable);
   if (!path) return warnOnce("cannot be read or written: " + path.error().message);
   if (path.value()) warnOnce("file could not be read and was set aside as " + *path.value());
 }
 
 void UserDefaults::load() const {
   stored_.emplace();
-  const auto bytes = host::current().userFiles().readPreferences();
+  const auto bytes = backend::current().userFiles().readPreferences();
   if (!bytes) return warnOnce("cannot be read or written: " + bytes.error().message);
   const auto members = parseFile(bytes.value());
   if (!members) return setAside(*bytes.value());
@@ -93,7 +93,7 @@ void UserDefaults::load() const {
 
 std::optional<Value> UserDefaults::find(const std::string& key) const {
   if (key == kInterfaceStyleKey) {
-    return host::current().session().isDark() ? std::optional<Value>("Dark") : std::nullopt;
+    return backend::current().session().isDark() ? std::optional<Value>("Dark") : std::nullopt;
   }
   if (!stored_) load();
   if (const auto found = stored_->find(key); found != stored_->end()) return found->second;
@@ -139,7 +139,7 @@ void UserDefaults::setObject(Value value, const std::string& key) {
     unreadable = members ? std::nullopt : present;
     return members ? std::optional(withMember(*members, key, value)) : std::nullopt;
   };
-  auto& files = host::current().userFiles();
+  auto& files = backend::current().userFiles();
   auto written = files.editPreferences(edit);
   if (written && unreadable) {
     setAside(*unreadable);

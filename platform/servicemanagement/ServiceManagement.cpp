@@ -1,12 +1,12 @@
 #include "servicemanagement/ServiceManagement.h"
 
-#include "foundation/Log.h"
-#include "host/Host.h"
+#include "backend/Backend.h"
+#include "base/Log.h"
 
 namespace vistrel {
 
 std::optional<std::vector<JobDictionary>> SMCopyAllJobDictionaries(SMDomain /*domain*/) {
-  const auto items = host::current().loginItems().items();
+  const auto items = backend::current().loginItems().items();
   if (!items) return std::nullopt;
   std::vector<JobDictionary> jobs;
   for (const auto& item : items.value()) {
@@ -18,7 +18,7 @@ std::optional<std::vector<JobDictionary>> SMCopyAllJobDictionaries(SMDomain /*do
 }
 
 bool SMLoginItemSetEnabled(const std::string& identifier, bool isEnabled) {
-  const auto outcome = host::current().loginItems().setEnabled(identifier, isEnabled);
+  const auto outcome = backend::current().loginItems().setEnabled(identifier, isEnabled);
   if (!outcome) Log::warning("vistrel: the login item cannot be written: " + outcome.error().message);
   return static_cast<bool>(outcome);
 }

@@ -3,22 +3,22 @@
 #include <algorithm>
 #include <utility>
 
-#include "foundation/FatalError.h"
+#include "base/FatalError.h"
 
 namespace vistrel::simulated {
 
-std::vector<host::CameraDevice> SimulatedCameras::devices() {
-  std::vector<host::CameraDevice> result;
+std::vector<backend::CameraDevice> SimulatedCameras::devices() {
+  std::vector<backend::CameraDevice> result;
   for (const auto& camera : cameras_) result.push_back(camera->device);
   return result;
 }
 
-Result<std::unique_ptr<host::CameraStream>> SimulatedCameras::open(const std::string& id) {
+Result<std::unique_ptr<backend::CameraStream>> SimulatedCameras::open(const std::string& id) {
   const auto hasId = [&](const auto& camera) { return camera->device.id == id; };
   const auto found = std::find_if(cameras_.begin(), cameras_.end(), hasId);
   if (found == cameras_.end()) return Error{"the camera is gone"};
   if (!(*found)->openError.empty()) return Error{(*found)->openError};
-  return std::unique_ptr<host::CameraStream>(std::make_unique<SimulatedStream>(*this, *found));
+  return std::unique_ptr<backend::CameraStream>(std::make_unique<SimulatedStream>(*this, *found));
 }
 
 SimulatedCamera& SimulatedCameras::plug(const std::string& name) {
@@ -67,26 +67,26 @@ bool SimulatedStream::supports(PixelSize size) const {
   return std::find(camera_->sizes.begin(), camera_->sizes.end(), size) != camera_->sizes.end();
 }
 
-void SimulatedStream::begin(std::optional<PixelSize> size, host::CameraStreamClient& client) {
+void SimulatedStream::begin(std::optional<PixelSize> size, backend::CameraStreamClient& client) {
   client_ = &client;
   lastFrame_ = owner_.loop_.now();
   owner_.lastStart = size ? std::to_string(size->width) + "x" + std::to_string(size->height) : "own choice";
 }
 
-host::StreamStart SimulatedStream::awaitStart(std::chrono::milliseconds /*patience*/) {
+backend::StreamStart SimulatedStream::awaitStart(std::chrono::milliseconds /*patience*/) {
   switch (camera_->behavior) {
     case StartBehavior::Runs:
       hasPicture_ = true;
-      return host::StreamStart::Running;
+      return backend::StreamStart::Running;
     case StartBehavior::RefusesFormat:
       fail("the camera refused the format");
-      return host::StreamStart::Failed;
+      return backend::StreamStart::Failed;
     case StartBehavior::HangsForEver:
     case StartBehavior::StartsLater:
       if (owner_.whileWaiting) owner_.whileWaiting();
       break;
   }
-  return host::StreamStart::Pending;
+  return backend::StreamStart::Pending;
 }
 
 void SimulatedStream::stop() {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "host/Camera.h"
+#include "backend/Camera.h"
 #include "simulated/SimulatedMainLoop.h"
 
 namespace vistrel::simulated {
@@ -17,7 +17,7 @@ enum class StartBehavior { Runs, HangsForEver, StartsLater, RefusesFormat };
 
 /// A camera that obeys. `sizes` are those that it reaches at 24 frames a second or more.
 struct SimulatedCamera {
-  host::CameraDevice device;
+  backend::CameraDevice device;
   std::vector<PixelSize> sizes = {{1280, 720}};
   StartBehavior behavior = StartBehavior::Runs;
   std::string openError;
@@ -25,12 +25,12 @@ struct SimulatedCamera {
 };
 
 /// The cameras of the simulated desktop.
-class SimulatedCameras final : public host::CameraHost {
+class SimulatedCameras final : public backend::CameraHost {
  public:
   explicit SimulatedCameras(SimulatedMainLoop& loop) : loop_(loop) {}
 
-  std::vector<host::CameraDevice> devices() override;
-  Result<std::unique_ptr<host::CameraStream>> open(const std::string& id) override;
+  std::vector<backend::CameraDevice> devices() override;
+  Result<std::unique_ptr<backend::CameraStream>> open(const std::string& id) override;
   void setCenterStageControlMode(int mode) override {
     centerStageCalls.push_back("mode " + std::to_string(mode));
   }
@@ -57,14 +57,14 @@ class SimulatedCameras final : public host::CameraHost {
 };
 
 /// An opened simulated camera.
-class SimulatedStream final : public host::CameraStream {
+class SimulatedStream final : public backend::CameraStream {
  public:
   SimulatedStream(SimulatedCameras& owner, std::shared_ptr<SimulatedCamera> camera);
   ~SimulatedStream() override;
 
   [[nodiscard]] bool supports(PixelSize size) const override;
-  void begin(std::optional<PixelSize> size, host::CameraStreamClient& client) override;
-  host::StreamStart awaitStart(std::chrono::milliseconds patience) override;
+  void begin(std::optional<PixelSize> size, backend::CameraStreamClient& client) override;
+  backend::StreamStart awaitStart(std::chrono::milliseconds patience) override;
   void stop() override;
   [[nodiscard]] std::chrono::milliseconds silence() const override { return owner_.loop_.now() - lastFrame_; }
   void clearPicture() override { hasPicture_ = false; }
@@ -80,7 +80,7 @@ class SimulatedStream final : public host::CameraStream {
   SimulatedCameras& owner_;
   std::shared_ptr<SimulatedCamera> camera_;
   std::shared_ptr<SimulatedStream*> self_;
-  host::CameraStreamClient* client_ = nullptr;
+  backend::CameraStreamClient* client_ = nullptr;
   std::chrono::milliseconds lastFrame_{0};
   bool hasPicture_ = false;
 };

@@ -6,8 +6,8 @@
 #include "appkit/NSMenu.h"
 #include "appkit/NSStatusBar.h"
 #include "appkit/NSWindow.h"
-#include "foundation/FatalError.h"
-#include "foundation/Log.h"
+#include "base/FatalError.h"
+#include "base/Log.h"
 #include "foundation/UserDefaults.h"
 
 namespace vistrel::simulated {
@@ -23,7 +23,7 @@ void forgetEarlierProcess() {
 }  // namespace
 
 SimulatedDesktop::SimulatedDesktop(const std::string& resourceDirectory) : resourceFolder(resourceDirectory) {
-  host::install(this);
+  backend::install(this);
   forgetEarlierProcess();
   Log::setSink([this](std::string_view line) { log_.emplace_back(line); });
 }
@@ -32,7 +32,7 @@ SimulatedDesktop::~SimulatedDesktop() {
   forgetEarlierProcess();
   loop.dropQueued();
   Log::setSink(nullptr);
-  host::install(nullptr);
+  backend::install(nullptr);
 }
 
 void SimulatedDesktop::start() {
@@ -44,7 +44,7 @@ void SimulatedDesktop::start() {
 void SimulatedDesktop::clickIcon(std::uint64_t modifiers) {
   if (tray.frame) sessionHost.pointer = tray.frame->center();
   windowSystem.pressOutside(sessionHost.pointer);
-  tray.client().statusIconPressed(host::PointerButton::Left, modifiers);
+  tray.client().statusIconPressed(backend::PointerButton::Left, modifiers);
   loop.settle();
 }
 

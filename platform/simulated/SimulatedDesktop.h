@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "host/Host.h"
+#include "backend/Backend.h"
 #include "simulated/SimulatedCameras.h"
 #include "simulated/SimulatedMainLoop.h"
 #include "simulated/SimulatedSystem.h"
@@ -14,23 +14,23 @@ namespace vistrel::simulated {
 
 /// A desktop without a screen that a test drives in a few words and that tells what is on it. Installs itself
 /// as the backend of the process and collects its log lines. One at a time.
-class SimulatedDesktop final : public host::Host {
+class SimulatedDesktop final : public backend::Host {
  public:
   explicit SimulatedDesktop(const std::string& resourceDirectory);
   SimulatedDesktop(const SimulatedDesktop&) = delete;
   SimulatedDesktop& operator=(const SimulatedDesktop&) = delete;
   ~SimulatedDesktop() override;
 
-  host::MainLoop& mainLoop() override { return loop; }
-  host::UserFiles& userFiles() override { return files; }
-  host::Resources& resources() override { return resourceFolder; }
-  host::LoginItems& loginItems() override { return login; }
-  host::HotKeyHost& hotKeys() override { return hotKeyHost; }
-  host::KeyboardHost& keyboard() override { return keys; }
-  host::SessionHost& session() override { return sessionHost; }
-  host::StatusArea& statusArea() override { return tray; }
-  host::WindowSystem& windows() override { return windowSystem; }
-  host::CameraHost& cameras() override { return cameraHost; }
+  backend::MainLoop& mainLoop() override { return loop; }
+  backend::UserFiles& userFiles() override { return files; }
+  backend::Resources& resources() override { return resourceFolder; }
+  backend::LoginItems& loginItems() override { return login; }
+  backend::HotKeyHost& hotKeys() override { return hotKeyHost; }
+  backend::KeyboardHost& keyboard() override { return keys; }
+  backend::SessionHost& session() override { return sessionHost; }
+  backend::StatusArea& statusArea() override { return tray; }
+  backend::WindowSystem& windows() override { return windowSystem; }
+  backend::CameraHost& cameras() override { return cameraHost; }
 
   /// The application main loop delivers the launch.
   void start();

@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <utility>
 
-#include "foundation/FatalError.h"
+#include "base/FatalError.h"
 
 namespace vistrel::simulated {
 
-class SimulatedMainLoop::SimulatedTimer final : public host::Timer {
+class SimulatedMainLoop::SimulatedTimer final : public backend::Timer {
  public:
   SimulatedTimer(SimulatedMainLoop& loop, std::function<void()> work) : loop_(loop), work_(std::move(work)) {}
   SimulatedTimer(const SimulatedTimer&) = delete;
@@ -50,8 +50,8 @@ void SimulatedMainLoop::dropQueued() {
   while (!queue_.empty()) std::exchange(queue_, {}).clear();
 }
 
-std::unique_ptr<host::Timer> SimulatedMainLoop::after(std::chrono::milliseconds delay,
-                                                      std::function<void()> work) {
+std::unique_ptr<backend::Timer> SimulatedMainLoop::after(std::chrono::milliseconds delay,
+                                                         std::function<void()> work) {
   auto timer = std::make_unique<SimulatedTimer>(*this, std::move(work));
   timers_.emplace(now_ + delay, timer.get());
   return timer;

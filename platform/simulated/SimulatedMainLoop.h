@@ -3,17 +3,17 @@
 #include <deque>
 #include <map>
 
-#include "host/MainLoop.h"
+#include "backend/MainLoop.h"
 
 namespace vistrel::simulated {
 
 /// A main loop with a clock of its own: nothing happens until a test turns it.
-class SimulatedMainLoop final : public host::MainLoop {
+class SimulatedMainLoop final : public backend::MainLoop {
  public:
   int run() override;
   void quit() override { hasQuit_ = true; }
   void post(std::function<void()> work) override { queue_.push_back(std::move(work)); }
-  std::unique_ptr<host::Timer> after(std::chrono::milliseconds delay, std::function<void()> work) override;
+  std::unique_ptr<backend::Timer> after(std::chrono::milliseconds delay, std::function<void()> work) override;
   /// Turns the loop until the innermost modal ends. Stops the program with "nothing ends this modal" when
   /// nothing is left that could end it.
   void runModal() override;

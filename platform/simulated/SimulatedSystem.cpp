@@ -43,7 +43,7 @@ bool SimulatedResources::isDirectory(const std::string& path) const {
   return std::filesystem::is_directory(path);
 }
 
-Result<std::vector<host::LoginItem>> SimulatedLoginItems::items() {
+Result<std::vector<backend::LoginItem>> SimulatedLoginItems::items() {
   if (!readError.empty()) return Error{readError};
   return entries;
 }
@@ -56,19 +56,19 @@ Result<void> SimulatedLoginItems::setEnabled(const std::string& label, bool isEn
 }
 
 namespace {
-bool areSame(host::HotKeyCombination a, host::HotKeyCombination b) {
+bool areSame(backend::HotKeyCombination a, backend::HotKeyCombination b) {
   return a.keyCode == b.keyCode && a.modifiers == b.modifiers;
 }
 }  // namespace
 
-bool SimulatedHotKeys::grab(std::uint32_t token, host::HotKeyCombination combination) {
+bool SimulatedHotKeys::grab(std::uint32_t token, backend::HotKeyCombination combination) {
   const auto isIt = [&](const auto& other) { return areSame(other, combination); };
   if (std::any_of(taken.begin(), taken.end(), isIt)) return false;
   grabs[token] = combination;
   return true;
 }
 
-bool SimulatedHotKeys::send(host::HotKeyCombination combination, host::HotKeyPhase phase) {
+bool SimulatedHotKeys::send(backend::HotKeyCombination combination, backend::HotKeyPhase phase) {
   const auto snapshot = grabs;
   bool isHeard = false;
   for (const auto& [token, grabbed] : snapshot) {
@@ -79,9 +79,9 @@ bool SimulatedHotKeys::send(host::HotKeyCombination combination, host::HotKeyPha
   return isHeard;
 }
 
-bool SimulatedHotKeys::press(host::HotKeyCombination combination) {
-  const bool isHeard = send(combination, host::HotKeyPhase::Pressed);
-  return send(combination, host::HotKeyPhase::Released) || isHeard;
+bool SimulatedHotKeys::press(backend::HotKeyCombination combination) {
+  const bool isHeard = send(combination, backend::HotKeyPhase::Pressed);
+  return send(combination, backend::HotKeyPhase::Released) || isHeard;
 }
 
 SimulatedKeyboard::SimulatedKeyboard()
@@ -99,7 +99,7 @@ bool SimulatedSession::openUrl(const std::string& url) {
   return hasBrowser;
 }
 
-host::SessionClient& SimulatedSession::client() const {
+backend::SessionClient& SimulatedSession::client() const {
   if (!client_) fatalError("no application is running on the simulated desktop");
   return *client_;
 }

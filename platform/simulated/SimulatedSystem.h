@@ -4,13 +4,13 @@
 #include <string>
 #include <vector>
 
-#include "foundation/FatalError.h"
-#include "host/Host.h"
+#include "backend/Backend.h"
+#include "base/FatalError.h"
 
 namespace vistrel::simulated {
 
 /// The preferences file in memory, with a disk that can be told to fail.
-class SimulatedUserFiles final : public host::UserFiles {
+class SimulatedUserFiles final : public backend::UserFiles {
  public:
   Result<std::optional<std::string>> readPreferences() override;
   Result<void> editPreferences(const Edit& edit) override;
@@ -23,7 +23,7 @@ class SimulatedUserFiles final : public host::UserFiles {
 };
 
 /// Resources: files given by a test, else those of a real folder.
-class SimulatedResources final : public host::Resources {
+class SimulatedResources final : public backend::Resources {
  public:
   explicit SimulatedResources(std::string directory) : directory_(std::move(directory)) {}
   [[nodiscard]] std::string resourceDirectory() const override { return directory_; }
@@ -40,37 +40,37 @@ class SimulatedResources final : public host::Resources {
   std::string directory_;
 };
 
-class SimulatedLoginItems final : public host::LoginItems {
+class SimulatedLoginItems final : public backend::LoginItems {
  public:
-  Result<std::vector<host::LoginItem>> items() override;
+  Result<std::vector<backend::LoginItem>> items() override;
   Result<void> setEnabled(const std::string& label, bool isEnabled) override;
 
-  std::vector<host::LoginItem> entries;
+  std::vector<backend::LoginItem> entries;
   std::string readError;
   std::string writeError;
 };
 
-class SimulatedHotKeys final : public host::HotKeyHost {
+class SimulatedHotKeys final : public backend::HotKeyHost {
  public:
-  bool grab(std::uint32_t token, host::HotKeyCombination combination) override;
+  bool grab(std::uint32_t token, backend::HotKeyCombination combination) override;
   void release(std::uint32_t token) override { grabs.erase(token); }
-  void setHandler(std::function<void(std::uint32_t, host::HotKeyPhase)> handler) override {
+  void setHandler(std::function<void(std::uint32_t, backend::HotKeyPhase)> handler) override {
     handler_ = std::move(handler);
   }
 
   /// Presses and releases the keys of every grab of that combination; false when nobody holds it.
-  bool press(host::HotKeyCombination combination);
-  bool send(host::HotKeyCombination combination, host::HotKeyPhase phase);
+  bool press(backend::HotKeyCombination combination);
+  bool send(backend::HotKeyCombination combination, backend::HotKeyPhase phase);
 
-  std::map<std::uint32_t, host::HotKeyCombination> grabs;
+  std::map<std::uint32_t, backend::HotKeyCombination> grabs;
   /// Combinations that another program holds.
-  std::vector<host::HotKeyCombination> taken;
+  std::vector<backend::HotKeyCombination> taken;
 
  private:
-  std::function<void(std::uint32_t, host::HotKeyPhase)> handler_;
+  std::function<void(std::uint32_t, backend::HotKeyPhase)> handler_;
 };
 
-class SimulatedKeyboard final : public host::KeyboardHost {
+class SimulatedKeyboard final : public backend::KeyboardHost {
  public:
   SimulatedKeyboard();
   [[nodiscard]] std::optional<std::string> displayCharacter(std::uint16_t keyCode) override;
@@ -92,17 +92,17 @@ class SimulatedKeyboard final : public host::KeyboardHost {
   bool refusesCapture = false;
 };
 
-class SimulatedSession final : public host::SessionHost {
+class SimulatedSession final : public backend::SessionHost {
  public:
-  void setClient(host::SessionClient* client) override { client_ = client; }
-  [[nodiscard]] std::vector<host::Screen> screens() override { return screenList; }
+  void setClient(backend::SessionClient* client) override { client_ = client; }
+  [[nodiscard]] std::vector<backend::Screen> screens() override { return screenList; }
   [[nodiscard]] Point pointerLocation() override { return pointer; }
   [[nodiscard]] bool isDark() override { return dark; }
   [[nodiscard]] Version platformVersion() override { return version; }
   bool openUrl(const std::string& url) override;
-  [[nodiscard]] host::SessionClient& client() const;
+  [[nodiscard]] backend::SessionClient& client() const;
 
-  std::vector<host::Screen> screenList = {{"main", {0, 0, 1280, 800}, {0, 28, 1280, 772}, 1, true}};
+  std::vector<backend::Screen> screenList = {{"main", {0, 0, 1280, 800}, {0, 28, 1280, 772}, 1, true}};
   Point pointer{640, 400};
   bool dark = false;
   bool hasBrowser = true;
@@ -110,7 +110,7 @@ class SimulatedSession final : public host::SessionHost {
   std::vector<std::string> openedUrls;
 
  private:
-  host::SessionClient* client_ = nullptr;
+  backend::SessionClient* client_ = nullptr;
 };
 
 }  // namespace vistrel::simulated

@@ -4,15 +4,15 @@
 #include <string>
 #include <vector>
 
-#include "host/StatusArea.h"
+#include "backend/StatusArea.h"
 
 namespace vistrel::simulated {
 
 /// A tray whose host draws the menu itself, as a StatusNotifierItem host does, and which can be told not to
 /// report the close of a menu.
-class SimulatedTray final : public host::StatusArea {
+class SimulatedTray final : public backend::StatusArea {
  public:
-  void setClient(host::StatusAreaClient* client) override { client_ = client; }
+  void setClient(backend::StatusAreaClient* client) override { client_ = client; }
   void setIcon(const std::string& imagePath) override { icons.push_back(imagePath); }
   void hideIcon() override { icons.emplace_back(); }
   void setHighlighted(bool highlighted) override { isHighlighted = highlighted; }
@@ -21,7 +21,7 @@ class SimulatedTray final : public host::StatusArea {
   void dismissMenu() override { poppedUp.reset(); }
   [[nodiscard]] std::optional<Rect> iconFrame() override { return frame; }
 
-  [[nodiscard]] host::StatusAreaClient& client() const { return *client_; }
+  [[nodiscard]] backend::StatusAreaClient& client() const { return *client_; }
   /// File name of the icon on screen without its ending; empty when there is none.
   [[nodiscard]] std::string shownIcon() const;
 
@@ -33,7 +33,7 @@ class SimulatedTray final : public host::StatusArea {
   std::optional<Rect> frame = Rect{1200, 2, 24, 24};
 
  private:
-  host::StatusAreaClient* client_ = nullptr;
+  backend::StatusAreaClient* client_ = nullptr;
 };
 
 }  // namespace vistrel::simulated

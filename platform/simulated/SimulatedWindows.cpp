@@ -1,11 +1,11 @@
 #include "simulated/SimulatedWindows.h"
 
 #include "appkit/NSWindow.h"
-#include "foundation/FatalError.h"
+#include "base/FatalError.h"
 
 namespace vistrel::simulated {
 
-SimulatedWindow::SimulatedWindow(SimulatedWindows& owner, NSWindow& window, host::WindowClient& client)
+SimulatedWindow::SimulatedWindow(SimulatedWindows& owner, NSWindow& window, backend::WindowClient& client)
     : owner_(owner), window_(window), client_(client) {
   owner_.windows_.push_back(this);
 }
@@ -17,8 +17,8 @@ void SimulatedWindow::show() {
   if (owner_.whenShown) owner_.whenShown();
 }
 
-std::unique_ptr<host::NativeWindow> SimulatedWindows::makeWindow(NSWindow& window,
-                                                                 host::WindowClient& client) {
+std::unique_ptr<backend::NativeWindow> SimulatedWindows::makeWindow(NSWindow& window,
+                                                                    backend::WindowClient& client) {
   return std::make_unique<SimulatedWindow>(*this, window, client);
 }
 

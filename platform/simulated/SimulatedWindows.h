@@ -5,16 +5,16 @@
 #include <string>
 #include <vector>
 
-#include "host/Windows.h"
+#include "backend/Windows.h"
 
 namespace vistrel::simulated {
 
 class SimulatedWindows;
 
 /// A window that is on screen when it says so, with the commands that it was given.
-class SimulatedWindow final : public host::NativeWindow {
+class SimulatedWindow final : public backend::NativeWindow {
  public:
-  SimulatedWindow(SimulatedWindows& owner, NSWindow& window, host::WindowClient& client);
+  SimulatedWindow(SimulatedWindows& owner, NSWindow& window, backend::WindowClient& client);
   ~SimulatedWindow() override;
 
   void contentDidChange() override {}
@@ -28,7 +28,7 @@ class SimulatedWindow final : public host::NativeWindow {
 
   [[nodiscard]] bool isOnScreen() const { return isOnScreen_; }
   [[nodiscard]] NSWindow& window() const { return window_; }
-  [[nodiscard]] host::WindowClient& client() const { return client_; }
+  [[nodiscard]] backend::WindowClient& client() const { return client_; }
   [[nodiscard]] NSView* focused() const { return focused_; }
   /// The button whose menu is open; null when none is.
   [[nodiscard]] NSPopUpButton* openMenu() const { return openMenu_; }
@@ -38,7 +38,7 @@ class SimulatedWindow final : public host::NativeWindow {
  private:
   SimulatedWindows& owner_;
   NSWindow& window_;
-  host::WindowClient& client_;
+  backend::WindowClient& client_;
   NSView* focused_ = nullptr;
   NSPopUpButton* openMenu_ = nullptr;
   int activations_ = 0;
@@ -46,11 +46,11 @@ class SimulatedWindow final : public host::NativeWindow {
 };
 
 /// The windows of the simulated desktop.
-class SimulatedWindows final : public host::WindowSystem {
+class SimulatedWindows final : public backend::WindowSystem {
  public:
-  std::unique_ptr<host::NativeWindow> makeWindow(NSWindow& window, host::WindowClient& client) override;
+  std::unique_ptr<backend::NativeWindow> makeWindow(NSWindow& window, backend::WindowClient& client) override;
   void flush() override {}
-  void setOutsidePressClient(host::OutsidePressClient* client) override { outsideClient_ = client; }
+  void setOutsidePressClient(backend::OutsidePressClient* client) override { outsideClient_ = client; }
   void showAlert(const std::shared_ptr<NSAlert>& alert, NSWindow* parent) override;
 
   /// The windows on screen, the newest last.
@@ -68,7 +68,7 @@ class SimulatedWindows final : public host::WindowSystem {
  private:
   friend class SimulatedWindow;
   std::vector<SimulatedWindow*> windows_;
-  host::OutsidePressClient* outsideClient_ = nullptr;
+  backend::OutsidePressClient* outsideClient_ = nullptr;
 };
 
 }  // namespace vistrel::simulated

@@ -5,7 +5,7 @@
 #include <system_error>
 #include <vector>
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 namespace {
 
 namespace fs = std::filesystem;
@@ -116,4 +116,4 @@ bool isPathBefore(std::string_view a, std::string_view b) {
   return a.empty() && !b.empty();
 }
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 
 enum class Attachment { BuiltIn, External };
 
@@ -30,4 +30,4 @@ enum class Attachment { BuiltIn, External };
 /// Orders paths as people do: "/dev/video2" before "/dev/video10".
 [[nodiscard]] bool isPathBefore(std::string_view a, std::string_view b);
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

@@ -9,7 +9,7 @@
 #include "linux/camera/PipeWireProvider.h"
 #include "linux/camera/V4l2Provider.h"
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 namespace {
 
 // A daemon's socket appears a moment before anybody listens on it.
@@ -39,7 +39,7 @@ bool isListedBefore(const CameraEntry& a, const CameraEntry& b) {
   return isPathBefore(a.device.id, b.device.id);
 }
 
-CameraCenter::CameraCenter(Reactor& reactor)
+CameraCenter::CameraCenter(desktop::Reactor& reactor)
     : reactor_(reactor), graph_(std::make_shared<PipeWireGraph>(reactor)) {
   graph_->setLostHandler([this] { connect(kAttempts); });
   connect(kAttempts);
@@ -47,19 +47,19 @@ CameraCenter::CameraCenter(Reactor& reactor)
 
 CameraCenter::~CameraCenter() { graph_->setLostHandler(nullptr); }
 
-std::vector<host::CameraDevice> CameraCenter::devices() {
+std::vector<backend::CameraDevice> CameraCenter::devices() {
   auto entries = provider_->cameras();
   std::sort(entries.begin(), entries.end(), isListedBefore);
-  std::vector<host::CameraDevice> devices;
+  std::vector<backend::CameraDevice> devices;
   devices.reserve(entries.size());
   for (auto& entry : entries) devices.push_back(std::move(entry.device));
   return devices;
 }
 
-Result<std::unique_ptr<host::CameraStream>> CameraCenter::open(const std::string& id) {
+Result<std::unique_ptr<backend::CameraStream>> CameraCenter::open(const std::string& id) {
   auto device = provider_->open(id);
   if (!device) return device.error();
-  return std::unique_ptr<host::CameraStream>(
+  return std::unique_ptr<backend::CameraStream>(
       std::make_unique<CaptureStream>(reactor_, std::move(device).value()));
 }
 
@@ -92,4 +92,4 @@ void CameraCenter::watchForDaemon() {
                                              });
 }
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

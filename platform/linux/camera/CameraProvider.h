@@ -4,15 +4,15 @@
 #include <string>
 #include <vector>
 
-#include "foundation/Result.h"
-#include "host/Camera.h"
+#include "backend/Camera.h"
+#include "base/Result.h"
 #include "linux/camera/CaptureDevice.h"
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 
 /// A usable camera as one provider lists it.
 struct CameraEntry {
-  host::CameraDevice device;
+  backend::CameraDevice device;
   /// Where it is attached, by which the list is ordered.
   std::string path;
 };
@@ -28,4 +28,4 @@ class CameraProvider {
   virtual Result<std::unique_ptr<CaptureDevice>> open(const std::string& id) = 0;
 };
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

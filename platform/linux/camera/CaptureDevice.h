@@ -7,12 +7,12 @@
 #include <string>
 #include <variant>
 
-#include "foundation/Result.h"
-#include "host/Camera.h"
+#include "backend/Camera.h"
+#include "base/Result.h"
 #include "linux/camera/Picture.h"
 #include "linux/camera/VideoMode.h"
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 
 /// Told about a running device, on the main thread, from the main loop.
 class CaptureClient {
@@ -35,13 +35,13 @@ class CaptureDevice {
   virtual ~CaptureDevice() = default;
 
   [[nodiscard]] virtual const std::vector<VideoMode>& modes() const = 0;
-  /// See host::CameraStream. `client` must outlive the run.
+  /// See backend::CameraStream. `client` must outlive the run.
   virtual void begin(const ModeChoice& mode, CaptureClient& client) = 0;
-  virtual host::StreamStart awaitStart(std::chrono::milliseconds patience) = 0;
+  virtual backend::StreamStart awaitStart(std::chrono::milliseconds patience) = 0;
   /// Gives every buffer back and ends the stream; nothing is called afterwards.
   virtual void stop() = 0;
   /// The newest frame, in place, valid until control returns to the main loop. None when there is none.
   [[nodiscard]] virtual std::optional<Frame> frame() const = 0;
 };
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 namespace {
 
 // A dark room must not be mistaken for a camera that warms up for longer than this.
@@ -12,7 +12,7 @@ constexpr PixelSize kGlassUntilTold{426, 240};
 
 }  // namespace
 
-CaptureStream::CaptureStream(Reactor& reactor, std::unique_ptr<CaptureDevice> device)
+CaptureStream::CaptureStream(desktop::Reactor& reactor, std::unique_ptr<CaptureDevice> device)
     : reactor_(reactor),
       device_(std::move(device)),
       self_(std::make_shared<CaptureStream*>(this)),
@@ -25,7 +25,7 @@ CaptureStream::~CaptureStream() {
 
 bool CaptureStream::supports(PixelSize size) const { return supportsSize(device_->modes(), size); }
 
-void CaptureStream::begin(std::optional<PixelSize> size, host::CameraStreamClient& client) {
+void CaptureStream::begin(std::optional<PixelSize> size, backend::CameraStreamClient& client) {
   stop();
   client_ = &client;
   lastFrame_ = std::chrono::steady_clock::now();
@@ -37,8 +37,8 @@ void CaptureStream::begin(std::optional<PixelSize> size, host::CameraStreamClien
   device_->begin(*mode_, *this);
 }
 
-host::StreamStart CaptureStream::awaitStart(std::chrono::milliseconds patience) {
-  return mode_ ? device_->awaitStart(patience) : host::StreamStart::Failed;
+backend::StreamStart CaptureStream::awaitStart(std::chrono::milliseconds patience) {
+  return mode_ ? device_->awaitStart(patience) : backend::StreamStart::Failed;
 }
 
 // The decoder gives up while the device stops, so that their times do not add up.
@@ -162,4 +162,4 @@ void CaptureStream::reset() {
   hasUnpaintedPicture_ = false;
 }
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

@@ -3,26 +3,26 @@
 #include <chrono>
 #include <memory>
 
-#include "host/Camera.h"
+#include "backend/Camera.h"
+#include "linux/Reactor.h"
 #include "linux/camera/CaptureDevice.h"
 #include "linux/camera/DecodeThread.h"
 #include "linux/camera/GlassSource.h"
 #include "linux/camera/PictureConverter.h"
-#include "linux/camera/Reactor.h"
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 
 /// What `CameraCenter` opens: the stream for the session and, as a `GlassSource`, the picture for the window.
 /// Keeps the newest frame only and does nothing to it before a paint asks, but for JPEG, which is decoded
 /// ahead on a thread as soon as the picture before it has been painted.
-class CaptureStream final : public host::CameraStream, public GlassSource, private CaptureClient {
+class CaptureStream final : public backend::CameraStream, public GlassSource, private CaptureClient {
  public:
-  CaptureStream(Reactor& reactor, std::unique_ptr<CaptureDevice> device);
+  CaptureStream(desktop::Reactor& reactor, std::unique_ptr<CaptureDevice> device);
   ~CaptureStream() override;
 
   [[nodiscard]] bool supports(PixelSize size) const override;
-  void begin(std::optional<PixelSize> size, host::CameraStreamClient& client) override;
-  host::StreamStart awaitStart(std::chrono::milliseconds patience) override;
+  void begin(std::optional<PixelSize> size, backend::CameraStreamClient& client) override;
+  backend::StreamStart awaitStart(std::chrono::milliseconds patience) override;
   void stop() override;
   [[nodiscard]] std::chrono::milliseconds silence() const override;
   void clearPicture() override;
@@ -49,9 +49,9 @@ class CaptureStream final : public host::CameraStream, public GlassSource, priva
   void failLater(Error error);
   void reset();
 
-  Reactor& reactor_;
+  desktop::Reactor& reactor_;
   std::unique_ptr<CaptureDevice> device_;
-  host::CameraStreamClient* client_ = nullptr;
+  backend::CameraStreamClient* client_ = nullptr;
   std::optional<ModeChoice> mode_;
   std::shared_ptr<CaptureStream*> self_;
 
@@ -68,4 +68,4 @@ class CaptureStream final : public host::CameraStream, public GlassSource, priva
   bool hasUnpaintedPicture_ = false;
 };
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

@@ -1,6 +1,6 @@
 #include "linux/camera/Colour.h"
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 
 YuvColour decideColour(PixelFormat format, SourceColour source) {
   if (format == PixelFormat::Mjpeg) return YuvColour::Bt601Full;
@@ -9,4 +9,4 @@ YuvColour decideColour(PixelFormat format, SourceColour source) {
   return isFull ? YuvColour::Bt601Full : YuvColour::Bt601Limited;
 }
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

@@ -2,7 +2,7 @@
 
 #include "linux/camera/PixelFormat.h"
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 
 /// How luma and chroma are to be read.
 enum class YuvColour { Bt601Limited, Bt601Full, Bt709Limited, Bt709Full };
@@ -21,4 +21,4 @@ struct SourceColour {
 /// the source says otherwise.
 [[nodiscard]] YuvColour decideColour(PixelFormat format, SourceColour source);
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

@@ -9,9 +9,9 @@
 #include <utility>
 #include <vector>
 
-#include "linux/camera/FileDescriptor.h"
+#include "linux/FileDescriptor.h"
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 namespace {
 
 constexpr std::chrono::milliseconds kEndingPatience{10};
@@ -25,7 +25,7 @@ struct DecodeThread::Shared {
   void run();
   void work(JpegDecoder& decoder);
 
-  FileDescriptor wakeUp{::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
+  desktop::FileDescriptor wakeUp{::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
   std::atomic<bool> shallEnd = false;
 
   // Written by the side whose turn it is: main while the slot is empty, the thread while a frame waits.
@@ -62,7 +62,7 @@ void DecodeThread::Shared::work(JpegDecoder& decoder) {
   }
 }
 
-DecodeThread::DecodeThread(Reactor& reactor, std::function<void(Outcome)> handler)
+DecodeThread::DecodeThread(desktop::Reactor& reactor, std::function<void(Outcome)> handler)
     : handler_(std::move(handler)), shared_(std::make_shared<Shared>()) {
   registration_ = reactor.watch(shared_->wakeUp.get(), [this] { takeOutcome(); });
   thread_ = std::thread([shared = shared_] { shared->run(); });
@@ -113,4 +113,4 @@ void DecodeThread::takeOutcome() {
   handler_(outcome);
 }
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

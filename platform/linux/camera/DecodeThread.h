@@ -6,10 +6,10 @@
 #include <span>
 #include <thread>
 
+#include "linux/Reactor.h"
 #include "linux/camera/JpegDecoder.h"
-#include "linux/camera/Reactor.h"
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 
 /// A thread that decodes one JPEG at a time. All methods belong to the main thread. Destroying it calls the
 /// frame in flight off and waits 10 ms at most: a thread that is late owns all that it still touches.
@@ -18,7 +18,7 @@ class DecodeThread {
   enum class Outcome { Decoded, Damaged };
 
   /// `handler` is called from the main loop when a frame is done.
-  DecodeThread(Reactor& reactor, std::function<void(Outcome)> handler);
+  DecodeThread(desktop::Reactor& reactor, std::function<void(Outcome)> handler);
   ~DecodeThread();
   DecodeThread(const DecodeThread&) = delete;
   DecodeThread& operator=(const DecodeThread&) = delete;
@@ -39,10 +39,10 @@ class DecodeThread {
 
   std::function<void(Outcome)> handler_;
   std::shared_ptr<Shared> shared_;
-  std::unique_ptr<Registration> registration_;
+  std::unique_ptr<desktop::Registration> registration_;
   bool isIdle_ = true;
   OwnedPicture front_;
   std::thread thread_;
 };
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

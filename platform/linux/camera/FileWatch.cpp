@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 namespace {
 
 constexpr std::uint32_t kChanges = IN_CREATE | IN_DELETE | IN_MOVED_TO | IN_MOVED_FROM | IN_ATTRIB;
@@ -17,7 +17,7 @@ FileWatch::Change changeOf(std::uint32_t mask) {
 
 }  // namespace
 
-FileWatch::FileWatch(Reactor& reactor, const std::string& folder, Handler handler)
+FileWatch::FileWatch(desktop::Reactor& reactor, const std::string& folder, Handler handler)
     : handler_(std::move(handler)), inotify_(::inotify_init1(IN_CLOEXEC | IN_NONBLOCK)) {
   if (!inotify_ || ::inotify_add_watch(inotify_.get(), folder.c_str(), kChanges) < 0) return;
   registration_ = reactor.watch(inotify_.get(), [this] { drain(); });
@@ -38,4 +38,4 @@ void FileWatch::drain() {
   for (const auto& [name, change] : changes) handler(name, change);
 }
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

@@ -4,10 +4,10 @@
 #include <memory>
 #include <string>
 
-#include "linux/camera/FileDescriptor.h"
-#include "linux/camera/Reactor.h"
+#include "linux/FileDescriptor.h"
+#include "linux/Reactor.h"
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 
 /// Watches a folder for files that appear, disappear or change their permissions.
 class FileWatch {
@@ -17,15 +17,15 @@ class FileWatch {
 
   /// `handler` is called from the main loop with the name of the file. A folder that cannot be watched is
   /// silent.
-  FileWatch(Reactor& reactor, const std::string& folder, Handler handler);
+  FileWatch(desktop::Reactor& reactor, const std::string& folder, Handler handler);
 
   /// Takes in what has happened already, without waiting for the main loop.
   void drain();
 
  private:
   Handler handler_;
-  FileDescriptor inotify_;
-  std::unique_ptr<Registration> registration_;
+  desktop::FileDescriptor inotify_;
+  std::unique_ptr<desktop::Registration> registration_;
 };
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <utility>
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 namespace {
 
 // From this version on it starts and ends several threads by itself, as streams need them.
@@ -17,7 +17,7 @@ bool letsGoOfItsThread() {
 
 }  // namespace
 
-std::unique_ptr<FrameLoop> FrameLoop::takeOver(pw_context& context, Reactor& reactor,
+std::unique_ptr<FrameLoop> FrameLoop::takeOver(pw_context& context, desktop::Reactor& reactor,
                                                std::function<void()> afterTurn) {
   auto* frames = letsGoOfItsThread() ? pw_context_get_data_loop(&context) : nullptr;
   if (!frames || pw_data_loop_stop(frames) < 0) return nullptr;
@@ -25,7 +25,7 @@ std::unique_ptr<FrameLoop> FrameLoop::takeOver(pw_context& context, Reactor& rea
       new FrameLoop(pw_data_loop_get_loop(frames), reactor, std::move(afterTurn)));
 }
 
-FrameLoop::FrameLoop(pw_loop* loop, Reactor& reactor, std::function<void()> afterTurn)
+FrameLoop::FrameLoop(pw_loop* loop, desktop::Reactor& reactor, std::function<void()> afterTurn)
     : loop_(loop), afterTurn_(std::move(afterTurn)) {
   pw_loop_enter(loop_);
   registration_ = reactor.watch(pw_loop_get_fd(loop_), [this] { turn(); });
@@ -43,4 +43,4 @@ void FrameLoop::turn() {
   told();
 }
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

@@ -3,9 +3,9 @@
 #include <cstdint>
 #include <functional>
 
-#include "foundation/Geometry.h"
+#include "base/Geometry.h"
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 
 /// Where a picture is painted: 32-bit pixels, B, G, R, X in memory, in physical pixels.
 struct GlassTarget {
@@ -35,4 +35,4 @@ class GlassSource {
   virtual bool paint(const GlassTarget& target) = 0;
 };
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

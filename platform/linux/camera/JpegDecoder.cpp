@@ -11,7 +11,7 @@
 // libjpeg reports a fatal error by a jump out of its own frames. Between `setjmp` in `decode` and the library
 // there are only functions of this file, and none of them holds an object with a destructor.
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 
 struct JpegDecoder::State {
   jpeg_decompress_struct codec{};
@@ -183,4 +183,4 @@ bool JpegDecoder::decode(std::span<const std::uint8_t> jpeg, PixelSize glass, Ow
   return isWhole;
 }
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

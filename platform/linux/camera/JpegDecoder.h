@@ -5,11 +5,11 @@
 #include <memory>
 #include <span>
 
-#include "foundation/Geometry.h"
+#include "base/Geometry.h"
 #include "linux/camera/Picture.h"
 #include "linux/camera/Scratch.h"
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 
 /// A picture that owns its memory, which is kept for the next one.
 struct OwnedPicture {
@@ -38,4 +38,4 @@ class JpegDecoder {
   std::unique_ptr<State> state_;
 };
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 namespace {
 
 constexpr int kLargestSide = 16384;
@@ -160,4 +160,4 @@ bool isBlank(const Picture& picture) {
   return true;
 }
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

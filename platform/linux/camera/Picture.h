@@ -6,11 +6,11 @@
 #include <optional>
 #include <span>
 
-#include "foundation/Geometry.h"
+#include "base/Geometry.h"
 #include "linux/camera/Colour.h"
 #include "linux/camera/PixelFormat.h"
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 
 /// Rows of samples in memory that somebody else owns.
 struct Plane {
@@ -43,4 +43,4 @@ struct PlaneMemory {
 /// at a few samples only.
 [[nodiscard]] bool isBlank(const Picture& picture);
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 namespace {
 
 // Between the rows that are split into one block, so that each starts on a cache line.
@@ -158,4 +158,4 @@ void PictureConverter::paintRow(const Picture& picture, const Rows& rows, std::u
   }
 }
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

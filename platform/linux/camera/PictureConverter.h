@@ -8,7 +8,7 @@
 #include "linux/camera/RowSampler.h"
 #include "linux/camera/Scratch.h"
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 
 /// Scales, converts and mirrors a picture into a glass. Works row by row, so that all that lies between the
 /// frame and the glass stays in the first cache; keeps its working memory from one picture to the next.
@@ -43,4 +43,4 @@ class PictureConverter {
   Scratch split_;
 };
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

@@ -9,7 +9,7 @@
 
 #include "linux/camera/Problem.h"
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 namespace {
 
 constexpr int kMostPlanes = 3;
@@ -79,14 +79,14 @@ void PipeWireDevice::waitForStream(std::chrono::milliseconds patience) {
 }
 
 // A daemon that hangs was waited for before.
-host::StreamStart PipeWireDevice::awaitStart(std::chrono::milliseconds patience) {
+backend::StreamStart PipeWireDevice::awaitStart(std::chrono::milliseconds patience) {
   const std::chrono::milliseconds none{0};
   const auto left = std::max(none, patience - std::exchange(waited_, none));
   if (!failure_) waitForStream(graph_->hangs() ? none : left);
-  if (failure_) return host::StreamStart::Failed;
+  if (failure_) return backend::StreamStart::Failed;
   const bool isRunning = state_ == PW_STREAM_STATE_STREAMING;
   isStartUntold_ = !isRunning;
-  return isRunning ? host::StreamStart::Running : host::StreamStart::Pending;
+  return isRunning ? backend::StreamStart::Running : backend::StreamStart::Pending;
 }
 
 void PipeWireDevice::stop() {
@@ -240,4 +240,4 @@ void PipeWireDevice::deliver() {
   if (std::exchange(isFrameUntold_, false)) client_->frameArrived();
 }
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

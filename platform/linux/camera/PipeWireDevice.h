@@ -10,7 +10,7 @@
 #include "linux/camera/PipeWireFormats.h"
 #include "linux/camera/PipeWireGraph.h"
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 
 struct StreamDeleter {
   void operator()(pw_stream* stream) const { pw_stream_destroy(stream); }
@@ -26,7 +26,7 @@ class PipeWireDevice final : public CaptureDevice, private PipeWireClient {
 
   [[nodiscard]] const std::vector<VideoMode>& modes() const override { return modes_; }
   void begin(const ModeChoice& mode, CaptureClient& client) override;
-  host::StreamStart awaitStart(std::chrono::milliseconds patience) override;
+  backend::StreamStart awaitStart(std::chrono::milliseconds patience) override;
   void stop() override;
   [[nodiscard]] std::optional<Frame> frame() const override { return frame_; }
 
@@ -70,4 +70,4 @@ class PipeWireDevice final : public CaptureDevice, private PipeWireClient {
   std::optional<Error> failure_;
 };
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

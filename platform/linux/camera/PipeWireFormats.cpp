@@ -10,7 +10,7 @@
 
 #include <optional>
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 namespace {
 
 // One frame is on the glass, one arrives and the camera fills others.
@@ -214,4 +214,4 @@ const spa_pod* headerOffer(spa_pod_builder& builder) {
   return static_cast<const spa_pod*>(spa_pod_builder_pop(&builder, &object));
 }
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

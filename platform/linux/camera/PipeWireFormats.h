@@ -8,7 +8,7 @@
 #include "linux/camera/Colour.h"
 #include "linux/camera/VideoMode.h"
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 
 /// Adds the modes that an offered format stands for; formats that cannot be shown add none.
 void appendModes(const spa_pod* offer, std::vector<VideoMode>& modes);
@@ -29,4 +29,4 @@ struct AgreedFormat {
 /// Asks for the header that marks damaged frames.
 [[nodiscard]] const spa_pod* headerOffer(spa_pod_builder& builder);
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

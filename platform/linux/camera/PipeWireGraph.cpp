@@ -6,7 +6,7 @@
 #include <string_view>
 #include <utility>
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 namespace {
 
 constexpr std::chrono::milliseconds kPatience{250};
@@ -20,7 +20,7 @@ bool isCamera(const char* type, const spa_dict* properties) {
 
 }  // namespace
 
-PipeWireGraph::PipeWireGraph(Reactor& reactor) : loop_(reactor) { loop_.add(*this); }
+PipeWireGraph::PipeWireGraph(desktop::Reactor& reactor) : loop_(reactor) { loop_.add(*this); }
 
 PipeWireGraph::~PipeWireGraph() {
   disconnect();
@@ -149,4 +149,4 @@ void PipeWireGraph::deliver() {
   if (lostHandler_) lostHandler_();
 }
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

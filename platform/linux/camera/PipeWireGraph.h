@@ -11,7 +11,7 @@
 #include "linux/camera/PipeWireLoop.h"
 #include "linux/camera/PipeWireNode.h"
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 
 struct ContextDeleter {
   void operator()(pw_context* context) const { pw_context_destroy(context); }
@@ -23,7 +23,7 @@ struct CoreDeleter {
 /// The connection to PipeWire's daemon and the cameras on its graph.
 class PipeWireGraph : private PipeWireClient {
  public:
-  explicit PipeWireGraph(Reactor& reactor);
+  explicit PipeWireGraph(desktop::Reactor& reactor);
   ~PipeWireGraph() override;
   PipeWireGraph(const PipeWireGraph&) = delete;
   PipeWireGraph& operator=(const PipeWireGraph&) = delete;
@@ -79,4 +79,4 @@ class PipeWireGraph : private PipeWireClient {
   std::function<void()> lostHandler_;
 };
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cerrno>
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 
-PipeWireLoop::PipeWireLoop(Reactor& reactor)
+PipeWireLoop::PipeWireLoop(desktop::Reactor& reactor)
     : reactor_(reactor), self_(std::make_shared<PipeWireLoop*>(this)) {
   pw_init(nullptr, nullptr);
   loop_ = pw_loop_new(nullptr);
@@ -80,4 +80,4 @@ void PipeWireLoop::deliver() {
   forEach(&PipeWireClient::deliver);
 }
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

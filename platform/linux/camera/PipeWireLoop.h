@@ -7,10 +7,10 @@
 #include <memory>
 #include <vector>
 
+#include "linux/Reactor.h"
 #include "linux/camera/FrameLoop.h"
-#include "linux/camera/Reactor.h"
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 
 /// Something that lives on the loop. The library's callbacks only record; these are called outside of them.
 class PipeWireClient {
@@ -27,7 +27,7 @@ class PipeWireClient {
 /// PipeWire's loop as a part of the main loop.
 class PipeWireLoop {
  public:
-  explicit PipeWireLoop(Reactor& reactor);
+  explicit PipeWireLoop(desktop::Reactor& reactor);
   ~PipeWireLoop();
   PipeWireLoop(const PipeWireLoop&) = delete;
   PipeWireLoop& operator=(const PipeWireLoop&) = delete;
@@ -53,14 +53,14 @@ class PipeWireLoop {
   void deliver();
   void forEach(void (PipeWireClient::*method)());
 
-  Reactor& reactor_;
+  desktop::Reactor& reactor_;
   pw_loop* loop_ = nullptr;
   std::vector<PipeWireClient*> clients_;
   int walks_ = 0;
   std::shared_ptr<PipeWireLoop*> self_;
   bool isDeliveryPosted_ = false;
-  std::unique_ptr<Registration> registration_;
+  std::unique_ptr<desktop::Registration> registration_;
   std::unique_ptr<FrameLoop> frames_;
 };
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

@@ -4,7 +4,7 @@
 
 #include "linux/camera/PipeWireFormats.h"
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 namespace {
 
 constexpr std::uint32_t kAll = UINT32_MAX;
@@ -87,4 +87,4 @@ void PipeWireNode::onParam(void* data, int, std::uint32_t id, std::uint32_t, std
   appendModes(param, node.modes_);
 }
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

@@ -11,7 +11,7 @@
 
 #include "linux/camera/VideoMode.h"
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 
 struct ProxyDeleter {
   template <class T>
@@ -62,4 +62,4 @@ class PipeWireNode {
   std::string lastError_;
 };
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

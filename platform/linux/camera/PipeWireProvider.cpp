@@ -5,12 +5,12 @@
 #include <algorithm>
 #include <string_view>
 
-#include "foundation/Unicode.h"
+#include "base/Unicode.h"
 #include "linux/camera/Attachment.h"
 #include "linux/camera/PipeWireDevice.h"
 #include "linux/camera/Problem.h"
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 namespace {
 
 constexpr std::string_view kV4l2Prefix = "v4l2:";
@@ -96,4 +96,4 @@ Result<std::unique_ptr<CaptureDevice>> PipeWireProvider::open(const std::string&
   return errorOf(Problem::Gone);
 }
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

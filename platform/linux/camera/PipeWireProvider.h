@@ -5,7 +5,7 @@
 #include "linux/camera/CameraProvider.h"
 #include "linux/camera/PipeWireGraph.h"
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 
 /// The cameras on PipeWire's graph.
 class PipeWireProvider final : public CameraProvider {
@@ -19,4 +19,4 @@ class PipeWireProvider final : public CameraProvider {
   std::shared_ptr<PipeWireGraph> graph_;
 };
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

@@ -4,7 +4,7 @@
 #include <string_view>
 #include <system_error>
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 namespace {
 
 bool contains(std::string_view text, std::string_view part) {
@@ -51,4 +51,4 @@ Error errorOfMessage(const std::string& message) {
   return isGone ? errorOf(Problem::Gone) : reported(message);
 }
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "foundation/Result.h"
+#include "base/Result.h"
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 
 /// Why a camera cannot be had.
 enum class Problem { Gone, Busy, Denied, Silent };
@@ -15,4 +15,4 @@ enum class Problem { Gone, Busy, Denied, Silent };
 /// What a message of PipeWire's means for a camera; an empty one means that it is gone.
 [[nodiscard]] Error errorOfMessage(const std::string& message);
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

@@ -8,7 +8,7 @@
 #include <immintrin.h>
 #endif
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 namespace {
 
 constexpr int kWindow = 16;
@@ -134,4 +134,4 @@ void RowResampler::blendFast(const std::vector<Block>& blocks, const std::uint8_
 
 #endif
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

@@ -8,7 +8,7 @@
 #include "linux/camera/RowSampler.h"
 #include "linux/camera/Scratch.h"
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 
 enum class Direction { AsIs, Mirrored };
 
@@ -45,4 +45,4 @@ class RowResampler {
   Scratch out_;
 };
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 namespace {
 
 constexpr double kMild = 2;
@@ -56,4 +56,4 @@ const std::uint8_t* RowSampler::row(Plane plane, int rowBytes, const Axis& axis,
   return out;
 }
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

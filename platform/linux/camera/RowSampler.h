@@ -5,7 +5,7 @@
 #include "linux/camera/Picture.h"
 #include "linux/camera/Scratch.h"
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 
 /// One direction of a plane and of the glass. A subsampled plane has one sample for every `fromStep` pixels
 /// of the picture; the glass wants one for every `toStep` of its pixels.
@@ -37,4 +37,4 @@ class RowSampler {
   Scratch blend_;
 };
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 
 /// Working memory that grows to the largest need and is then kept, so that no frame allocates.
 class Scratch {
@@ -19,4 +19,4 @@ class Scratch {
   std::vector<std::uint8_t> memory_;
 };
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

@@ -5,7 +5,7 @@
 #include "linux/camera/Problem.h"
 #include "linux/camera/V4l2Formats.h"
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 namespace {
 
 constexpr std::chrono::milliseconds kOpeningPatience{250};
@@ -13,7 +13,7 @@ constexpr std::chrono::milliseconds kClosingPatience{90};
 
 }  // namespace
 
-Result<std::unique_ptr<CaptureDevice>> V4l2Device::open(Reactor& reactor, V4l2System& system,
+Result<std::unique_ptr<CaptureDevice>> V4l2Device::open(desktop::Reactor& reactor, V4l2System& system,
                                                         const std::string& path,
                                                         const std::vector<VideoMode>& knownModes) {
   const auto asked = system.now();
@@ -32,7 +32,8 @@ Result<std::unique_ptr<CaptureDevice>> V4l2Device::open(Reactor& reactor, V4l2Sy
   return std::unique_ptr<CaptureDevice>(std::move(device));
 }
 
-V4l2Device::V4l2Device(Reactor& reactor, V4l2System& system, std::string path, std::shared_ptr<V4l2Run> run)
+V4l2Device::V4l2Device(desktop::Reactor& reactor, V4l2System& system, std::string path,
+                       std::shared_ptr<V4l2Run> run)
     : reactor_(reactor), system_(system), path_(std::move(path)), run_(std::move(run)) {}
 
 V4l2Device::~V4l2Device() { close(closingDeadline()); }
@@ -53,18 +54,18 @@ void V4l2Device::begin(const ModeChoice& mode, CaptureClient& client) {
   });
 }
 
-host::StreamStart V4l2Device::awaitStart(std::chrono::milliseconds patience) {
-  if (failure_) return host::StreamStart::Failed;
+backend::StreamStart V4l2Device::awaitStart(std::chrono::milliseconds patience) {
+  if (failure_) return backend::StreamStart::Failed;
   const auto deadline = system_.now() + patience - std::exchange(waited_, {});
   const auto state = run_->await(deadline);
   isStartUntold_ = state == V4l2Run::State::Starting || state == V4l2Run::State::Opening;
-  if (isStartUntold_) return host::StreamStart::Pending;
+  if (isStartUntold_) return backend::StreamStart::Pending;
   if (state != V4l2Run::State::Running) {
     failLater(run_->error(), deadline);
-    return host::StreamStart::Failed;
+    return backend::StreamStart::Failed;
   }
   watchFrames();
-  return host::StreamStart::Running;
+  return backend::StreamStart::Running;
 }
 
 // Before a start the opened device stays so.
@@ -142,4 +143,4 @@ std::optional<Frame> V4l2Device::frame() const {
   return picture ? std::optional<Frame>(*picture) : std::nullopt;
 }
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

@@ -4,12 +4,12 @@
 #include <string>
 #include <vector>
 
+#include "linux/Reactor.h"
 #include "linux/camera/CaptureDevice.h"
-#include "linux/camera/Reactor.h"
 #include "linux/camera/V4l2Run.h"
 #include "linux/camera/V4l2System.h"
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 
 /// A camera opened directly. Frames stay in the driver's mapped buffers; only the newest is held.
 class V4l2Device final : public CaptureDevice {
@@ -17,21 +17,21 @@ class V4l2Device final : public CaptureDevice {
   /// Opens the camera at `path`; the error tells whether it is gone, busy or denied. One that does not answer
   /// within 250 ms goes on opening as part of its start, which waits so much the less, if its modes are
   /// known; else it has failed.
-  static Result<std::unique_ptr<CaptureDevice>> open(Reactor& reactor, V4l2System& system,
+  static Result<std::unique_ptr<CaptureDevice>> open(desktop::Reactor& reactor, V4l2System& system,
                                                      const std::string& path,
                                                      const std::vector<VideoMode>& knownModes);
   ~V4l2Device() override;
 
   [[nodiscard]] const std::vector<VideoMode>& modes() const override { return modes_; }
   void begin(const ModeChoice& mode, CaptureClient& client) override;
-  host::StreamStart awaitStart(std::chrono::milliseconds patience) override;
+  backend::StreamStart awaitStart(std::chrono::milliseconds patience) override;
   void stop() override;
   [[nodiscard]] std::optional<Frame> frame() const override;
 
  private:
   using Clock = V4l2System::Clock;
 
-  V4l2Device(Reactor& reactor, V4l2System& system, std::string path, std::shared_ptr<V4l2Run> run);
+  V4l2Device(desktop::Reactor& reactor, V4l2System& system, std::string path, std::shared_ptr<V4l2Run> run);
 
   [[nodiscard]] Clock::time_point closingDeadline() const;
   void failLater(Error error, Clock::time_point closingDeadline);
@@ -42,7 +42,7 @@ class V4l2Device final : public CaptureDevice {
   bool hold(const V4l2Run::Filled& filled);
   void close(Clock::time_point deadline);
 
-  Reactor& reactor_;
+  desktop::Reactor& reactor_;
   V4l2System& system_;
   std::string path_;
   std::vector<VideoMode> modes_;
@@ -50,7 +50,7 @@ class V4l2Device final : public CaptureDevice {
   std::optional<ModeChoice> mode_;
   std::shared_ptr<V4l2Run> run_;  // opened before it is begun
   Clock::duration waited_{};      // for the opening, so that the start waits the less
-  std::unique_ptr<Registration> registration_;
+  std::unique_ptr<desktop::Registration> registration_;
   std::optional<V4l2Run::Filled> held_;
   bool isStartUntold_ = false;
   std::optional<Error> failure_;
@@ -58,4 +58,4 @@ class V4l2Device final : public CaptureDevice {
   std::shared_ptr<V4l2Device*> self_;
 };
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

@@ -2,7 +2,7 @@
 
 #include <optional>
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 namespace {
 
 // A driver that never ends its lists must not hang the program.
@@ -155,4 +155,4 @@ SourceColour colourOf(const v4l2_pix_format& format) {
   return colour;
 }
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

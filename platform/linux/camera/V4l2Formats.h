@@ -5,12 +5,12 @@
 #include <string>
 #include <vector>
 
-#include "foundation/Result.h"
+#include "base/Result.h"
 #include "linux/camera/Colour.h"
 #include "linux/camera/V4l2System.h"
 #include "linux/camera/VideoMode.h"
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 
 /// True for a node that delivers pictures; the second node of a UVC camera delivers metadata, which only
 /// `device_caps` tells.
@@ -22,4 +22,4 @@ namespace vistrel::capture {
 /// What the driver says of the colours of its pictures.
 [[nodiscard]] SourceColour colourOf(const v4l2_pix_format& format);
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

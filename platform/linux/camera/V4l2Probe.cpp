@@ -7,10 +7,10 @@
 #include <thread>
 #include <utility>
 
-#include "foundation/Unicode.h"
+#include "base/Unicode.h"
 #include "linux/camera/V4l2Formats.h"
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 namespace {
 
 // The kernel cuts the name that it tells of an opened device off, if need be in the middle of a character. A
@@ -73,4 +73,4 @@ void V4l2Probe::run() {
   }
 }
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

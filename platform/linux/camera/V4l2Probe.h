@@ -10,7 +10,7 @@
 #include "linux/camera/V4l2System.h"
 #include "linux/camera/VideoMode.h"
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 
 /// Looks at one node on a thread, since opening a device may block for seconds. A look that nobody waits for
 /// any more goes on and touches nothing but itself and the system.
@@ -45,4 +45,4 @@ class V4l2Probe : public std::enable_shared_from_this<V4l2Probe> {
   std::optional<Answer> answer_;
 };
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

@@ -6,7 +6,7 @@
 #include "linux/camera/Problem.h"
 #include "linux/camera/V4l2Device.h"
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 namespace {
 
 constexpr std::string_view kNodePrefix = "video";
@@ -14,7 +14,7 @@ constexpr std::chrono::milliseconds kLookPatience{250};
 
 }  // namespace
 
-V4l2Provider::V4l2Provider(Reactor& reactor, V4l2System& system, const std::string& folder)
+V4l2Provider::V4l2Provider(desktop::Reactor& reactor, V4l2System& system, const std::string& folder)
     : reactor_(reactor),
       system_(system),
       folder_(folder),
@@ -69,4 +69,4 @@ std::string V4l2Provider::idOf(const std::string& path, const Node& node) {
   return "v4l2:" + path + "#" + std::to_string(node.arrivals);
 }
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

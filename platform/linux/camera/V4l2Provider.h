@@ -4,13 +4,13 @@
 #include <memory>
 #include <string>
 
+#include "linux/Reactor.h"
 #include "linux/camera/CameraProvider.h"
 #include "linux/camera/FileWatch.h"
-#include "linux/camera/Reactor.h"
 #include "linux/camera/V4l2Probe.h"
 #include "linux/camera/V4l2System.h"
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 
 /// The cameras of the kernel, for desktops without PipeWire. A node is looked at when it appears or changes,
 /// so that asking for the list opens nothing. A device that does not answer is waited for once, 250 ms at
@@ -18,7 +18,7 @@ namespace vistrel::capture {
 class V4l2Provider final : public CameraProvider {
  public:
   /// `folder` is where the nodes appear.
-  V4l2Provider(Reactor& reactor, V4l2System& system, const std::string& folder);
+  V4l2Provider(desktop::Reactor& reactor, V4l2System& system, const std::string& folder);
 
   [[nodiscard]] std::vector<CameraEntry> cameras() override;
   Result<std::unique_ptr<CaptureDevice>> open(const std::string& id) override;
@@ -36,11 +36,11 @@ class V4l2Provider final : public CameraProvider {
   void look(const std::string& path);
   [[nodiscard]] static std::string idOf(const std::string& path, const Node& node);
 
-  Reactor& reactor_;
+  desktop::Reactor& reactor_;
   V4l2System& system_;
   std::string folder_;
   std::map<std::string, Node> nodes_;  // by path
   FileWatch watch_;
 };
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

@@ -6,7 +6,7 @@
 #include "linux/camera/Problem.h"
 #include "linux/camera/V4l2Formats.h"
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 namespace {
 
 // One is on the glass, one arrives, the driver fills others.
@@ -189,4 +189,4 @@ void V4l2Run::close() {
   fd_ = -1;
 }
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

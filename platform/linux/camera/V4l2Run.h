@@ -14,11 +14,11 @@
 #include <utility>
 #include <vector>
 
-#include "foundation/Result.h"
+#include "base/Result.h"
 #include "linux/camera/V4l2System.h"
 #include "linux/camera/VideoMode.h"
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 
 /// One run of a device, from opening to closing it. A driver may block for seconds in either and in starting,
 /// so all three happen on a thread of the run's own, which sleeps in between; nobody waits for it without
@@ -93,4 +93,4 @@ class V4l2Run : public std::enable_shared_from_this<V4l2Run> {
   std::thread thread_;
 };
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

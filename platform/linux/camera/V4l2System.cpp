@@ -10,7 +10,7 @@
 #include <fstream>
 #include <system_error>
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 namespace {
 
 namespace fs = std::filesystem;
@@ -75,4 +75,4 @@ V4l2System& V4l2System::kernel() {
   return *kernel;
 }
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

@@ -10,7 +10,7 @@
 
 #include "linux/camera/Attachment.h"
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 
 /// The system calls that V4L2 is made of and the waiting for them, so that a test can stand in for the kernel
 /// and its clock. Calls answer a negative errno for a failure. May be called from several threads at once.
@@ -51,4 +51,4 @@ class V4l2System {
                          Clock::time_point deadline, const std::function<bool()>& isDone) = 0;
 };
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

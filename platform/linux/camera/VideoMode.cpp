@@ -4,7 +4,7 @@
 #include <cmath>
 #include <tuple>
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 namespace {
 
 constexpr FrameRate kWanted{30, 1};
@@ -97,4 +97,4 @@ std::optional<ModeChoice> chooseMode(std::span<const VideoMode> modes) {
   return best;
 }
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

@@ -5,10 +5,10 @@
 #include <span>
 #include <vector>
 
-#include "foundation/Geometry.h"
+#include "base/Geometry.h"
 #include "linux/camera/PixelFormat.h"
 
-namespace vistrel::capture {
+namespace vistrel::camera {
 
 /// Frames a second as a fraction.
 struct FrameRate {
@@ -56,4 +56,4 @@ struct ModeChoice {
 /// the fastest, the larger of equals.
 [[nodiscard]] std::optional<ModeChoice> chooseMode(std::span<const VideoMode> modes);
 
-}  // namespace vistrel::capture
+}  // namespace vistrel::camera

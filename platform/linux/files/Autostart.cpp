@@ -90,8 +90,8 @@ AutostartFolders AutostartFolders::fromEnvironment() {
 Autostart::Autostart(AutostartFolders folders, std::string program)
     : folders_(std::move(folders)), program_(std::move(program)) {}
 
-Result<std::vector<host::LoginItem>> Autostart::items() {
-  std::vector<host::LoginItem> found;
+Result<std::vector<backend::LoginItem>> Autostart::items() {
+  std::vector<backend::LoginItem> found;
   std::set<std::string> seen;
   std::optional<Error> failure;
   std::vector<std::string> folders = folders_.ofSystem;

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "host/LoginItems.h"
+#include "backend/LoginItems.h"
 
 namespace vistrel::files {
 
@@ -18,12 +18,12 @@ struct AutostartFolders {
 };
 
 /// The desktop entries that a desktop starts with the session.
-class Autostart final : public host::LoginItems {
+class Autostart final : public backend::LoginItems {
  public:
   /// `program` is the absolute path that an enabled item starts.
   Autostart(AutostartFolders folders, std::string program);
 
-  Result<std::vector<host::LoginItem>> items() override;
+  Result<std::vector<backend::LoginItem>> items() override;
   /// Enabling writes the user's entry, or updates it without touching keys that others added. Disabling
   /// removes an entry of our own making, and hides one that others added keys to or that lies over a system's
   /// entry.

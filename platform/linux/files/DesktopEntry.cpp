@@ -4,7 +4,7 @@
 #include <iterator>
 #include <utility>
 
-#include "foundation/Unicode.h"
+#include "base/Unicode.h"
 
 namespace vistrel::files {
 

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "foundation/Result.h"
+#include "base/Result.h"
 
 namespace vistrel::files {
 

@@ -8,7 +8,7 @@
 #include <cstdio>
 #include <utility>
 
-#include "foundation/Bundle.h"
+#include "base/Program.h"
 #include "linux/FileDescriptor.h"
 #include "linux/files/FileTools.h"
 
@@ -34,7 +34,7 @@ bool exists(const std::string& path) {
 
 }  // namespace
 
-PreferencesFile::PreferencesFile() : PreferencesFile(configurationFolder() + "/" + Bundle::kMainIdentifier) {}
+PreferencesFile::PreferencesFile() : PreferencesFile(configurationFolder() + "/" + program::kIdentifier) {}
 
 PreferencesFile::PreferencesFile(std::string folder) : folder_(std::move(folder)) {}
 

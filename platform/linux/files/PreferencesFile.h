@@ -2,14 +2,14 @@
 
 #include <string>
 
-#include "host/UserFiles.h"
+#include "backend/UserFiles.h"
 
 namespace vistrel::files {
 
 /// The preferences in "org.vistrel.Vistrel/preferences.json" of the user's configuration folder
 /// (XDG Base Directory: `$XDG_CONFIG_HOME` when it is absolute, else `~/.config`). Written whole to a new
 /// file, synced and renamed into place, under a lock on the folder.
-class PreferencesFile final : public host::UserFiles {
+class PreferencesFile final : public backend::UserFiles {
  public:
   PreferencesFile();
   explicit PreferencesFile(std::string folder);

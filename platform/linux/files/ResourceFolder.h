@@ -2,13 +2,13 @@
 
 #include <string>
 
-#include "host/Resources.h"
+#include "backend/Resources.h"
 
 namespace vistrel::files {
 
 /// The resources beside the program in a build tree ("resources"), else under its install prefix
 /// ("../share/vistrel").
-class ResourceFolder final : public host::Resources {
+class ResourceFolder final : public backend::Resources {
  public:
   ResourceFolder();
 

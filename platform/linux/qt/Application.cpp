@@ -1,4 +1,4 @@
-#include "qt/Application.h"
+#include "linux/qt/Application.h"
 
 #include <xcb/xcb.h>
 

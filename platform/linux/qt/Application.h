@@ -3,7 +3,7 @@
 #include <QApplication>
 #include <memory>
 
-#include "foundation/Result.h"
+#include "base/Result.h"
 
 namespace vistrel::qt {
 

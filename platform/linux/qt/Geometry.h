@@ -3,7 +3,7 @@
 #include <QPoint>
 #include <QRect>
 
-#include "foundation/Geometry.h"
+#include "base/Geometry.h"
 
 namespace vistrel::qt {
 

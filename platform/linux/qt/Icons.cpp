@@ -1,4 +1,4 @@
-#include "qt/Icons.h"
+#include "linux/qt/Icons.h"
 
 #include <QPainter>
 #include <QSvgRenderer>

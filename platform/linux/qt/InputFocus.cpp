@@ -1,4 +1,4 @@
-#include "qt/InputFocus.h"
+#include "linux/qt/InputFocus.h"
 
 #include <xcb/xcb.h>
 

@@ -1,11 +1,11 @@
-#include "qt/MenuRows.h"
+#include "linux/qt/MenuRows.h"
 
 #include <QGuiApplication>
 #include <QMenu>
 #include <QScreen>
 
 #include "appkit/NSMenu.h"
-#include "qt/TrayLabel.h"
+#include "linux/qt/TrayLabel.h"
 
 namespace vistrel::qt {
 

@@ -1,4 +1,4 @@
-#include "qt/Palettes.h"
+#include "linux/qt/Palettes.h"
 
 namespace vistrel::qt {
 

@@ -1,4 +1,4 @@
-#include "qt/PopUpMenu.h"
+#include "linux/qt/PopUpMenu.h"
 
 #include <QCursor>
 #include <utility>

@@ -4,7 +4,7 @@
 #include <functional>
 #include <memory>
 
-#include "qt/MenuRows.h"
+#include "linux/qt/MenuRows.h"
 
 namespace vistrel::qt {
 

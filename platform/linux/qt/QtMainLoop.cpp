@@ -1,4 +1,4 @@
-#include "qt/QtMainLoop.h"
+#include "linux/qt/QtMainLoop.h"
 
 #include <sys/eventfd.h>
 
@@ -7,14 +7,14 @@
 #include <QSocketNotifier>
 #include <utility>
 
-#include "foundation/FatalError.h"
-#include "qt/SingleShot.h"
+#include "base/FatalError.h"
+#include "linux/qt/SingleShot.h"
 
 namespace vistrel::qt {
 
 namespace {
 
-class QtTimer final : public host::Timer {
+class QtTimer final : public backend::Timer {
  public:
   QtTimer(std::chrono::milliseconds delay, std::function<void()> work) : shot_(delay, std::move(work)) {}
 
@@ -59,7 +59,8 @@ void QtMainLoop::runNext() {
   work();
 }
 
-std::unique_ptr<host::Timer> QtMainLoop::after(std::chrono::milliseconds delay, std::function<void()> work) {
+std::unique_ptr<backend::Timer> QtMainLoop::after(std::chrono::milliseconds delay,
+                                                  std::function<void()> work) {
   return std::make_unique<QtTimer>(delay, std::move(work));
 }
 

@@ -6,7 +6,7 @@
 #include <mutex>
 #include <vector>
 
-#include "host/MainLoop.h"
+#include "backend/MainLoop.h"
 #include "linux/FileDescriptor.h"
 
 class QEventLoop;
@@ -15,7 +15,7 @@ class QSocketNotifier;
 namespace vistrel::qt {
 
 /// Qt's event loop as the program's main loop. Needs the application object.
-class QtMainLoop final : public host::MainLoop {
+class QtMainLoop final : public backend::MainLoop {
  public:
   QtMainLoop();
   ~QtMainLoop() override;
@@ -23,8 +23,8 @@ class QtMainLoop final : public host::MainLoop {
   int run() override;
   void quit() override;
   void post(std::function<void()> work) override;
-  [[nodiscard]] std::unique_ptr<host::Timer> after(std::chrono::milliseconds delay,
-                                                   std::function<void()> work) override;
+  [[nodiscard]] std::unique_ptr<backend::Timer> after(std::chrono::milliseconds delay,
+                                                      std::function<void()> work) override;
   void runModal() override;
   void endModal() override;
 

@@ -1,4 +1,4 @@
-#include "qt/QtPopUpMenu.h"
+#include "linux/qt/QtPopUpMenu.h"
 
 #include <QGuiApplication>
 #include <utility>

@@ -3,7 +3,7 @@
 #include <QMenu>
 #include <memory>
 
-#include "qt/MenuRows.h"
+#include "linux/qt/MenuRows.h"
 
 namespace vistrel::qt {
 

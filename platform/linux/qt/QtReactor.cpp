@@ -1,10 +1,10 @@
-#include "qt/QtReactor.h"
+#include "linux/qt/QtReactor.h"
 
 #include <QSocketNotifier>
 #include <utility>
 
-#include "host/MainLoop.h"
-#include "qt/SingleShot.h"
+#include "backend/MainLoop.h"
+#include "linux/qt/SingleShot.h"
 
 namespace vistrel::qt {
 

@@ -2,7 +2,7 @@
 
 #include "linux/Reactor.h"
 
-namespace vistrel::host {
+namespace vistrel::backend {
 class MainLoop;
 }
 
@@ -11,7 +11,7 @@ namespace vistrel::qt {
 /// Qt's event loop for the parts of the backend that know no toolkit.
 class QtReactor final : public desktop::Reactor {
  public:
-  explicit QtReactor(host::MainLoop& loop) : loop_(loop) {}
+  explicit QtReactor(backend::MainLoop& loop) : loop_(loop) {}
 
   [[nodiscard]] std::unique_ptr<desktop::Registration> watch(int fd, std::function<void()> handler) override;
   [[nodiscard]] std::unique_ptr<desktop::Registration> after(std::chrono::milliseconds delay,
@@ -19,7 +19,7 @@ class QtReactor final : public desktop::Reactor {
   void post(std::function<void()> work) override;
 
  private:
-  host::MainLoop& loop_;
+  backend::MainLoop& loop_;
 };
 
 }  // namespace vistrel::qt

@@ -1,4 +1,4 @@
-#include "qt/SingleShot.h"
+#include "linux/qt/SingleShot.h"
 
 #include <QTimer>
 #include <utility>

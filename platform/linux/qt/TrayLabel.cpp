@@ -1,4 +1,4 @@
-#include "qt/TrayLabel.h"
+#include "linux/qt/TrayLabel.h"
 
 #include <QList>
 #include <QTextBoundaryFinder>

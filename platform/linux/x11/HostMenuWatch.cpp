@@ -1,4 +1,4 @@
-#include "x11/HostMenuWatch.h"
+#include "linux/x11/HostMenuWatch.h"
 
 #include <span>
 #include <utility>

@@ -5,7 +5,7 @@
 #include <functional>
 #include <memory>
 
-#include "x11/X11Connection.h"
+#include "linux/x11/X11Connection.h"
 
 namespace vistrel::x11 {
 

@@ -1,4 +1,4 @@
-#include "x11/PanelStruts.h"
+#include "linux/x11/PanelStruts.h"
 
 #include <algorithm>
 #include <array>

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "x11/X11Connection.h"
+#include "linux/x11/X11Connection.h"
 
 namespace vistrel::x11 {
 

@@ -1,4 +1,4 @@
-#include "x11/RawPresses.h"
+#include "linux/x11/RawPresses.h"
 
 #include <xcb/xinput.h>
 

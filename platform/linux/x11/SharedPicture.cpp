@@ -1,4 +1,4 @@
-#include "x11/SharedPicture.h"
+#include "linux/x11/SharedPicture.h"
 
 #include <sys/mman.h>
 #include <unistd.h>
@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "linux/FileDescriptor.h"
-#include "x11/X11Connection.h"
+#include "linux/x11/X11Connection.h"
 
 namespace vistrel::x11 {
 

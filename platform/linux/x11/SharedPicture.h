@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "foundation/Geometry.h"
+#include "base/Geometry.h"
 
 namespace vistrel::x11 {
 

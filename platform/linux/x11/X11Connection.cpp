@@ -1,4 +1,4 @@
-#include "x11/X11Connection.h"
+#include "linux/x11/X11Connection.h"
 
 #include <xkbcommon/xkbcommon-x11.h>
 
@@ -6,7 +6,7 @@
 #include <cstring>
 #include <utility>
 
-#include "x11/Xkb.h"
+#include "linux/x11/Xkb.h"
 
 namespace vistrel::x11 {
 

@@ -3,13 +3,14 @@
 #include <fstream>
 
 #include "KeyboardShortcuts/CarbonKeyboardShortcuts.h"
-#include "linux/x11/SessionBus.h"
+#include "linux/keyboard/SessionBus.h"
 #include "tests/desktop/x11/ServerFixture.h"
-#include "tests/unit/keyboard/FakeDesktop.h"
+#include "tests/unit/KeyboardShortcuts/FakeDesktop.h"
 
 namespace vistrel::x11 {
 namespace {
 
+using keyboard::SessionBus;
 using KeyboardShortcuts::Shortcut;
 using Combinations = std::vector<std::pair<std::int64_t, std::int64_t>>;
 

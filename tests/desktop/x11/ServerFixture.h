@@ -9,15 +9,17 @@
 #include <utility>
 #include <vector>
 
-#include "carbon/KeyCodes.h"
-#include "linux/x11/HotKeyGrabs.h"
-#include "linux/x11/X11Keyboard.h"
+#include "base/KeyCodes.h"
+#include "linux/keyboard/HotKeyGrabs.h"
+#include "linux/keyboard/X11Keyboard.h"
 #include "linux/x11/Xkb.h"
-#include "tests/unit/camera/PollReactor.h"
+#include "tests/unit/linux/PollReactor.h"
 
 // Against a real X server, the one of DISPLAY; its keyboard is changed at will.
 namespace vistrel::x11 {
 
+using keyboard::HotKeyGrabs;
+using keyboard::X11Keyboard;
 using Strings = std::vector<std::string>;
 
 inline constexpr unsigned kKeyCodeOffset = 8;
@@ -101,8 +103,8 @@ class ServerTest : public ::testing::Test {
   }
 
   void hear() {
-    grabs.setHandler([this](std::uint32_t token, host::HotKeyPhase phase) {
-      heard.push_back((phase == host::HotKeyPhase::Pressed ? "down " : "up ") + std::to_string(token));
+    grabs.setHandler([this](std::uint32_t token, backend::HotKeyPhase phase) {
+      heard.push_back((phase == backend::HotKeyPhase::Pressed ? "down " : "up ") + std::to_string(token));
     });
   }
 
@@ -148,7 +150,7 @@ class ServerTest : public ::testing::Test {
   void unlock() { lock(0, 0); }
 
   static constexpr std::uint32_t kFence = 99;
-  capture::PollReactor reactor;
+  desktop::PollReactor reactor;
   X11Connection connection{reactor};
   HotKeyGrabs grabs{connection};
   User user;

@@ -6,7 +6,7 @@
 #include "KeyboardShortcuts/KeyboardShortcuts.h"
 #include "linux/x11/RawPresses.h"
 #include "tests/desktop/x11/ServerFixture.h"
-#include "tests/unit/keyboard/FakeDesktop.h"
+#include "tests/unit/KeyboardShortcuts/FakeDesktop.h"
 
 namespace vistrel::x11 {
 namespace {
@@ -55,10 +55,10 @@ TEST_F(ServerTest, hearsNothingOfAKeyThatWasDownBefore) {
   EXPECT_EQ(take(), (Strings{"down 1", "up 1"}));
 
   // An action that takes its own shortcut anew.
-  grabs.setHandler([&](std::uint32_t token, host::HotKeyPhase phase) {
+  grabs.setHandler([&](std::uint32_t token, backend::HotKeyPhase phase) {
     hear();
     heard.emplace_back("anew");
-    EXPECT_EQ(phase, host::HotKeyPhase::Pressed);
+    EXPECT_EQ(phase, backend::HotKeyPhase::Pressed);
     grabs.release(token);
     ASSERT_TRUE(grabs.grab(2, {kVK_ANSI_J, kControlOption}));
   });
@@ -197,7 +197,7 @@ TEST(NoServerTest, refusesWithoutADisplay) {
   const char* value = std::getenv("DISPLAY");
   const std::string display = value ? value : "";
   ::unsetenv("DISPLAY");
-  capture::PollReactor reactor;
+  desktop::PollReactor reactor;
   X11Connection connection(reactor);
   HotKeyGrabs grabs(connection);
   X11Keyboard keyboard(connection, nullptr);

@@ -81,7 +81,7 @@ TEST(Mirror, aClickOnTheIconClosesWhereverThePointerIsByItsEnd) {
     program.desktop.windowSystem.pressOutside(c.press);
     EXPECT_FALSE(program.isShown());
     program.desktop.sessionHost.pointer = c.release;
-    program.desktop.tray.client().statusIconPressed(host::PointerButton::Left, 0);
+    program.desktop.tray.client().statusIconPressed(backend::PointerButton::Left, 0);
     EXPECT_EQ(program.isShown(), c.opensAgain);
   }
 }
@@ -158,11 +158,11 @@ TEST(Mirror, shortcutTogglesOnReleaseWithoutAHighlight) {
   KeyboardShortcuts::resetForNewProcess();
   KeyboardShortcuts::setShortcut(KeyboardShortcuts::Shortcut(49, 0x1800), shortcutName::toggleShortcutMode());
   program.launchWith({"A"});
-  const host::HotKeyCombination combination{49, 0x1800};
+  const backend::HotKeyCombination combination{49, 0x1800};
   for (const bool opens : {true, false, true}) {
-    EXPECT_TRUE(program.desktop.hotKeyHost.send(combination, host::HotKeyPhase::Pressed));
+    EXPECT_TRUE(program.desktop.hotKeyHost.send(combination, backend::HotKeyPhase::Pressed));
     EXPECT_NE(program.isShown(), opens);
-    EXPECT_TRUE(program.desktop.hotKeyHost.send(combination, host::HotKeyPhase::Released));
+    EXPECT_TRUE(program.desktop.hotKeyHost.send(combination, backend::HotKeyPhase::Released));
     EXPECT_EQ(program.isShown(), opens);
     EXPECT_FALSE(program.desktop.tray.isHighlighted);
   }

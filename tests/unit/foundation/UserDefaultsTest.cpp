@@ -54,7 +54,7 @@ TEST(UserDefaults, writesItsOwnKeyOnly) {
 TEST(UserDefaults, survivesWhatTheDiskDoes) {
   for (const std::string& unreadable :
        {std::string("{\"size\": 1"), std::string("[]"), std::string("\xff\xfe"),
-        "{}" + std::string(host::UserFiles::kTooLarge, ' ')}) {
+        "{}" + std::string(backend::UserFiles::kTooLarge, ' ')}) {
     simulated::SimulatedDesktop desktop(VISTREL_RESOURCES);
     auto& store = UserDefaults::standard();
     desktop.files.preferences = unreadable;

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <any>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace vistrel::backend {
+
+/// A hot key as the window system takes it: a virtual key code (the platform's `kVK_` numbering, a position
+/// on the keyboard) and hot-key modifier bits (Command 0x100, Shift 0x200, Option 0x800, Control 0x1000).
+struct HotKeyCombination {
+  std::uint32_t keyCode = 0;
+  std::uint32_t modifiers = 0;
+};
+
+enum class HotKeyPhase { Pressed, Released };
+
+/// System-wide hot keys. Main thread only; the handler is called from the main loop.
+class HotKeyHost {
+ public:
+  virtual ~HotKeyHost() = default;
+  /// Takes the combination for this program under `token`; false when the window system refuses it.
+  virtual bool grab(std::uint32_t token, HotKeyCombination combination) = 0;
+  virtual void release(std::uint32_t token) = 0;
+  /// Who is told: once a press and once its release, whatever lock keys are on; repeats are dropped.
+  virtual void setHandler(std::function<void(std::uint32_t token, HotKeyPhase phase)> handler) = 0;
+};
+
+/// The keyboard as it is now. Main thread only.
+class KeyboardHost {
+ public:
+  virtual ~KeyboardHost() = default;
+  /// The unshifted text of the key at a virtual key code on the layout that types ASCII: empty when the
+  /// layout gives the key nothing; none when no keymap can be had.
+  [[nodiscard]] virtual std::optional<std::string> displayCharacter(std::uint16_t keyCode) = 0;
+  /// The desktop's own shortcuts, one dictionary each, with "kHISymbolicHotKeyEnabled" (bool),
+  /// "kHISymbolicHotKeyCode" and "kHISymbolicHotKeyModifiers" (std::int64_t); none without a known desktop.
+  [[nodiscard]] virtual std::optional<std::vector<std::map<std::string, std::any>>> symbolicHotKeys() = 0;
+  /// The window system's bell.
+  virtual void beep() = 0;
+  /// Routes every key of the keyboard to this program's focused window, window-manager bindings included,
+  /// until `false`; answers whether it could.
+  virtual bool setKeyboardCaptured(bool isCaptured) = 0;
+};
+
+}  // namespace vistrel::backend

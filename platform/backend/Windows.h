@@ -1,0 +1,92 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "base/Geometry.h"
+
+namespace vistrel {
+class NSAlert;
+class NSEvent;
+class NSMenu;
+class NSMenuItem;
+class NSPopUpButton;
+class NSView;
+class NSWindow;
+}  // namespace vistrel
+
+namespace vistrel::backend {
+
+/// What a window on screen reports. Called on the main thread from the main loop. The backend changes nothing
+/// by itself: each report is a fact or a wish, and the vocabulary answers with commands.
+class WindowClient {
+ public:
+  virtual ~WindowClient() = default;
+  /// The window manager or the user wants it closed.
+  virtual void closeRequested() = 0;
+  virtual void didGainFocus() = 0;
+  virtual void didLoseFocus() = 0;
+  /// The user or the window manager moved it; content rectangle on the desktop.
+  virtual void didMove(const Rect& frame) = 0;
+  /// The user drags the window by its content, beyond the threshold: an attached popover is torn off. The
+  /// backend goes on moving the window with the pointer.
+  virtual void dragDidBegin() = 0;
+  /// The pointer came over the content, or left it; also without a movement of its own.
+  virtual void pointerDidEnter() = 0;
+  virtual void pointerDidLeave() = 0;
+  /// A native control wants the focus (a click or the Tab key); none: the focus should leave all controls.
+  virtual void focusWanted(NSView* view) = 0;
+  /// The user pressed a native control.
+  virtual void viewClicked(NSView& view) = 0;
+  /// A key or button event for the window, before its native handling. True when it was swallowed.
+  virtual bool handleEvent(const std::shared_ptr<NSEvent>& event) = 0;
+};
+
+/// One native window. Reads what it shows from its `NSWindow`; destroying it takes it off the screen.
+class NativeWindow {
+ public:
+  virtual ~NativeWindow() = default;
+  /// Builds native controls for the window's content view tree, replacing earlier ones.
+  virtual void contentDidChange() = 0;
+  /// Maps the window at the `NSWindow`'s frame, in front, with the focus.
+  virtual void show() = 0;
+  virtual void hide() = 0;
+  /// The frame, title, style, level or appearance of the `NSWindow` changed.
+  virtual void attributesDidChange() = 0;
+  /// A view of the tree changed: hidden, enabled, text, layer, menu, placeholder …
+  virtual void viewDidChange(NSView& view) = 0;
+  /// The window's first responder is now `view`; none: no control has the focus.
+  virtual void firstResponderDidChange(NSView* view) = 0;
+  /// Opens the button's menu beside it and returns; `NSPopUpButton::itemChosen` is called with what is
+  /// chosen.
+  virtual void popUpMenu(NSPopUpButton& button) = 0;
+  /// In front of the other windows, with the focus.
+  virtual void activate() = 0;
+};
+
+/// Told about presses anywhere on the desktop.
+class OutsidePressClient {
+ public:
+  virtual ~OutsidePressClient() = default;
+  /// A button went down outside all of the program's windows and menus.
+  virtual void pressedOutside(Point location) = 0;
+};
+
+/// Makes windows, menus and alerts. Main thread only.
+class WindowSystem {
+ public:
+  virtual ~WindowSystem() = default;
+  [[nodiscard]] virtual std::unique_ptr<NativeWindow> makeWindow(NSWindow& window, WindowClient& client) = 0;
+  /// Sends what was commanded and not sent yet. Called before something blocks the main loop.
+  virtual void flush() = 0;
+  /// While a client is set, presses outside are reported to it. Null: nothing is watched.
+  virtual void setOutsidePressClient(OutsidePressClient* client) = 0;
+  /// Shows an alert, as a sheet on `parent` where there is one, and returns; `NSAlert::respond` is called
+  /// when the user answers.
+  virtual void showAlert(const std::shared_ptr<NSAlert>& alert, NSWindow* parent) = 0;
+};
+
+}  // namespace vistrel::backend

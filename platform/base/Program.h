@@ -1,0 +1,12 @@
+#pragma once
+
+namespace vistrel::program {
+
+/// What people call the program.
+constexpr const char* kName = "Vistrel";
+
+/// Its application id: the name on the session bus, of the desktop entry, the icon and the preferences'
+/// folder (Desktop Entry Specification, D-Bus).
+constexpr const char* kIdentifier = "org.vistrel.Vistrel";
+
+}  // namespace vistrel::program

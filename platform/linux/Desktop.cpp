@@ -1,0 +1,107 @@
+#include "linux/Desktop.h"
+
+#include <QGuiApplication>
+#include <utility>
+
+#include "base/Log.h"
+#include "linux/camera/CameraCenter.h"
+#include "linux/files/Autostart.h"
+#include "linux/files/PreferencesFile.h"
+#include "linux/files/ResourceFolder.h"
+#include "linux/keyboard/HotKeyGrabs.h"
+#include "linux/keyboard/PopupKeys.h"
+#include "linux/keyboard/X11Keyboard.h"
+#include "linux/qt/Application.h"
+#include "linux/qt/QtMainLoop.h"
+#include "linux/qt/QtReactor.h"
+#include "linux/session/QtSession.h"
+#include "linux/session/SingleInstance.h"
+#include "linux/tray/QtStatusArea.h"
+#include "linux/windows/QtWindowSystem.h"
+#include "linux/x11/RawPresses.h"
+#include "linux/x11/X11Connection.h"
+
+namespace vistrel::desktop {
+
+namespace {
+
+// Where the windows get their keys; null on another window system.
+xcb_connection_t* toolkitConnection() {
+  const auto* native = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+  return native ? native->connection() : nullptr;
+}
+
+}  // namespace
+
+// In the order in which they need each other.
+struct Desktop::Parts {
+  Parts(std::unique_ptr<QApplication> app, std::unique_ptr<session::SingleInstance> one)
+      : application(std::move(app)), instance(std::move(one)) {
+    session.setScreenHandler([this] { statusArea.forgetIconFrame(); });
+  }
+
+  std::unique_ptr<QApplication> application;
+  std::unique_ptr<session::SingleInstance> instance;
+  qt::QtMainLoop mainLoop;
+  qt::QtReactor reactor{mainLoop};
+  files::PreferencesFile userFiles;
+  files::ResourceFolder resources;
+  files::Autostart loginItems{files::AutostartFolders::fromEnvironment(), resources.executablePath()};
+  x11::X11Connection x11{reactor};
+  keyboard::HotKeyGrabs hotKeys{x11};
+  keyboard::X11Keyboard keyboard{x11, toolkitConnection()};
+  keyboard::PopupKeys popupKeys{hotKeys, keyboard};
+  x11::RawPresses presses{x11};
+  windows::QtWindowSystem windows{presses};
+  session::QtSession session{reactor, x11, *instance};
+  tray::QtStatusArea statusArea{session, x11};
+  camera::CameraCenter cameras{reactor};
+};
+
+namespace {
+
+bool mayGoOn(session::SingleInstance& instance) {
+  switch (instance.claim()) {
+    case session::SingleInstance::Role::First:
+      return true;
+    case session::SingleInstance::Role::Second:
+      return false;
+    case session::SingleInstance::Role::WithoutBus:
+      Log::warning("Vistrel finds no session bus: starting it twice makes two of it");
+      return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+std::unique_ptr<Desktop> Desktop::open(int& argumentCount, char** arguments, int& exitStatus) {
+  auto application = qt::makeApplication(argumentCount, arguments);
+  if (!application) {
+    Log::warning(application.error().message);
+    exitStatus = 1;
+    return nullptr;
+  }
+  auto instance = std::make_unique<session::SingleInstance>();
+  exitStatus = 0;
+  if (!mayGoOn(*instance)) return nullptr;
+  auto parts = std::make_unique<Parts>(std::move(application).value(), std::move(instance));
+  return std::unique_ptr<Desktop>(new Desktop(std::move(parts)));
+}
+
+Desktop::Desktop(std::unique_ptr<Parts> parts) : parts_(std::move(parts)) {}
+
+Desktop::~Desktop() = default;
+
+backend::MainLoop& Desktop::mainLoop() { return parts_->mainLoop; }
+backend::UserFiles& Desktop::userFiles() { return parts_->userFiles; }
+backend::Resources& Desktop::resources() { return parts_->resources; }
+backend::LoginItems& Desktop::loginItems() { return parts_->loginItems; }
+backend::HotKeyHost& Desktop::hotKeys() { return parts_->hotKeys; }
+backend::KeyboardHost& Desktop::keyboard() { return parts_->keyboard; }
+backend::SessionHost& Desktop::session() { return parts_->session; }
+backend::StatusArea& Desktop::statusArea() { return parts_->statusArea; }
+backend::WindowSystem& Desktop::windows() { return parts_->windows; }
+backend::CameraHost& Desktop::cameras() { return parts_->cameras; }
+
+}  // namespace vistrel::desktop

@@ -1,9 +1,0 @@
-#pragma once
-
-#include "linux/FileDescriptor.h"
-
-namespace vistrel::capture {
-
-using desktop::FileDescriptor;
-
-}  // namespace vistrel::capture

@@ -1,0 +1,113 @@
+#include "linux/keyboard/Accelerator.h"
+
+#include <algorithm>
+#include <span>
+#include <string>
+
+namespace vistrel::keyboard {
+
+namespace {
+
+constexpr std::int64_t kCommand = 0x100;
+constexpr std::int64_t kShift = 0x200;
+constexpr std::int64_t kOption = 0x800;
+constexpr std::int64_t kControl = 0x1000;
+
+struct Modifier {
+  const char* name;
+  std::int64_t bit;
+};
+
+// In small letters.
+constexpr Modifier kGtkModifiers[] = {{"primary", kControl}, {"control", kControl}, {"ctrl", kControl},
+                                      {"ctl", kControl},     {"shift", kShift},     {"shft", kShift},
+                                      {"alt", kOption},      {"mod1", kOption},     {"meta", kOption},
+                                      {"super", kCommand},   {"mod4", kCommand}};
+constexpr Modifier kQtModifiers[] = {
+    {"ctrl", kControl}, {"shift", kShift}, {"alt", kOption}, {"meta", kCommand}};
+
+// GNOME's name for the key left of the digits, whatever the layout prints there.
+constexpr const char* kAboveTab = "above_tab";
+constexpr std::uint16_t kPlaceAboveTab = 41;
+
+struct KeyName {
+  const char* name;
+  xkb_keysym_t symbol;
+};
+
+// Names that are not those of the key symbols.
+constexpr KeyName kQtKeys[] = {
+    {"del", XKB_KEY_Delete},
+    {"ins", XKB_KEY_Insert},
+    {"pgup", XKB_KEY_Page_Up},
+    {"pgdown", XKB_KEY_Page_Down},
+    {"esc", XKB_KEY_Escape},
+    {"enter", XKB_KEY_KP_Enter},
+    {"backtab", XKB_KEY_Tab},
+    {"volume up", XKB_KEY_XF86AudioRaiseVolume},
+    {"volume down", XKB_KEY_XF86AudioLowerVolume},
+    {"volume mute", XKB_KEY_XF86AudioMute},
+};
+
+std::string lowerCased(std::string_view text) {
+  std::string result(text);
+  std::transform(result.begin(), result.end(), result.begin(),
+                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+  return result;
+}
+
+std::optional<std::int64_t> modifierBit(std::span<const Modifier> modifiers, std::string_view name) {
+  const auto wanted = lowerCased(name);
+  for (const auto& modifier : modifiers) {
+    if (wanted == modifier.name) return modifier.bit;
+  }
+  return std::nullopt;
+}
+
+xkb_keysym_t keySymbol(std::span<const KeyName> names, std::string_view name) {
+  const auto wanted = lowerCased(name);
+  for (const auto& key : names) {
+    if (wanted == key.name) return key.symbol;
+  }
+  const std::string exact(name);
+  if (exact.size() == 1 && exact[0] > ' ' && exact[0] < '\x7f') {
+    return xkb_keysym_to_lower(xkb_utf32_to_keysym(static_cast<unsigned char>(exact[0])));
+  }
+  return xkb_keysym_to_lower(xkb_keysym_from_name(exact.c_str(), XKB_KEYSYM_CASE_INSENSITIVE));
+}
+
+std::optional<Accelerator> withSymbol(xkb_keysym_t symbol, std::int64_t modifiers) {
+  if (symbol == XKB_KEY_NoSymbol) return std::nullopt;
+  return Accelerator{symbol, modifiers};
+}
+
+}  // namespace
+
+std::optional<Accelerator> parseGtkAccelerator(std::string_view text) {
+  std::int64_t modifiers = 0;
+  while (text.starts_with('<')) {
+    const auto end = text.find('>');
+    if (end == std::string_view::npos) return std::nullopt;
+    const auto bit = modifierBit(kGtkModifiers, text.substr(1, end - 1));
+    if (!bit) return std::nullopt;
+    modifiers |= *bit;
+    text.remove_prefix(end + 1);
+  }
+  if (lowerCased(text) == kAboveTab) return Accelerator{XKB_KEY_NoSymbol, modifiers, kPlaceAboveTab};
+  return withSymbol(keySymbol({}, text), modifiers);
+}
+
+std::optional<Accelerator> parseQtAccelerator(std::string_view text) {
+  std::int64_t modifiers = 0;
+  // The last key may itself be a plus sign.
+  for (auto plus = text.find('+'); plus != std::string_view::npos && plus + 1 < text.size();
+       plus = text.find('+')) {
+    const auto bit = modifierBit(kQtModifiers, text.substr(0, plus));
+    if (!bit) return std::nullopt;
+    modifiers |= *bit;
+    text.remove_prefix(plus + 1);
+  }
+  return withSymbol(keySymbol(kQtKeys, text), modifiers);
+}
+
+}  // namespace vistrel::keyboard

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <any>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "linux/keyboard/Accelerator.h"
+#include "linux/keyboard/Keymap.h"
+
+namespace vistrel::keyboard {
+
+using Accelerators = std::vector<Accelerator>;
+
+/// The shortcuts of a GNOME desktop (window manager, shell, media keys, the user's own), from its settings;
+/// none where they are not installed.
+[[nodiscard]] std::optional<Accelerators> readGnomeShortcuts();
+/// The shortcuts of an Xfce desktop, from its settings daemon; none where it does not answer.
+[[nodiscard]] std::optional<Accelerators> readXfceShortcuts();
+/// The shortcuts of a KDE desktop, from its "kglobalshortcutsrc"; none where there is no such file.
+[[nodiscard]] std::optional<Accelerators> readKdeShortcuts();
+
+/// The shortcuts in the text of a "kglobalshortcutsrc"; a malformed one is left out.
+[[nodiscard]] Accelerators parseKdeShortcuts(const std::string& text);
+
+/// The present desktop's shortcuts, as `backend::KeyboardHost::symbolicHotKeys` answers them: those of the
+/// desktop that the session names, else of one that runs. A shortcut on a key without virtual key code is
+/// left out.
+[[nodiscard]] std::optional<std::vector<std::map<std::string, std::any>>> readDesktopShortcuts(
+    Keymap& keymap);
+
+}  // namespace vistrel::keyboard

@@ -1,0 +1,59 @@
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <string>
+#include <string_view>
+
+#include "linux/keyboard/DesktopShortcuts.h"
+
+namespace vistrel::keyboard {
+
+namespace {
+
+std::string configurationFolder() {
+  if (const char* folder = std::getenv("XDG_CONFIG_HOME"); folder && *folder == '/') return folder;
+  const char* home = std::getenv("HOME");
+  return std::string(home ? home : "") + "/.config";
+}
+
+/// The part of a value up to its first comma: the shortcuts in force, with tabs (written "\t") between; the
+/// default and a description follow. "\\," is a comma of the text and "\\\\" a backslash.
+std::string shortcutsInForce(std::string_view value) {
+  std::string text;
+  for (std::size_t i = 0; i < value.size() && value[i] != ','; ++i) {
+    if (value[i] != '\\' || i + 1 == value.size()) {
+      text += value[i];
+      continue;
+    }
+    const char escaped = value[++i];
+    text += escaped == 't' ? '\t' : escaped;
+  }
+  return text;
+}
+
+void appendLine(std::string_view line, Accelerators& to) {
+  const auto equals = line.find('=');
+  if (line.starts_with('[') || line.starts_with("_k_") || equals == std::string_view::npos) return;
+  std::istringstream shortcuts(shortcutsInForce(line.substr(equals + 1)));
+  for (std::string shortcut; std::getline(shortcuts, shortcut, '\t');) {
+    if (const auto accelerator = parseQtAccelerator(shortcut)) to.push_back(*accelerator);
+  }
+}
+
+}  // namespace
+
+Accelerators parseKdeShortcuts(const std::string& text) {
+  Accelerators found;
+  std::istringstream lines(text);
+  for (std::string line; std::getline(lines, line);) appendLine(line, found);
+  return found;
+}
+
+std::optional<Accelerators> readKdeShortcuts() {
+  std::ifstream file(configurationFolder() + "/kglobalshortcutsrc");
+  if (!file) return std::nullopt;
+  return parseKdeShortcuts({std::istreambuf_iterator<char>(file), {}});
+}
+
+}  // namespace vistrel::keyboard

@@ -1,0 +1,130 @@
+#include "linux/keyboard/Keymap.h"
+
+#include <xkbcommon/xkbcommon-x11.h>
+
+#include <array>
+#include <set>
+
+#include "linux/keyboard/KeySymbolText.h"
+#include "linux/x11/Xkb.h"
+
+namespace vistrel::keyboard {
+
+namespace {
+
+constexpr xkb_keycode_t kKeyCodeOffset = 8;
+/// A layout of another script may share a few letters with ours.
+constexpr std::size_t kEnoughLetters = 20;
+constexpr std::uint16_t kHighestEvdevCode = 247;
+
+struct Range {
+  std::uint16_t first;
+  std::uint16_t last;
+};
+/// The rows of letters on the keyboard, by Linux event codes, with their neighbours: some layouts put a
+/// letter there.
+constexpr std::array<Range, 3> kLetterRows = {{{16, 27}, {30, 40}, {44, 53}}};
+
+constexpr bool isOnKeypad(std::uint16_t evdevCode) {
+  return evdevCode == 55 || evdevCode == 69 || (evdevCode >= 71 && evdevCode <= 83) || evdevCode == 96 ||
+         evdevCode == 98 || evdevCode == 117;
+}
+
+}  // namespace
+
+Keymap::Keymap(x11::X11Connection& connection)
+    : connection_(connection), context_(xkb_context_new(XKB_CONTEXT_NO_FLAGS)) {
+  subscription_ = connection_.subscribe(x11::X11Connection::Delivery::WhenRead,
+                                        [this](const auto& event) { eventCame(event); });
+}
+
+void Keymap::eventCame(const xcb_generic_event_t& event) {
+  switch (connection_.xkbKind(event)) {
+    case XCB_XKB_NEW_KEYBOARD_NOTIFY:
+    case XCB_XKB_MAP_NOTIFY:
+      server_.reset();
+      chosen_ = nullptr;
+      break;
+    case XCB_XKB_STATE_NOTIFY:
+      presentLayout_ = reinterpret_cast<const xcb_xkb_state_notify_event_t&>(event).group;
+      chosen_ = nullptr;
+      break;
+    default:
+      break;
+  }
+}
+
+std::optional<std::string> Keymap::text(std::uint16_t evdevCode) {
+  if (!update()) return std::nullopt;
+  auto text = textOf(symbol(chosen_, evdevCode, chosenLayout_, 0));
+  if (text.empty() && isOnKeypad(evdevCode)) text = textOf(symbol(chosen_, evdevCode, chosenLayout_, 1));
+  return text;
+}
+
+std::optional<Keymap::Place> Keymap::find(xkb_keysym_t wanted) {
+  if (!update()) return std::nullopt;
+  for (const xkb_level_index_t level : {0U, 1U}) {
+    for (std::uint16_t code = 1; code <= kHighestEvdevCode; ++code) {
+      if (symbol(chosen_, code, chosenLayout_, level) == wanted)
+        return Place{code, level == 1 && !isOnKeypad(code)};
+    }
+  }
+  return std::nullopt;
+}
+
+bool Keymap::update() {
+  if (!connection_.isOpen() || !context_) return false;
+  connection_.readEvents();
+  if (chosen_) return true;
+  if (!server_) readKeymap();
+  if (server_) chooseLayout();
+  return chosen_ != nullptr;
+}
+
+void Keymap::readKeymap() {
+  const auto device = xkb_x11_get_core_keyboard_device_id(connection_.get());
+  if (device < 0) return;
+  server_.reset(
+      xkb_x11_keymap_new_from_device(context_.get(), connection_.get(), device, XKB_KEYMAP_COMPILE_NO_FLAGS));
+  if (!server_) return;
+  const std::unique_ptr<xkb_state, Unref> state(
+      xkb_x11_state_new_from_device(server_.get(), connection_.get(), device));
+  if (state) presentLayout_ = xkb_state_serialize_layout(state.get(), XKB_STATE_LAYOUT_EFFECTIVE);
+}
+
+void Keymap::chooseLayout() {
+  chosen_ = server_.get();
+  chosenLayout_ = presentLayout_;
+  if (typesLatin(chosenLayout_)) return;
+  const auto count = xkb_keymap_num_layouts(server_.get());
+  for (chosenLayout_ = 0; chosenLayout_ < count; ++chosenLayout_) {
+    if (typesLatin(chosenLayout_)) return;
+  }
+  if (!plain_) {
+    const xkb_rule_names names = {"evdev", "pc105", "us", "", ""};
+    plain_.reset(xkb_keymap_new_from_names(context_.get(), &names, XKB_KEYMAP_COMPILE_NO_FLAGS));
+  }
+  chosen_ = plain_.get();
+  chosenLayout_ = 0;
+}
+
+bool Keymap::typesLatin(xkb_layout_index_t layout) const {
+  std::set<xkb_keysym_t> letters;
+  for (const auto& row : kLetterRows) {
+    for (auto code = row.first; code <= row.last; ++code) {
+      const auto found = symbol(server_.get(), code, layout, 0);
+      if (found >= XKB_KEY_a && found <= XKB_KEY_z) letters.insert(found);
+    }
+  }
+  return letters.size() >= kEnoughLetters;
+}
+
+xkb_keysym_t Keymap::symbol(xkb_keymap* keymap, std::uint16_t evdevCode, xkb_layout_index_t layout,
+                            xkb_level_index_t level) const {
+  const xkb_keysym_t* symbols = nullptr;
+  const int count =
+      xkb_keymap_key_get_syms_by_level(keymap, evdevCode + kKeyCodeOffset, layout, level, &symbols);
+  return count == 1 ? symbols[0] : static_cast<xkb_keysym_t>(XKB_KEY_NoSymbol);
+}
+
+}  // namespace vistrel::keyboard

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <xkbcommon/xkbcommon.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "linux/x11/X11Connection.h"
+
+namespace vistrel::keyboard {
+
+/// The X server's keymap, seen through the layout that types a to z: the present one if it does, else the
+/// first that does, else plain us. Read again only after the server said that it changed. Main thread only.
+class Keymap {
+ public:
+  explicit Keymap(x11::X11Connection& connection);
+
+  /// The unshifted text of a key by its Linux event code, on the keypad that of its digits; a dead key gives
+  /// its accent alone. Empty for a key without text; none when no keymap can be had.
+  [[nodiscard]] std::optional<std::string> text(std::uint16_t evdevCode);
+
+  struct Place {
+    std::uint16_t evdevCode;
+    bool isShifted;  ///< it takes Shift to get the symbol there
+  };
+  /// The key that gives a symbol; none for a symbol that is on no key.
+  [[nodiscard]] std::optional<Place> find(xkb_keysym_t symbol);
+
+ private:
+  struct Unref {
+    void operator()(xkb_context* context) const { xkb_context_unref(context); }
+    void operator()(xkb_keymap* keymap) const { xkb_keymap_unref(keymap); }
+    void operator()(xkb_state* state) const { xkb_state_unref(state); }
+  };
+  using KeymapPointer = std::unique_ptr<xkb_keymap, Unref>;
+
+  void eventCame(const xcb_generic_event_t& event);
+  [[nodiscard]] bool update();
+  void readKeymap();
+  void chooseLayout();
+  [[nodiscard]] bool typesLatin(xkb_layout_index_t layout) const;
+  [[nodiscard]] xkb_keysym_t symbol(xkb_keymap* keymap, std::uint16_t evdevCode, xkb_layout_index_t layout,
+                                    xkb_level_index_t level) const;
+
+  x11::X11Connection& connection_;
+  std::unique_ptr<xkb_context, Unref> context_;
+  KeymapPointer server_;
+  KeymapPointer plain_;
+  xkb_keymap* chosen_ = nullptr;
+  xkb_layout_index_t chosenLayout_ = 0;
+  xkb_layout_index_t presentLayout_ = 0;
+  std::shared_ptr<x11::X11Connection::Handler> subscription_;
+};
+
+}  // namespace vistrel::keyboard

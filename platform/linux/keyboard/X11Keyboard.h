@@ -1,0 +1,33 @@
+#pragma once
+
+#include "backend/Keyboard.h"
+#include "linux/keyboard/Keymap.h"
+#include "linux/x11/X11Connection.h"
+
+namespace vistrel::keyboard {
+
+/// The keyboard of an X server.
+class X11Keyboard final : public backend::KeyboardHost {
+ public:
+  /// `toolkit` is the connection on which the program's windows get their keys: the server hands a captured
+  /// keyboard to one connection only. Null where there is none; then nothing can be captured.
+  X11Keyboard(x11::X11Connection& connection, xcb_connection_t* toolkit);
+
+  [[nodiscard]] std::optional<std::string> displayCharacter(std::uint16_t keyCode) override;
+  [[nodiscard]] std::optional<std::vector<std::map<std::string, std::any>>> symbolicHotKeys() override;
+  void beep() override;
+  bool setKeyboardCaptured(bool isCaptured) override;
+  /// The toolkit has given the keyboard back, which it takes for its own popups: a captured keyboard is
+  /// captured again.
+  void toolkitGaveBack();
+
+ private:
+  bool capture();
+
+  x11::X11Connection& connection_;
+  xcb_connection_t* toolkit_;
+  Keymap keymap_;
+  bool isCaptured_ = false;
+};
+
+}  // namespace vistrel::keyboard

@@ -1,0 +1,79 @@
+#include "linux/session/QtSession.h"
+
+#include <QApplication>
+#include <QCursor>
+#include <QDesktopServices>
+#include <QEvent>
+#include <QSessionManager>
+#include <QUrl>
+#include <utility>
+
+#include "linux/qt/Geometry.h"
+#include "linux/session/SingleInstance.h"
+
+namespace vistrel::session {
+
+using backend::SessionClient;
+
+QtSession::QtSession(desktop::Reactor& reactor, x11::X11Connection& x11, SingleInstance& instance)
+    : reactor_(reactor),
+      instance_(instance),
+      screenWatch_(x11,
+                   [this] {
+                     if (screenHandler_) screenHandler_();
+                     report(&SessionClient::screensDidChange);
+                   }),
+      activation_({.didBecomeActive = [this] { report(&SessionClient::didBecomeActive); },
+                   .willResignActive = [this] { report(&SessionClient::willResignActive); }}),
+      colourScheme_({.didLearn =
+                         [this] {
+                           isReady_ = true;
+                           launchWhenReady();
+                         },
+                     .didChange = [this] { report(&SessionClient::appearanceDidChange); }}),
+      signals_(reactor, [this] { report(&SessionClient::terminateRequested); }) {
+  watchEndOfSession();
+}
+
+void QtSession::setClient(SessionClient* client) {
+  client_ = client;
+  launchWhenReady();
+}
+
+// Windows come up light or dark as the desktop is, so that has to be known first.
+void QtSession::launchWhenReady() {
+  if (client_ && isReady_ && !std::exchange(isLaunched_, true)) reactor_.post([this] { launch(); });
+}
+
+// Whoever starts the program while it is launching waits for the mirror until then.
+void QtSession::launch() {
+  report(&SessionClient::didFinishLaunching);
+  instance_.setReopenHandler([this] { report(&SessionClient::reopen); });
+}
+
+void QtSession::report(Report what) {
+  if (client_) (client_->*what)();
+}
+
+Point QtSession::pointerLocation() { return qt::fromQt(QCursor::pos()); }
+
+bool QtSession::openUrl(const std::string& url) {
+  return QDesktopServices::openUrl(QUrl(QString::fromStdString(url)));
+}
+
+// A session manager that starts the program again would show it to a user who has quit it.
+void QtSession::watchEndOfSession() {
+  const auto never = [](QSessionManager& manager) { manager.setRestartHint(QSessionManager::RestartNever); };
+  QObject::connect(qApp, &QGuiApplication::commitDataRequest, this, never, Qt::DirectConnection);
+  QObject::connect(qApp, &QGuiApplication::saveStateRequest, this, never, Qt::DirectConnection);
+  qApp->installEventFilter(this);
+}
+
+// Qt's own way to quit, which a session manager's end takes, goes through the terminate step instead.
+bool QtSession::eventFilter(QObject* watched, QEvent* event) {
+  if (watched != qApp || event->type() != QEvent::Quit) return false;
+  reactor_.post([this] { report(&SessionClient::terminateRequested); });
+  return true;
+}
+
+}  // namespace vistrel::session

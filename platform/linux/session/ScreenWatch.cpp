@@ -1,0 +1,83 @@
+#include "linux/session/ScreenWatch.h"
+
+#include <qpa/qplatformscreen.h>
+
+#include <QGuiApplication>
+#include <QMarginsF>
+#include <QScreen>
+#include <algorithm>
+#include <utility>
+
+#include "linux/qt/Geometry.h"
+#include "linux/session/FreeArea.h"
+
+namespace vistrel::session {
+
+namespace {
+
+// A change of mode comes in several steps; they are one change.
+constexpr std::chrono::milliseconds kSettleTime{100};
+
+bool isSamePlace(const backend::Screen& a, const backend::Screen& b) {
+  return a.name == b.name && a.frame == b.frame && a.scale == b.scale;
+}
+
+// Which screen is the primary one, and so the first of Qt's list, is none of these.
+bool areSamePlaces(const std::vector<backend::Screen>& a, const std::vector<backend::Screen>& b) {
+  return std::is_permutation(a.begin(), a.end(), b.begin(), b.end(), isSamePlace);
+}
+
+backend::Screen describe(const QScreen& screen) {
+  return {.name = screen.name().toStdString(),
+          .frame = qt::fromQt(screen.geometry()),
+          .visibleFrame = qt::fromQt(screen.availableGeometry()),
+          .scale = screen.devicePixelRatio(),
+          .isPrimary = &screen == QGuiApplication::primaryScreen()};
+}
+
+Rect withoutPanels(const QScreen& screen, const std::vector<x11::Strut>& struts) {
+  const QMarginsF pixels = panelMargins(screen.handle()->geometry(), struts);
+  const QRectF free = QRectF(screen.geometry()).marginsRemoved(pixels / screen.devicePixelRatio());
+  return {free.x(), free.y(), free.width(), free.height()};
+}
+
+}  // namespace
+
+ScreenWatch::ScreenWatch(x11::X11Connection& x11, std::function<void()> handler)
+    : x11_(x11), handler_(std::move(handler)), known_(screens()) {
+  for (QScreen* screen : QGuiApplication::screens()) watch(screen);
+  QObject::connect(qGuiApp, &QGuiApplication::screenAdded, &context_, [this](QScreen* screen) {
+    watch(screen);
+    checkSoon();
+  });
+  QObject::connect(qGuiApp, &QGuiApplication::screenRemoved, &context_, [this] { checkSoon(); });
+}
+
+std::vector<backend::Screen> ScreenWatch::screens() {
+  std::vector<backend::Screen> result;
+  const auto all = QGuiApplication::screens();
+  for (const QScreen* screen : all) result.push_back(describe(*screen));
+  if (all.size() < 2) return result;
+  // Qt leaves panels out of account as soon as there are two screens.
+  const auto struts = x11::panelStruts(x11_);
+  for (qsizetype i = 0; i < all.size(); ++i) result[i].visibleFrame = withoutPanels(*all[i], struts);
+  return result;
+}
+
+void ScreenWatch::watch(QScreen* screen) {
+  const auto soon = [this] { checkSoon(); };
+  QObject::connect(screen, &QScreen::geometryChanged, &context_, soon);
+  QObject::connect(screen, &QScreen::logicalDotsPerInchChanged, &context_, soon);
+  QObject::connect(screen, &QScreen::physicalDotsPerInchChanged, &context_, soon);
+}
+
+void ScreenWatch::checkSoon() {
+  check_ = std::make_unique<qt::SingleShot>(kSettleTime, [this] { check(); });
+}
+
+void ScreenWatch::check() {
+  const auto before = std::exchange(known_, screens());
+  if (!areSamePlaces(before, known_)) handler_();
+}
+
+}  // namespace vistrel::session

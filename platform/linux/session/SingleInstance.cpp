@@ -1,0 +1,79 @@
+#include "linux/session/SingleInstance.h"
+
+#include <QCoreApplication>
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QVariantMap>
+#include <utility>
+
+namespace vistrel::session {
+
+namespace {
+
+constexpr const char* kName = "org.vistrel.Vistrel";
+constexpr const char* kPath = "/org/vistrel/Vistrel";
+constexpr const char* kInterface = "org.freedesktop.Application";
+// A first program that is busy gets the message all the same; the second one does not wait for it.
+constexpr int kHandOverPatience = 500;
+
+constexpr const char* kDescription = R"(<interface name="org.freedesktop.Application">
+  <method name="Activate"><arg type="a{sv}" direction="in"/></method>
+  <method name="Open"><arg type="as" direction="in"/><arg type="a{sv}" direction="in"/></method>
+  <method name="ActivateAction">
+    <arg type="s" direction="in"/><arg type="av" direction="in"/><arg type="a{sv}" direction="in"/>
+  </method>
+</interface>)";
+
+void handOver(const QDBusConnection& bus) {
+  auto message = QDBusMessage::createMethodCall(kName, kPath, kInterface, "Activate");
+  message << QVariantMap();
+  bus.call(message, QDBus::Block, kHandOverPatience);
+}
+
+}  // namespace
+
+// A connection of its own: the shared one hands on no calls before the main loop runs.
+SingleInstance::SingleInstance() : bus_(QDBusConnection::connectToBus(QDBusConnection::SessionBus, kName)) {}
+
+// The object stands before the name is asked for: whoever waits for the name may call at once.
+SingleInstance::Role SingleInstance::claim() {
+  if (!bus_.isConnected()) return Role::WithoutBus;
+  bus_.registerVirtualObject(kPath, this);
+  const auto reply = bus_.interface()->registerService(kName, QDBusConnectionInterface::DontQueueService);
+  if (!reply.isValid()) return Role::WithoutBus;
+  if (reply.value() != QDBusConnectionInterface::ServiceRegistered) {
+    handOver(bus_);
+    return Role::Second;
+  }
+  // The bus sends what waited for the name before it answers this, so an activation that is this start is in
+  // our queue afterwards; what comes later is a start of its own.
+  (void)bus_.interface()->isServiceRegistered(kName);
+  QCoreApplication::sendPostedEvents(this);
+  isClaimed_ = true;
+  return Role::First;
+}
+
+void SingleInstance::setReopenHandler(std::function<void()> handler) {
+  reopen_ = std::move(handler);
+  if (reopen_ && std::exchange(isReopenDue_, false)) reopen_();
+}
+
+void SingleInstance::activate() {
+  if (reopen_) return reopen_();
+  isReopenDue_ = isClaimed_;
+}
+
+QString SingleInstance::introspect(const QString& /*path*/) const { return kDescription; }
+
+bool SingleInstance::handleMessage(const QDBusMessage& message, const QDBusConnection& connection) {
+  if (message.interface() != kInterface) return false;
+  if (message.member() == "ActivateAction") {
+    return connection.send(message.createErrorReply(QDBusError::InvalidArgs, "Vistrel has no such action"));
+  }
+  if (message.member() != "Activate" && message.member() != "Open") return false;
+  if (message.isReplyRequired()) connection.send(message.createReply());
+  activate();
+  return true;
+}
+
+}  // namespace vistrel::session

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "backend/Session.h"
+#include "base/Geometry.h"
+
+namespace vistrel::tray {
+
+/// Where the icon most likely is when the tray host does not tell, judged by where the pointer was at the
+/// press: a small rectangle across the panel (what the screen's free area leaves out), or at the screen's
+/// edge where a panel reserves no room. None when the pointer was nowhere near an edge.
+[[nodiscard]] std::optional<Rect> guessIconFrame(Point pointer, const std::vector<backend::Screen>& screens);
+
+}  // namespace vistrel::tray

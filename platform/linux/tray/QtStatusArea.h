@@ -1,0 +1,62 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "backend/StatusArea.h"
+#include "linux/qt/PopUpMenu.h"
+#include "linux/tray/TrayHostWatch.h"
+#include "linux/tray/TrayIcon.h"
+#include "linux/tray/TrayImage.h"
+#include "linux/x11/HostMenuWatch.h"
+
+namespace vistrel::backend {
+class SessionHost;
+}
+
+namespace vistrel::tray {
+
+/// The tray icon: one native icon, changed in place. It is made when the desktop has a place for it, however
+/// late, and made anew only for a tray host of another kind.
+class QtStatusArea final : public backend::StatusArea {
+ public:
+  QtStatusArea(backend::SessionHost& session, x11::X11Connection& x11);
+  ~QtStatusArea() override;
+
+  void setClient(backend::StatusAreaClient* client) override { client_ = client; }
+  void setIcon(const std::string& imagePath) override;
+  void hideIcon() override;
+  void setHighlighted(bool isHighlighted) override;
+  void mirrorMenu(std::shared_ptr<NSMenu> menu) override;
+  void popUpMenu(std::shared_ptr<NSMenu> menu) override;
+  void dismissMenu() override;
+  [[nodiscard]] std::optional<Rect> iconFrame() override;
+
+  /// The desktop's screens changed: where the icon was last pressed tells nothing any more.
+  void forgetIconFrame() { guessedFrame_.reset(); }
+
+ private:
+  void makeIcon(TrayHost host);
+  void update();
+  void tellClosed();
+  void tellChosen(std::shared_ptr<NSMenuItem> item);
+  void pressed(QSystemTrayIcon::ActivationReason reason);
+  void report(backend::PointerButton button);
+  void hostWillOpenMenu();
+  void rememberPointer();
+
+  backend::SessionHost& session_;
+  backend::StatusAreaClient* client_ = nullptr;
+  x11::HostMenuWatch hostMenu_;
+  std::unique_ptr<TrayIcon> icon_;
+  std::shared_ptr<NSMenu> menu_;
+  std::unique_ptr<qt::PopUpMenu> popUp_;
+  TrayImage image_;
+  bool isShown_ = false;
+  bool isHighlighted_ = false;
+  std::optional<Rect> guessedFrame_;
+  TrayHostWatch hosts_;
+};
+
+}  // namespace vistrel::tray

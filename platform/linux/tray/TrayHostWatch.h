@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QAbstractNativeEventFilter>
+#include <QDBusServiceWatcher>
+#include <QObject>
+#include <functional>
+#include <memory>
+
+#include "linux/qt/SingleShot.h"
+
+namespace vistrel::tray {
+
+/// Who takes tray icons on this desktop: a host on the session bus (StatusNotifierItem), which is the better
+/// one, or a window that embeds them (XEmbed system tray).
+enum class TrayHost { None, Bus, Embedding };
+
+/// Watches for tray hosts, which may come late, end, or be replaced by one of the other kind.
+class TrayHostWatch final : public QObject, public QAbstractNativeEventFilter {
+  Q_OBJECT
+
+ public:
+  /// `handler` is called from the main loop with a host of another kind than before. It hears nothing of one
+  /// that ends: an icon waits for the next of its kind.
+  explicit TrayHostWatch(std::function<void(TrayHost)> handler);
+  ~TrayHostWatch() override;
+
+  bool nativeEventFilter(const QByteArray& type, void* message, qintptr* result) override;
+
+ private slots:
+  void look();
+
+ private:
+  void settle();
+
+  std::function<void(TrayHost)> handler_;
+  QDBusServiceWatcher busHosts_;
+  TrayHost known_ = TrayHost::None;
+  std::unique_ptr<qt::SingleShot> settling_;
+};
+
+}  // namespace vistrel::tray

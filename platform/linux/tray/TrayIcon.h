@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QObject>
+#include <QSystemTrayIcon>
+#include <functional>
+#include <memory>
+
+#include "linux/tray/MirroredMenu.h"
+#include "linux/tray/TrayHostWatch.h"
+
+namespace vistrel::tray {
+
+/// The native icon in a tray of one kind, with the menu that hangs on it.
+class TrayIcon final : public QObject {
+ public:
+  using Pressed = std::function<void(QSystemTrayIcon::ActivationReason)>;
+  TrayIcon(TrayHost host, Pressed pressed, MirroredMenu::Handlers menuHandlers);
+  ~TrayIcon() override;
+
+  [[nodiscard]] MirroredMenu& menu() { return menu_; }
+  void show(const QIcon& icon);
+  void hide() { native_->hide(); }
+  /// Where it is; empty where the host does not tell.
+  [[nodiscard]] QRect geometry() const { return native_->geometry(); }
+
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  MirroredMenu menu_;
+  std::unique_ptr<QSystemTrayIcon> native_;
+};
+
+}  // namespace vistrel::tray

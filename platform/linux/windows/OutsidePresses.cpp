@@ -1,0 +1,91 @@
+#include "linux/windows/OutsidePresses.h"
+
+#include <qpa/qplatformscreen.h>
+
+#include <QApplication>
+#include <QMouseEvent>
+#include <QScreen>
+#include <QTimer>
+#include <QWindow>
+#include <algorithm>
+#include <chrono>
+#include <cstdint>
+
+#include "linux/qt/Geometry.h"
+#include "linux/windows/X11Windows.h"
+
+namespace vistrel::windows {
+
+namespace {
+
+// The word of a press comes on two connections, and on Qt's by way of a thread. This long the one waits for
+// the other; a person sees no delay in it.
+constexpr std::chrono::milliseconds kPatience(30);
+constexpr std::size_t kRemembered = 8;
+
+// The X server speaks of pixels, and screens of different scales have different pixels.
+QPoint fromPixels(QPoint pixels) {
+  for (const QScreen* screen : QGuiApplication::screens()) {
+    const QRect native = screen->handle()->geometry();
+    if (!native.contains(pixels)) continue;
+    const QPointF way = QPointF(pixels - native.topLeft()) / screen->devicePixelRatio();
+    return screen->geometry().topLeft() + way.toPoint();
+  }
+  return pixels;
+}
+
+// Where the tray host embeds the icon in a window of ours, that window is a part of the panel all the same.
+bool isTrayIcon(const QWindow& window) { return window.objectName() == u"QSystemTrayIconSysWindow"; }
+
+// Server time runs over after seven weeks.
+bool isLater(xcb_timestamp_t a, xcb_timestamp_t b) { return static_cast<std::int32_t>(a - b) > 0; }
+
+}  // namespace
+
+OutsidePresses::~OutsidePresses() { setClient(nullptr); }
+
+void OutsidePresses::setClient(backend::OutsidePressClient* client) {
+  client_ = client;
+  ++watch_;
+  ownPresses_.clear();
+  qApp->removeEventFilter(this);
+  if (!client_) {
+    presses_.setHandler({});
+    return;
+  }
+  watchedSince_ = serverTime();
+  qApp->installEventFilter(this);
+  presses_.setHandler([this](const x11::RawPress& press) { pressed(press); });
+}
+
+bool OutsidePresses::eventFilter(QObject* object, QEvent* event) {
+  const bool isPress =
+      event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick;
+  if (isPress && object->isWindowType()) {
+    note(*static_cast<QWindow*>(object), *static_cast<QMouseEvent*>(event));
+  }
+  return false;
+}
+
+// An open menu gets the presses beside it too.
+void OutsidePresses::note(const QWindow& window, const QMouseEvent& press) {
+  if (isTrayIcon(window) || !window.geometry().contains(press.globalPosition().toPoint())) return;
+  ownPresses_.push_back(static_cast<xcb_timestamp_t>(press.timestamp()));
+  if (ownPresses_.size() > kRemembered) ownPresses_.pop_front();
+}
+
+// Where the pointer is by now tells nothing: a quick hand has moved on, and a menu may have closed.
+void OutsidePresses::pressed(const x11::RawPress& press) {
+  if (!isLater(press.time, watchedSince_)) return;  // it may be what opened the popover
+  const QPoint place = fromPixels({press.x, press.y});
+  QTimer::singleShot(kPatience, this, [this, watch = watch_, time = press.time, place] {
+    if (watch == watch_) judge(time, place);
+  });
+}
+
+void OutsidePresses::judge(xcb_timestamp_t time, QPoint place) {
+  const bool isOurs = std::find(ownPresses_.begin(), ownPresses_.end(), time) != ownPresses_.end();
+  if (!isOurs && client_) client_->pressedOutside(qt::fromQt(place));
+}
+
+}  // namespace vistrel::windows

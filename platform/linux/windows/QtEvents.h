@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <memory>
+
+#include "appkit/NSEvent.h"
+
+namespace vistrel::windows {
+
+[[nodiscard]] NSEventModifierFlags flagsOf(Qt::KeyboardModifiers modifiers);
+
+/// The event that a key makes; null for a key that has no place on the keyboard.
+[[nodiscard]] std::shared_ptr<NSEvent> keyEvent(const QKeyEvent& event, NSWindow& window);
+
+/// The event that a button makes, with its location in the content that begins at `origin`.
+[[nodiscard]] std::shared_ptr<NSEvent> buttonEvent(const QMouseEvent& event, QPoint origin, NSWindow& window);
+
+}  // namespace vistrel::windows

@@ -1,0 +1,122 @@
+#include "linux/windows/QtShell.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <utility>
+
+namespace vistrel::windows {
+
+namespace {
+
+// Room that a rounded corner takes.
+constexpr int kCornerSize = 8;
+
+}  // namespace
+
+QtShell::QtShell(QtShellClient& client) : client_(&client), content_(new QWidget(this)) {
+  setAttribute(Qt::WA_QuitOnClose, false);
+  content_->installEventFilter(this);
+}
+
+void QtShell::retire() {
+  client_ = nullptr;
+  hide();
+  deleteLater();
+}
+
+void QtShell::setChrome(const QPainterPath& outline, const QColor& line) {
+  outline_ = outline;
+  line_ = line;
+  update();
+}
+
+void QtShell::closeEvent(QCloseEvent* event) {
+  event->ignore();
+  if (client_) client_->shellCloseRequested();
+}
+
+void QtShell::moveEvent(QMoveEvent* /*event*/) {
+  if (client_) client_->shellMoved();
+}
+
+// The handle comes with the first showing, and again whenever Qt makes the window anew.
+void QtShell::showEvent(QShowEvent* /*event*/) {
+  if (std::exchange(handle_, windowHandle()) == windowHandle()) return;
+  handle_->installEventFilter(this);
+  connect(handle_, &QWindow::screenChanged, this, [this] {
+    if (client_) client_->shellScaled();
+  });
+}
+
+void QtShell::paintEvent(QPaintEvent* /*event*/) {
+  QPainter painter(this);
+  painter.fillRect(rect(), palette().color(QPalette::Window));
+  if (outline_.isEmpty()) return;
+  const QRect inner = content_->geometry();
+  const QRect box = inner.adjusted(-1, -1, 1, 1);
+  for (const QRect& line : QRegion(box) - inner) painter.fillRect(line, line_);
+  // The rest of the path is straight: painting all of it would wake Qt's threads for nothing.
+  painter.setClipRegion(QRegion(rect()) - inner.adjusted(0, kCornerSize, 0, -kCornerSize) -
+                        inner.adjusted(kCornerSize, 0, -kCornerSize, 0));
+  painter.setRenderHint(QPainter::Antialiasing);
+  // Twice as wide as is seen: the window is cut along the middle of the line.
+  painter.setPen(QPen(line_, 2));
+  painter.drawPath(outline_);
+}
+
+void QtShell::mousePressEvent(QMouseEvent* event) {
+  if (event->button() != Qt::LeftButton) return;
+  drag_ = Drag::Possible;
+  pressedAt_ = event->globalPosition().toPoint();
+  positionAtPress_ = pos();
+}
+
+void QtShell::mouseMoveEvent(QMouseEvent* event) {
+  const QPoint way = event->globalPosition().toPoint() - pressedAt_;
+  if (drag_ == Drag::Possible && way.manhattanLength() >= QApplication::startDragDistance()) {
+    drag_ = Drag::Going;
+    if (client_) client_->shellDragBegan();
+  }
+  if (drag_ == Drag::Going && client_) client_->shellDragged(positionAtPress_ + way);
+}
+
+void QtShell::mouseReleaseEvent(QMouseEvent* /*event*/) { drag_ = Drag::None; }
+
+bool QtShell::event(QEvent* event) {
+  const bool isHandled = QWidget::event(event);
+  if (!client_) return isHandled;
+  if (event->type() == QEvent::WindowActivate) client_->shellActivated();
+  if (event->type() == QEvent::WindowDeactivate) client_->shellDeactivated();
+  return isHandled;
+}
+
+bool QtShell::eventFilter(QObject* object, QEvent* event) {
+  if (object == content_) filterContent(*event);
+  if (object == handle_ && filterWindow(*event)) return true;
+  return QWidget::eventFilter(object, event);
+}
+
+void QtShell::filterContent(const QEvent& event) {
+  if (!client_) return;
+  if (event.type() == QEvent::Enter) client_->shellPointerEntered();
+  if (event.type() == QEvent::Leave) client_->shellPointerLeft();
+}
+
+// A menu of ours that is open has the keyboard and the pointer to itself.
+bool QtShell::filterWindow(QEvent& event) {
+  if (!client_ || QApplication::activePopupWidget()) return false;
+  switch (event.type()) {
+    case QEvent::KeyPress:
+    case QEvent::KeyRelease:
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::MouseButtonRelease:
+      return client_->shellFilter(event);
+    default:
+      return false;
+  }
+}
+
+}  // namespace vistrel::windows

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <QPainterPath>
+#include <QPointer>
+#include <QWidget>
+#include <QWindow>
+#include <memory>
+
+#include "appkit/NSWindow.h"
+
+namespace vistrel::windows {
+
+/// What happens to a native window. Called from the main loop.
+class QtShellClient {
+ public:
+  virtual ~QtShellClient() = default;
+  virtual void shellCloseRequested() = 0;
+  virtual void shellActivated() = 0;
+  virtual void shellDeactivated() = 0;
+  /// Something other than a command of ours placed it.
+  virtual void shellMoved() = 0;
+  virtual void shellScaled() = 0;
+  /// The pointer, with the button down on the content, has gone far enough to mean a drag.
+  virtual void shellDragBegan() = 0;
+  /// The drag goes on; the window would now lie at `position`.
+  virtual void shellDragged(QPoint position) = 0;
+  virtual void shellPointerEntered() = 0;
+  virtual void shellPointerLeft() = 0;
+  /// A key or button event before any widget gets it. True when it was swallowed.
+  virtual bool shellFilter(QEvent& event) = 0;
+};
+
+/// A native window: a container for the content, and around it what the backend draws of its own.
+class QtShell final : public QWidget {
+ public:
+  explicit QtShell(QtShellClient& client);
+
+  [[nodiscard]] QWidget& content() const { return *content_; }
+  /// The line and the tip around the content; an empty path for none.
+  void setChrome(const QPainterPath& outline, const QColor& line);
+  /// Nothing is reported any more; the window goes away.
+  void retire();
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void moveEvent(QMoveEvent* event) override;
+  void showEvent(QShowEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  bool event(QEvent* event) override;
+  bool eventFilter(QObject* object, QEvent* event) override;
+
+ private:
+  bool filterWindow(QEvent& event);
+  void filterContent(const QEvent& event);
+
+  enum class Drag { None, Possible, Going };
+
+  QtShellClient* client_;
+  QWidget* content_;
+  QPointer<QWindow> handle_;
+  QPainterPath outline_;
+  QColor line_;
+  Drag drag_ = Drag::None;
+  QPoint pressedAt_;
+  QPoint positionAtPress_;
+};
+
+}  // namespace vistrel::windows

@@ -1,0 +1,274 @@
+#include "linux/windows/QtWindow.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QCursor>
+#include <QKeyEvent>
+#include <QPointer>
+#include <QWindow>
+#include <utility>
+
+#include "appkit/NSPopUpButton.h"
+#include "appkit/NSView.h"
+#include "linux/qt/Geometry.h"
+#include "linux/qt/Palettes.h"
+#include "linux/widgets/QtControls.h"
+#include "linux/windows/PopoverShape.h"
+#include "linux/windows/QtEvents.h"
+
+namespace vistrel::windows {
+
+namespace {
+
+// An ordinary window can be closed and moved; nothing of ours gains from another size or from being
+// minimised.
+constexpr Qt::WindowFlags kTitledFlags = Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                                         Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint;
+constexpr Qt::WindowFlags kChrome =
+    Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::NoDropShadowWindowHint;
+constexpr Qt::WindowFlags kPopoverFlags = Qt::Tool | kChrome;
+constexpr Qt::WindowFlags kDetachedFlags = Qt::Window | kChrome;
+
+bool isTab(const QEvent& event) {
+  return event.type() == QEvent::KeyPress && static_cast<const QKeyEvent&>(event).key() == Qt::Key_Tab;
+}
+
+}  // namespace
+
+QtWindow::QtWindow(NSWindow& window, backend::WindowClient& client, X11Windows& x11)
+    : window_(window),
+      client_(client),
+      x11_(x11),
+      shell_(new QtShell(*this)),
+      tree_(shell_->content(), *this),
+      shownKind_(window.kind()) {
+  const Obeying obeying(*this);
+  shell_->setWindowFlags(hasChrome() ? kPopoverFlags : kTitledFlags);
+  attributesDidChange();
+}
+
+QtWindow::~QtWindow() {
+  if (menu_) menu_->close();
+  shell_->retire();
+}
+
+bool QtWindow::hasChrome() const { return window_.kind() != NSWindowKind::Titled; }
+
+void QtWindow::contentDidChange() {
+  const Obeying obeying(*this);
+  tree_.build(window_.contentView().get());
+  addCloseButton();
+  firstResponderDidChange(dynamic_cast<NSView*>(window_.firstResponder()));
+  // A new content under a resting pointer has not been told of it.
+  const bool isOther = std::exchange(builtContent_, window_.contentView()) != window_.contentView();
+  if (isOther && std::exchange(isPointerInside_, false)) tellPointer(true);
+}
+
+void QtWindow::addCloseButton() {
+  const auto& button = window_.closeButton();
+  if (!button || !hasChrome() || tree_.find(button.get())) return;
+  tree_.add(*button,
+            std::make_unique<widgets::QtCloseButton>(*button, static_cast<widgets::QtViewClient&>(*this)));
+}
+
+void QtWindow::show() {
+  const Obeying obeying(*this);
+  if (!shell_->isVisible()) {
+    margins_ = hasChrome() ? PopoverShape::margins(window_.tip()) : QMargins();
+    attributesDidChange();
+    shell_->winId();
+    applyChrome();
+    applyKind();
+    x11_.noteUserAction();
+    shell_->show();
+  }
+  activate();
+  firstResponderDidChange(dynamic_cast<NSView*>(window_.firstResponder()));
+}
+
+void QtWindow::hide() {
+  const Obeying obeying(*this);
+  if (menu_) menu_->close();
+  shell_->hide();
+  tellPointer(false);
+}
+
+void QtWindow::activate() {
+  const Obeying obeying(*this);
+  x11_.noteUserAction();
+  shell_->raise();
+  shell_->activateWindow();
+}
+
+void QtWindow::attributesDidChange() {
+  const Obeying obeying(*this);
+  shell_->setWindowTitle(QString::fromStdString(window_.title()));
+  applyLook();
+  applyFrame();
+  addCloseButton();
+  const bool isOtherKind = std::exchange(shownKind_, window_.kind()) != window_.kind();
+  if (shell_->isVisible() && hasChrome()) applyChrome();
+  if (isOtherKind && shell_->isVisible()) applyKind();
+}
+
+// A widget's own flags would take the window down to change it, and the picture with it.
+void QtWindow::applyKind() {
+  QWindow& handle = *shell_->windowHandle();
+  const bool isAccessory = window_.kind() == NSWindowKind::Popover;
+  if (hasChrome()) handle.setFlags(isAccessory ? kPopoverFlags : kDetachedFlags);
+  x11_.setListed(handle, isAccessory ? X11Windows::ListedAs::Accessory : X11Windows::ListedAs::Window);
+}
+
+void QtWindow::applyLook() {
+  const QPalette palette = qt::paletteFor(window_.effectiveAppearance());
+  if (shell_->testAttribute(Qt::WA_SetPalette) && shell_->palette() == palette) return;
+  shell_->setPalette(palette);
+  tree_.refreshAll();
+}
+
+void QtWindow::applyFrame() {
+  const QRect content = qt::toQt(window_.frame());
+  const QRect outer = content.marginsAdded(margins_);
+  if (outer.isEmpty()) return;
+  if (shell_->geometry() != outer) {
+    shell_->setFixedSize(outer.size());
+    shell_->setGeometry(outer);
+  }
+  shell_->content().setGeometry(QRect(QPoint(margins_.left(), margins_.top()), content.size()));
+}
+
+void QtWindow::applyChrome() {
+  if (!hasChrome()) return;
+  const auto tip = window_.kind() == NSWindowKind::Popover ? window_.tip() : std::nullopt;
+  const PopoverShape shape(shell_->content().geometry(), tip, shell_->geometry().topLeft());
+  shell_->setChrome(shape.outline(), qt::chromeLine(window_.effectiveAppearance()));
+  x11_.setShape(*shell_->windowHandle(), shape.region(shell_->devicePixelRatioF()));
+  x11_.setBackground(*shell_->windowHandle(), qt::neutralGlass(window_.effectiveAppearance()));
+}
+
+void QtWindow::viewDidChange(NSView& view) {
+  widgets::QtView* widget = tree_.find(&view);
+  if (!widget) return;
+  const Obeying obeying(*this);
+  widget->refresh();
+  // A control that was hidden could not take the focus that it has.
+  if (&view == window_.firstResponder()) firstResponderDidChange(&view);
+}
+
+void QtWindow::firstResponderDidChange(NSView* view) {
+  const Obeying obeying(*this);
+  const widgets::QtView* widget = tree_.find(view);
+  if (widget && widget->control()) {
+    widget->control()->setFocus(Qt::OtherFocusReason);
+  } else if (QWidget* focused = shell_->focusWidget()) {
+    focused->clearFocus();
+  }
+}
+
+void QtWindow::popUpMenu(NSPopUpButton& button) {
+  const widgets::QtView* widget = tree_.find(&button);
+  auto* face = widget ? qobject_cast<QAbstractButton*>(widget->control()) : nullptr;
+  if (!face || !shell_->isVisible()) return;
+  if (menu_) menu_->close();
+  const auto kept = std::static_pointer_cast<NSPopUpButton>(button.shared_from_this());
+  menu_ = new qt::QtPopUpMenu(*face, button.menu(), button.pullsDown() ? 1 : 0,
+                              [kept](const auto& item) { kept->itemChosen(item); });
+  QObject::connect(menu_, &QMenu::aboutToHide, face, [face] { face->setDown(false); });
+  QObject::connect(
+      menu_, &QMenu::aboutToHide, &context_, [this] { menuClosed(); }, Qt::QueuedConnection);
+  face->setDown(true);
+  const QRect anchor(face->mapToGlobal(QPoint(0, 0)), face->size());
+  menu_->popUpBeside(anchor,
+                     wasKeyLast_ ? qt::QtPopUpMenu::OpenedBy::Keyboard : qt::QtPopUpMenu::OpenedBy::Pointer);
+}
+
+// While a menu is open the pointer is neither in the content nor away from it.
+void QtWindow::menuClosed() {
+  if (menu_ && menu_->isVisible()) return;
+  const QWidget* under = QApplication::widgetAt(QCursor::pos());
+  tellPointer(under && (under == &shell_->content() || shell_->content().isAncestorOf(under)));
+}
+
+void QtWindow::tellPointer(bool isInside) {
+  if (std::exchange(isPointerInside_, isInside) == isInside) return;
+  const auto tell = [this, isInside] { isInside ? client_.pointerDidEnter() : client_.pointerDidLeave(); };
+  if (commands_ == 0) {
+    tell();
+  } else {
+    QMetaObject::invokeMethod(&context_, tell, Qt::QueuedConnection);
+  }
+}
+
+Rect QtWindow::contentOnDesktop() const { return qt::fromQt(shell_->geometry().marginsRemoved(margins_)); }
+
+void QtWindow::shellCloseRequested() {
+  QMetaObject::invokeMethod(
+      &context_, [this] { client_.closeRequested(); }, Qt::QueuedConnection);
+}
+
+void QtWindow::shellActivated() { client_.didGainFocus(); }
+
+void QtWindow::shellDeactivated() {
+  // A key that another program has grabbed looks like a lost focus while it is held.
+  if (shell_->windowHandle() && x11_.hasFocus(*shell_->windowHandle())) return;
+  client_.didLoseFocus();
+}
+
+void QtWindow::shellMoved() {
+  if (commands_ > 0 || !shell_->isVisible() || contentOnDesktop() == window_.frame()) return;
+  client_.didMove(contentOnDesktop());
+}
+
+void QtWindow::shellScaled() { applyChrome(); }
+
+void QtWindow::shellDragBegan() {
+  if (hasChrome()) client_.dragDidBegin();
+}
+
+void QtWindow::shellDragged(QPoint position) {
+  if (window_.kind() != NSWindowKind::Detached) return;
+  {
+    const Obeying obeying(*this);
+    shell_->move(position);
+  }
+  client_.didMove(contentOnDesktop());
+}
+
+void QtWindow::shellPointerEntered() {
+  if (!menu_ || !menu_->isVisible()) tellPointer(true);
+}
+
+void QtWindow::shellPointerLeft() {
+  if (!menu_ || !menu_->isVisible()) tellPointer(false);
+}
+
+bool QtWindow::shellFilter(QEvent& event) {
+  wasKeyLast_ = event.type() == QEvent::KeyPress;
+  const QPointer<QWidget> focused = shell_->focusWidget();
+  const auto translation = translated(event);
+  const bool isTaken = translation && client_.handleEvent(translation);
+  if (!isTaken && isTab(event) && focused && !shell_->focusWidget()) {
+    // A control that let go of the focus for it is where the walk goes on from.
+    const Obeying obeying(*this);
+    focused->setFocus(Qt::OtherFocusReason);
+  }
+  return isTaken;
+}
+
+std::shared_ptr<NSEvent> QtWindow::translated(QEvent& event) {
+  if (auto* key = dynamic_cast<QKeyEvent*>(&event)) return keyEvent(*key, window_);
+  auto* press = dynamic_cast<QMouseEvent*>(&event);
+  return press ? buttonEvent(*press, shell_->content().pos(), window_) : nullptr;
+}
+
+void QtWindow::focusWanted(NSView& view) {
+  if (commands_ > 0) return;
+  client_.focusWanted(&view);
+  if (window_.firstResponder() != &view) {
+    firstResponderDidChange(dynamic_cast<NSView*>(window_.firstResponder()));
+  }
+}
+
+void QtWindow::clicked(NSView& view) { client_.viewClicked(view); }
+
+}  // namespace vistrel::windows

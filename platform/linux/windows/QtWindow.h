@@ -1,0 +1,89 @@
+#pragma once
+
+#include <QPointer>
+#include <memory>
+
+#include "appkit/NSWindow.h"
+#include "backend/Windows.h"
+#include "linux/qt/QtPopUpMenu.h"
+#include "linux/widgets/QtViewTree.h"
+#include "linux/windows/QtShell.h"
+#include "linux/windows/X11Windows.h"
+
+namespace vistrel::windows {
+
+/// The native window of an `NSWindow`.
+class QtWindow final : public backend::NativeWindow, private QtShellClient, private widgets::QtViewClient {
+ public:
+  QtWindow(NSWindow& window, backend::WindowClient& client, X11Windows& x11);
+  ~QtWindow() override;
+
+  void contentDidChange() override;
+  void show() override;
+  void hide() override;
+  void attributesDidChange() override;
+  void viewDidChange(NSView& view) override;
+  void firstResponderDidChange(NSView* view) override;
+  void popUpMenu(NSPopUpButton& button) override;
+  void activate() override;
+
+  [[nodiscard]] NSWindow& window() const { return window_; }
+  [[nodiscard]] QWidget& widget() const { return *shell_; }
+
+ private:
+  // QtShellClient
+  void shellCloseRequested() override;
+  void shellActivated() override;
+  void shellDeactivated() override;
+  void shellMoved() override;
+  void shellScaled() override;
+  void shellDragBegan() override;
+  void shellDragged(QPoint position) override;
+  void shellPointerEntered() override;
+  void shellPointerLeft() override;
+  bool shellFilter(QEvent& event) override;
+  // QtViewClient
+  void focusWanted(NSView& view) override;
+  void clicked(NSView& view) override;
+
+  [[nodiscard]] bool hasChrome() const;
+  [[nodiscard]] Rect contentOnDesktop() const;
+  [[nodiscard]] std::shared_ptr<NSEvent> translated(QEvent& event);
+  void applyFrame();
+  void applyChrome();
+  void applyKind();
+  void applyLook();
+  void addCloseButton();
+  void tellPointer(bool isInside);
+  void menuClosed();
+
+  /// Marks a stretch in which native events are the echo of a command and not news.
+  class Obeying {
+   public:
+    explicit Obeying(QtWindow& window) : window_(window) { ++window_.commands_; }
+    ~Obeying() { --window_.commands_; }
+    Obeying(const Obeying&) = delete;
+    Obeying& operator=(const Obeying&) = delete;
+
+   private:
+    QtWindow& window_;
+  };
+
+  NSWindow& window_;
+  backend::WindowClient& client_;
+  X11Windows& x11_;
+  QtShell* shell_;
+  widgets::QtViewTree tree_;
+  QPointer<qt::QtPopUpMenu> menu_;
+  // Room around the content; kept when a popover is torn off, so that the content stays where it is.
+  QMargins margins_;
+  NSWindowKind shownKind_;
+  std::shared_ptr<NSView> builtContent_;
+  int commands_ = 0;
+  bool isPointerInside_ = false;
+  bool wasKeyLast_ = false;
+  // Reports that wait for the main loop are dropped with the window.
+  QObject context_;
+};
+
+}  // namespace vistrel::windows

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <memory>
+
+#include "backend/Windows.h"
+#include "linux/windows/OutsidePresses.h"
+#include "linux/windows/X11Windows.h"
+
+namespace vistrel::windows {
+
+/// Windows and menus by way of Qt on X11.
+class QtWindowSystem final : public backend::WindowSystem {
+ public:
+  explicit QtWindowSystem(x11::RawPresses& presses) : outsidePresses_(presses) {}
+
+  std::unique_ptr<backend::NativeWindow> makeWindow(NSWindow& window, backend::WindowClient& client) override;
+  void flush() override { x11_.flush(); }
+  void setOutsidePressClient(backend::OutsidePressClient* client) override;
+  void showAlert(const std::shared_ptr<NSAlert>& alert, NSWindow* parent) override;
+
+ private:
+  X11Windows x11_;
+  OutsidePresses outsidePresses_;
+};
+
+}  // namespace vistrel::windows

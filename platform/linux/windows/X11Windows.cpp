@@ -1,0 +1,135 @@
+#include "linux/windows/X11Windows.h"
+
+#include <qpa/qplatformnativeinterface.h>
+#include <xcb/shape.h>
+
+#include <QGuiApplication>
+#include <QScreen>
+#include <array>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+namespace vistrel::windows {
+
+namespace {
+
+struct Free {
+  void operator()(void* reply) const { std::free(reply); }
+};
+template <class Reply>
+using Owned = std::unique_ptr<Reply, Free>;
+
+// Values of the window manager specification's _NET_WM_STATE message.
+constexpr std::uint32_t kRemoveState = 0;
+constexpr std::uint32_t kAddState = 1;
+constexpr std::uint32_t kFromApplication = 1;
+
+xcb_atom_t atom(xcb_connection_t* connection, const char* name) {
+  const auto cookie = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(std::strlen(name)), name);
+  const Owned<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, cookie, nullptr));
+  return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+}
+
+xcb_window_t rootOf(xcb_connection_t* connection) {
+  return xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
+}
+
+xcb_window_t idOf(const QWindow& window) { return static_cast<xcb_window_t>(window.winId()); }
+
+}  // namespace
+
+xcb_timestamp_t serverTime() {
+  auto* native = QGuiApplication::platformNativeInterface();
+  void* now = native->nativeResourceForScreen("gettimestamp", QGuiApplication::primaryScreen());
+  return static_cast<xcb_timestamp_t>(reinterpret_cast<std::uintptr_t>(now));
+}
+
+X11Windows::X11Windows() {
+  const auto* native = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+  if (!native) return;
+  connection_ = native->connection();
+  root_ = rootOf(connection_);
+  state_ = atom(connection_, "_NET_WM_STATE");
+  skipTaskbar_ = atom(connection_, "_NET_WM_STATE_SKIP_TASKBAR");
+  skipPager_ = atom(connection_, "_NET_WM_STATE_SKIP_PAGER");
+}
+
+void X11Windows::setListed(const QWindow& window, ListedAs listed) {
+  if (!connection_) return;
+  if (window.isVisible()) {
+    // A window that belongs to another one is left out of lists whatever its state says.
+    if (listed == ListedAs::Window) xcb_delete_property(connection_, idOf(window), XCB_ATOM_WM_TRANSIENT_FOR);
+    askForState(idOf(window), listed);
+  } else {
+    writeState(idOf(window), listed);
+  }
+}
+
+// Before a window is mapped its state is its own to write; Qt adds what it wants to what it finds.
+void X11Windows::writeState(xcb_window_t window, ListedAs listed) {
+  const std::array<xcb_atom_t, 2> states = {skipTaskbar_, skipPager_};
+  const std::uint32_t count = listed == ListedAs::Accessory ? states.size() : 0;
+  xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, state_, XCB_ATOM_ATOM, 32, count,
+                      states.data());
+}
+
+// Afterwards the window manager owns it.
+void X11Windows::askForState(xcb_window_t window, ListedAs listed) {
+  xcb_client_message_event_t message = {};
+  message.response_type = XCB_CLIENT_MESSAGE;
+  message.format = 32;
+  message.window = window;
+  message.type = state_;
+  message.data.data32[0] = listed == ListedAs::Accessory ? kAddState : kRemoveState;
+  message.data.data32[1] = skipTaskbar_;
+  message.data.data32[2] = skipPager_;
+  message.data.data32[3] = kFromApplication;
+  xcb_send_event(connection_, 0, root_,
+                 XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+                 reinterpret_cast<const char*>(&message));
+  xcb_flush(connection_);
+}
+
+void X11Windows::setShape(const QWindow& window, const QRegion& shape) {
+  if (!connection_) return;
+  std::vector<xcb_rectangle_t> rectangles;
+  for (const QRect& r : shape) {
+    rectangles.push_back({static_cast<std::int16_t>(r.x()), static_cast<std::int16_t>(r.y()),
+                          static_cast<std::uint16_t>(r.width()), static_cast<std::uint16_t>(r.height())});
+  }
+  xcb_shape_rectangles(connection_, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, XCB_CLIP_ORDERING_YX_BANDED,
+                       idOf(window), 0, 0, static_cast<std::uint32_t>(rectangles.size()), rectangles.data());
+}
+
+void X11Windows::setBackground(const QWindow& window, const QColor& colour) {
+  if (!connection_) return;
+  const std::uint32_t pixel = colour.rgb();
+  xcb_change_window_attributes(connection_, idOf(window), XCB_CW_BACK_PIXEL, &pixel);
+}
+
+void X11Windows::flush() {
+  if (connection_) xcb_flush(connection_);
+}
+
+void X11Windows::noteUserAction() {
+  QScreen* screen = QGuiApplication::primaryScreen();
+  if (!connection_ || !screen) return;
+  const xcb_timestamp_t now = serverTime();
+  using SetTime = void (*)(QScreen*, xcb_timestamp_t);
+  for (const char* name : {"setapptime", "setappusertime"}) {
+    auto* native = QGuiApplication::platformNativeInterface();
+    const auto set = reinterpret_cast<void (*)()>(native->nativeResourceFunctionForScreen(name));
+    if (set) reinterpret_cast<SetTime>(set)(screen, now);
+  }
+}
+
+bool X11Windows::hasFocus(const QWindow& window) const {
+  if (!connection_) return false;
+  const auto cookie = xcb_get_input_focus(connection_);
+  const Owned<xcb_get_input_focus_reply_t> reply(xcb_get_input_focus_reply(connection_, cookie, nullptr));
+  return reply && reply->focus == idOf(window);
+}
+
+}  // namespace vistrel::windows

@@ -1,0 +1,316 @@
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+#include "KeyboardShortcuts/CarbonKeyboardShortcuts.h"
+#include "KeyboardShortcuts/KeyboardShortcuts.h"
+#include "KeyboardShortcuts/LocalEventMonitor.h"
+#include "KeyboardShortcuts/MenuItemShortcut.h"
+#include "KeyboardShortcuts/ObjectAssociation.h"
+#include "KeyboardShortcuts/Storage.h"
+#include "foundation/MainQueue.h"
+#include "foundation/NotificationCenter.h"
+#include "tests/unit/KeyboardShortcuts/FakeDesktop.h"
+
+namespace vistrel::KeyboardShortcuts {
+namespace {
+
+using backend::HotKeyPhase;
+using Strings = std::vector<std::string>;
+
+const Name kFirst("first");
+const Name kSecond("second");
+const Shortcut kSpace(49, 0x100);
+const Shortcut kF5(96, 0x800);
+
+class RegistryTest : public ::testing::Test {
+ protected:
+  Action say(const std::string& word) {
+    return [this, word] { said.push_back(word); };
+  }
+  Strings take() { return std::exchange(said, {}); }
+  void pressSpace() { desktop.press(49, 0x100); }
+
+  testing::FakeDesktop desktop;
+  Strings said;
+  ObservationToken observation = NotificationCenter::defaultCenter().addObserver(
+      "KeyboardShortcuts_shortcutByNameDidChange", nullptr, [this](const Notification& notification) {
+        EXPECT_EQ(notification.object, nullptr);
+        said.push_back("changed " + std::any_cast<Name>(notification.userInfo.at("name")).rawValue());
+      });
+};
+
+TEST_F(RegistryTest, runsActionsOnPressAndRelease) {
+  onKeyUp(kFirst, say("up 1"));
+  EXPECT_TRUE(desktop.grabs.empty());
+  setShortcut(kSpace, kFirst);
+  onKeyUp(kFirst, say("up 2"));
+  onKeyDown(kFirst, say("down"));
+  EXPECT_EQ(desktop.grabs.size(), 1U);
+  desktop.tell(49, 0x100, HotKeyPhase::Pressed);
+  EXPECT_EQ(take(), (Strings{"changed first", "down"}));
+  desktop.tell(49, 0x100, HotKeyPhase::Released);
+  EXPECT_EQ(take(), (Strings{"up 1", "up 2"}));
+
+  setPaused(true);
+  pressSpace();
+  setPaused(false);
+  EXPECT_EQ(take(), Strings{});
+  pressSpace();
+  EXPECT_EQ(take(), (Strings{"down", "up 1", "up 2"}));
+
+  setShortcut(kF5, kFirst);
+  pressSpace();
+  desktop.press(96, 0x800);
+  EXPECT_EQ(take(), (Strings{"changed first", "down", "up 1", "up 2"}));
+  removeAllHandlers();
+  EXPECT_TRUE(desktop.grabs.empty());
+  onKeyUp(kFirst, say("new"));
+  desktop.press(96, 0x800);
+  EXPECT_EQ(take(), Strings{"new"});
+}
+
+TEST_F(RegistryTest, sharesAHotKeyBetweenNames) {
+  setShortcut(kSpace, kFirst);
+  setShortcut(kSpace, kSecond);
+  onKeyUp(kFirst, say("first"));
+  onKeyUp(kSecond, say("second"));
+  EXPECT_EQ(desktop.grabs.size(), 1U);
+  take();
+  pressSpace();
+  EXPECT_EQ(said.size(), 2U);
+  take();
+
+  setShortcut(std::nullopt, kFirst);
+  EXPECT_EQ(take(), Strings{"changed first"});
+  EXPECT_EQ(getShortcut(kSecond), kSpace);
+  EXPECT_TRUE(desktop.grabs.empty());
+  enable(kSecond);
+  pressSpace();
+  EXPECT_EQ(take(), Strings{"second"});
+  disable(kSecond);
+  EXPECT_TRUE(desktop.grabs.empty());
+  EXPECT_EQ(getShortcut(kSecond), kSpace);
+
+  setShortcut(kSpace, kFirst);
+  setShortcut(kF5, kFirst);
+  EXPECT_EQ(desktop.grabs.size(), 1U);
+  take();
+  pressSpace();
+  EXPECT_EQ(take(), Strings{});
+  enable(kSecond);
+  pressSpace();
+  EXPECT_EQ(take(), Strings{"second"});
+}
+
+TEST_F(RegistryTest, removesAndResets) {
+  setShortcut(std::nullopt, kFirst);
+  EXPECT_FALSE(hasStoredValue(kFirst));
+  UserDefaults::standard().setString("nonsense", storageKey(kFirst));
+  setShortcut(std::nullopt, kFirst);
+  EXPECT_EQ(UserDefaults::standard().stringForKey(storageKey(kFirst)), "nonsense");
+  EXPECT_EQ(take(), Strings{});
+
+  setShortcut(kSpace, kFirst);
+  reset({kFirst, Name("third", kF5)});
+  EXPECT_EQ(take(), (Strings{"changed first", "changed third", "changed first", "changed third"}));
+  EXPECT_EQ(getShortcut(kFirst), std::nullopt);
+  EXPECT_EQ(UserDefaults::standard().objectForKey(storageKey(kFirst)), UserDefaults::Value(false));
+  EXPECT_EQ(desktop.grabs.size(), 1U);
+
+  const Name again("first", kF5);
+  EXPECT_EQ(again, kFirst);
+  EXPECT_EQ(std::hash<Name>{}(again), std::hash<Name>{}(kFirst));
+  EXPECT_EQ(getShortcut(again), std::nullopt);
+  EXPECT_EQ(take(), Strings{});
+}
+
+TEST_F(RegistryTest, judgesByTheStoreAtEachEvent) {
+  setShortcut(kSpace, kFirst);
+  onKeyDown(kFirst, say("down"));
+  onKeyUp(kFirst, say("up"));
+  take();
+  desktop.tell(49, 0x100, HotKeyPhase::Pressed);
+  UserDefaults::standard().setString(kF5.encode(), storageKey(kFirst));
+  desktop.tell(49, 0x100, HotKeyPhase::Released);
+  EXPECT_EQ(take(), Strings{"down"});
+}
+
+TEST_F(RegistryTest, takesAFreedShortcutWhenEnabledAgain) {
+  desktop.takenByOthers = {{49, 0x100}};
+  setShortcut(kSpace, kFirst);
+  onKeyUp(kFirst, say("up"));
+  take();
+  EXPECT_TRUE(desktop.grabs.empty());
+  desktop.takenByOthers.clear();
+  enable(kFirst);
+  EXPECT_TRUE(desktop.grabs.empty());
+  disable(kFirst);
+  enable(kFirst);
+  pressSpace();
+  EXPECT_EQ(take(), Strings{"up"});
+}
+
+TEST_F(RegistryTest, survivesActionsThatChangeShortcuts) {
+  setShortcut(kSpace, kFirst);
+  onKeyUp(kFirst, [] { removeAllHandlers(); });
+  onKeyUp(kFirst, [] { setShortcut(kF5, kFirst); });
+  onKeyUp(kFirst, [this] { onKeyUp(kFirst, say("added")); });
+  onKeyUp(kFirst, say("last"));
+  take();
+  pressSpace();
+  EXPECT_EQ(take(), (Strings{"changed first", "last"}));
+  desktop.press(96, 0x800);
+  EXPECT_EQ(take(), Strings{"added"});
+}
+
+TEST_F(RegistryTest, reportsWhatAnActionThrows) {
+  setShortcut(kSpace, kFirst);
+  setShortcut(kSpace, kSecond);
+  take();
+  onKeyDown(kFirst, [] { throw std::runtime_error("broken action"); });
+  onKeyDown(kSecond, [] { throw 1; });
+  onKeyDown(kFirst, say("after"));
+  onKeyDown(kSecond, say("after"));
+  ::testing::internal::CaptureStderr();
+  pressSpace();
+  EXPECT_NE(::testing::internal::GetCapturedStderr().find("broken action"), std::string::npos);
+  EXPECT_EQ(take(), (Strings{"after", "after"}));
+}
+
+TEST_F(RegistryTest, leavesNumbersThatNoKeyHas) {
+  for (const auto* stored : {R"({"carbonKeyCode":9223372036854775807,"carbonModifiers":0})",
+                             R"({"carbonKeyCode":-9223372036854775808,"carbonModifiers":256})",
+                             R"({"carbonKeyCode":49,"carbonModifiers":9223372036854775807})",
+                             R"({"carbonKeyCode":49,"carbonModifiers":-1})"}) {
+    UserDefaults::standard().setString(stored, storageKey(kFirst));
+    onKeyUp(kFirst, say("up"));
+    disable(kFirst);
+    enable(kFirst);
+    EXPECT_TRUE(desktop.grabs.empty()) << stored;
+    const Name again("first", kF5);
+    EXPECT_EQ(UserDefaults::standard().stringForKey(storageKey(kFirst)), stored);
+    setShortcut(std::nullopt, kFirst);
+    EXPECT_EQ(getShortcut(kFirst), std::nullopt);
+  }
+}
+
+TEST_F(RegistryTest, numbersHotKeysAndRefusesWhatIsNotIts) {
+  const auto down = [this](const Shortcut&) { said.push_back("down"); };
+  const auto up = [this](const Shortcut&) { said.push_back("up"); };
+  CarbonKeyboardShortcuts::registerShortcut(Shortcut(int64_t{1} << 32), down, up);
+  CarbonKeyboardShortcuts::registerShortcut(Shortcut(-1), down, up);
+  CarbonKeyboardShortcuts::registerShortcut(kSpace, down, up);
+  CarbonKeyboardShortcuts::registerShortcut(kSpace, down, up);
+  EXPECT_EQ(desktop.grabs.size(), 2U);
+
+  constexpr OSType kOurs = 0x5A554D4F;  // "ZUMO"
+  struct {
+    std::uint32_t kind;
+    std::optional<EventHotKeyID> id;
+    OSStatus status;
+    Strings said;
+  } const rows[] = {
+      {5, EventHotKeyID{kOurs, 3}, 0, {"down"}},        {6, EventHotKeyID{kOurs, 4}, 0, {"up"}},
+      {5, EventHotKeyID{kOurs, 1}, -9874, {}},          {5, EventHotKeyID{kOurs, 2}, -9874, {}},
+      {5, EventHotKeyID{kOurs + 1, 3}, -9874, {}},      {7, EventHotKeyID{kOurs, 3}, -9874, {}},
+      {5, std::nullopt, eventParameterNotFoundErr, {}},
+  };
+  for (const auto& row : rows) {
+    const Event event{{kEventClassKeyboard, row.kind}, row.id};
+    EXPECT_EQ(CarbonKeyboardShortcuts::handleHotKeyEvent(&event, nullptr), row.status);
+    EXPECT_EQ(take(), row.said);
+  }
+  EXPECT_EQ(CarbonKeyboardShortcuts::handleHotKeyEvent(nullptr, nullptr), -9874);
+
+  CarbonKeyboardShortcuts::unregister(kSpace);
+  EXPECT_TRUE(desktop.grabs.empty());
+  CarbonKeyboardShortcuts::registerShortcut(kSpace, down, up);
+  pressSpace();
+  EXPECT_EQ(take(), (Strings{"down", "up"}));
+  desktop.takenByOthers = {{96, 0x800}};
+  EventHotKeyRef hotKey = nullptr;
+  EXPECT_EQ(RegisterEventHotKey(96, 0x800, {}, GetEventDispatcherTarget(), 0, &hotKey), -9878);
+}
+
+TEST_F(RegistryTest, letsMenuItemsFollowAName) {
+  desktop.characters = {{kVK_ANSI_A, "a"}};
+  const auto item = std::make_shared<NSMenuItem>("Toggle");
+  const auto shows = [&](const std::string& key, std::uint64_t mask) {
+    EXPECT_EQ(item->keyEquivalent(), key);
+    EXPECT_EQ(item->keyEquivalentModifierMask().rawValue, mask);
+  };
+  setShortcut(kSpace, kFirst);
+  setShortcutFor(item, kFirst);
+  shows(" ", NSEventModifierFlags::kCommand);
+  setShortcut(Shortcut(Key::a, {NSEventModifierFlags::kShift}), kFirst);
+  shows("a", NSEventModifierFlags::kShift);
+  setShortcut(kSpace, kSecond);
+  shows("a", NSEventModifierFlags::kShift);
+  setShortcutFor(item, kSecond);
+  setShortcut(std::nullopt, kFirst);
+  shows(" ", NSEventModifierFlags::kCommand);
+  setShortcut(std::nullopt, kSecond);
+  shows("", 0);
+  setShortcutFor(item, std::nullopt);
+  setShortcut(kSpace, kSecond);
+  shows("", 0);
+
+  DispatchQueue::performAs("com.apple.xpc.activity.x", [&] { setShortcutFor(item, kSecond); });
+  shows("", 0);
+  desktop.turn();
+  shows(" ", NSEventModifierFlags::kCommand);
+}
+
+TEST_F(RegistryTest, watchesEventsForTheLifeOfAMonitor) {
+  const auto keyDown = NSEvent::keyEvent({NSEventType::KeyDown, {}, 0});
+  auto monitor = std::make_shared<LocalEventMonitor>(maskOf(NSEventType::KeyDown), [this](const auto& event) {
+                   said.push_back("seen");
+                   return event->keyCode() == 0 ? nullptr : event;
+                 })->start();
+  EXPECT_EQ(NSEvent::filter(keyDown), nullptr);
+  const auto other = NSEvent::keyEvent({NSEventType::KeyDown, {}, 1});
+  EXPECT_EQ(NSEvent::filter(other), other);
+  EXPECT_NE(NSEvent::filter(NSEvent::keyEvent({NSEventType::KeyUp, {}, 0})), nullptr);
+  EXPECT_EQ(take(), (Strings{"seen", "seen"}));
+  monitor.reset();
+  EXPECT_EQ(NSEvent::filter(keyDown), keyDown);
+  EXPECT_EQ(take(), Strings{});
+
+  monitor = std::make_shared<LocalEventMonitor>(maskOf(NSEventType::KeyDown), [&](const auto& event) {
+              monitor.reset();
+              return event;
+            })->start();
+  EXPECT_EQ(NSEvent::filter(keyDown), keyDown);
+  EXPECT_EQ(monitor, nullptr);
+}
+
+TEST(ObjectAssociationTest, holdsValuesAsThePolicySays) {
+  struct {
+    AssociationPolicy policy;
+    std::uintptr_t number;
+    long holders;
+  } const rows[] = {{AssociationPolicy::assign, 0, 1},
+                    {AssociationPolicy::retainNonatomic, 1, 2},
+                    {AssociationPolicy::copyNonatomic, 3, 1},
+                    {AssociationPolicy::retain, 769, 2},
+                    {AssociationPolicy::copy, 771, 1}};
+  NSObject object;
+  for (const auto& row : rows) {
+    EXPECT_EQ(platformPolicy(row.policy), row.number);
+    const ObjectAssociation<std::string> association(row.policy);
+    const ObjectAssociation<std::string> other(row.policy);
+    const auto value = std::make_shared<std::string>("value");
+    association.attach(object, value);
+    EXPECT_EQ(value.use_count(), row.holders);
+    EXPECT_EQ(*std::static_pointer_cast<std::string>(object.associatedObject(&association)), "value");
+    EXPECT_EQ(object.associatedObject(&other), nullptr);
+    association.attach(object, std::make_shared<std::string>("newer"));
+    EXPECT_EQ(value.use_count(), 1);
+    association.attach(object, nullptr);
+    EXPECT_EQ(object.associatedObject(&association), nullptr);
+  }
+}
+
+}  // namespace
+}  // namespace vistrel::KeyboardShortcuts
