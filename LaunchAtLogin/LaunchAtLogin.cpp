@@ -16,7 +16,7 @@ namespace {
 
 constexpr const char* kLabelKey = "Label";
 constexpr const char* kOnDemandKey = "OnDemand";
-constexpr backend::SessionHost::Version kFirstWithPublishers{10, 15, 0};
+constexpr backend::Session::Version kFirstWithPublishers{10, 15, 0};
 
 /// The identifier of the job that starts this program; none for a bundle without one, which cannot launch at
 /// login.

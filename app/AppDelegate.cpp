@@ -16,7 +16,7 @@ namespace vistrel {
 
 namespace {
 
-constexpr backend::SessionHost::Version kFirstWithCenterStage{12, 3, 0};
+constexpr backend::Session::Version kFirstWithCenterStage{12, 3, 0};
 constexpr NSEventMask kMouseDowns = maskOf(NSEventType::LeftMouseDown) | maskOf(NSEventType::RightMouseDown);
 
 bool asksForMenu(const NSEvent& event) {

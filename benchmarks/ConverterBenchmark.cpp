@@ -29,7 +29,7 @@ void convert(benchmark::State& state, PixelFormat format, PixelSize source, Pixe
   std::size_t turn = 0;
   for ([[maybe_unused]] auto _ : state) {
     const camera::PlaneMemory memory{frames[turn++ % frames.size()], 0};
-    converter.convert(*pictureIn({&memory, 1}, format, source, camera::YuvColour::Bt601Limited), target);
+    converter.convert(*pictureIn({&memory, 1}, format, source, camera::YuvColor::Bt601Limited), target);
     benchmark::ClobberMemory();
   }
   tell(state, glass);

@@ -21,7 +21,7 @@ constexpr CGColor kCoralRed{1.0, 0.37, 0.34, 1.0};
 constexpr double kCloseButtonRadius = 6.0;
 constexpr CGColor kDarkBacking{0.0, 0.0, 0.0, 0.8};
 constexpr double kPopupRadius = 5.0;
-constexpr backend::SessionHost::Version kFirstWithCenterStage{12, 3, 0};
+constexpr backend::Session::Version kFirstWithCenterStage{12, 3, 0};
 
 NSView& connected(const std::shared_ptr<NSView>& view, const char* outlet) {
   if (!view) fatalError(std::string("the outlet ") + outlet + " is not connected");

@@ -20,7 +20,7 @@ import gi
 gi.require_version("Gio", "2.0")
 from gi.repository import Gio, GLib  # noqa: E402
 
-from stage.camera import Camera  # noqa: E402
+from stage.testcam import Camera  # noqa: E402
 from stage.processes import MARK, Process, adopt_orphans, end_marked, wait_until  # noqa: E402
 from stage.screen import Screen  # noqa: E402
 

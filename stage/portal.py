@@ -1,4 +1,4 @@
-"""A desktop portal that knows one setting, the colour scheme. Runs as a program of its own; `Portal` speaks with
+"""A desktop portal that knows one setting, the color scheme. Runs as a program of its own; `Portal` speaks with
 it, one number a line: 0 no preference, 1 dark, 2 light, -1 no such setting, -2 no answer."""
 
 import sys

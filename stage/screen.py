@@ -57,8 +57,8 @@ class Screen:
     def owns_selection(self, name):
         return self.ask("selection", name)["owner"] != 0
 
-    def colour(self, place):
-        return tuple(self.ask("pixel", *place)["colour"])
+    def color(self, place):
+        return tuple(self.ask("pixel", *place)["color"])
 
     def picture(self, frames=3, milliseconds=10000):
         """The test picture, wherever it is, once `frames` different ones were seen; None when it never came."""

@@ -6,7 +6,7 @@ namespace vistrel {
 
 class NSView;
 
-/// A colour in generic RGB, components from 0 to 1.
+/// A color in generic RGB, components from 0 to 1.
 struct CGColor {
   double red = 0;
   double green = 0;

@@ -17,7 +17,7 @@ class NSImage {
   [[nodiscard]] const std::string& name() const { return name_; }
   /// Absolute path of an SVG file.
   [[nodiscard]] const std::string& path() const { return path_; }
-  /// A template is drawn in the colour of the text around it.
+  /// A template is drawn in the color of the text around it.
   [[nodiscard]] bool isTemplate() const { return name_.ends_with("Template"); }
 
  private:

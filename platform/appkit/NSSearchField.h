@@ -15,7 +15,7 @@ class NSTextView {
  public:
   /// `field` is what it edits, and outlives it.
   explicit NSTextView(NSView& field) : field_(field) {}
-  /// The colour of the caret; a clear one hides it.
+  /// The color of the caret; a clear one hides it.
   [[nodiscard]] const CGColor& insertionPointColor() const { return insertionPointColor_; }
   void setInsertionPointColor(const CGColor& color);
   [[nodiscard]] bool isCaretVisible() const { return insertionPointColor_.alpha > 0; }

@@ -5,14 +5,14 @@
 namespace vistrel::backend {
 
 namespace {
-Host* installed = nullptr;
+Backend* installed = nullptr;
 }
 
-void install(Host* host) { installed = host; }
+void install(Backend* backend) { installed = backend; }
 
 bool isInstalled() { return installed != nullptr; }
 
-Host& current() {
+Backend& current() {
   if (!installed) fatalError("no backend is installed");
   return *installed;
 }

@@ -13,26 +13,26 @@
 namespace vistrel::backend {
 
 /// Everything that a backend provides. One is installed before anything of the vocabulary is used.
-class Host {
+class Backend {
  public:
-  virtual ~Host() = default;
+  virtual ~Backend() = default;
   virtual MainLoop& mainLoop() = 0;
   virtual UserFiles& userFiles() = 0;
   virtual Resources& resources() = 0;
   virtual LoginItems& loginItems() = 0;
-  virtual HotKeyHost& hotKeys() = 0;
-  virtual KeyboardHost& keyboard() = 0;
-  virtual SessionHost& session() = 0;
+  virtual HotKeys& hotKeys() = 0;
+  virtual Keyboard& keyboard() = 0;
+  virtual Session& session() = 0;
   virtual StatusArea& statusArea() = 0;
   virtual WindowSystem& windows() = 0;
-  virtual CameraHost& cameras() = 0;
+  virtual Cameras& cameras() = 0;
 };
 
-/// Makes `host` the backend of the process; null takes it away. The caller keeps it alive.
-void install(Host* host);
+/// Makes `backend` the backend of the process; null takes it away. The caller keeps it alive.
+void install(Backend* backend);
 
 /// The installed backend. Stops the program when there is none.
-[[nodiscard]] Host& current();
+[[nodiscard]] Backend& current();
 [[nodiscard]] bool isInstalled();
 
 }  // namespace vistrel::backend

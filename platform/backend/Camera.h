@@ -67,9 +67,9 @@ class CameraStream {
 };
 
 /// The cameras of the desktop.
-class CameraHost {
+class Cameras {
  public:
-  virtual ~CameraHost() = default;
+  virtual ~Cameras() = default;
 
   /// The cameras of this moment, built-in ones first, each kind in a stable order. Costs nothing: a listener
   /// keeps the list current.

@@ -20,9 +20,9 @@ struct HotKeyCombination {
 enum class HotKeyPhase { Pressed, Released };
 
 /// System-wide hot keys. Main thread only; the handler is called from the main loop.
-class HotKeyHost {
+class HotKeys {
  public:
-  virtual ~HotKeyHost() = default;
+  virtual ~HotKeys() = default;
   /// Takes the combination for this program under `token`; false when the window system refuses it.
   virtual bool grab(std::uint32_t token, HotKeyCombination combination) = 0;
   virtual void release(std::uint32_t token) = 0;
@@ -31,9 +31,9 @@ class HotKeyHost {
 };
 
 /// The keyboard as it is now. Main thread only.
-class KeyboardHost {
+class Keyboard {
  public:
-  virtual ~KeyboardHost() = default;
+  virtual ~Keyboard() = default;
   /// The unshifted text of the key at a virtual key code on the layout that types ASCII: empty when the
   /// layout gives the key nothing; none when no keymap can be had.
   [[nodiscard]] virtual std::optional<std::string> displayCharacter(std::uint16_t keyCode) = 0;

@@ -35,9 +35,9 @@ class SessionClient {
 };
 
 /// The program's place in the user's session. Main thread only.
-class SessionHost {
+class Session {
  public:
-  virtual ~SessionHost() = default;
+  virtual ~Session() = default;
   virtual void setClient(SessionClient* client) = 0;
   [[nodiscard]] virtual std::vector<Screen> screens() = 0;
   [[nodiscard]] virtual Point pointerLocation() = 0;

@@ -59,7 +59,7 @@ struct EventManager {
   EventTarget dispatcher;
   std::vector<std::unique_ptr<EventHotKey>> hotKeys;
   std::uint32_t lastToken = 0;
-  backend::HotKeyHost* heard = nullptr;
+  backend::HotKeys* heard = nullptr;
 };
 
 EventManager& manager() {
@@ -78,7 +78,7 @@ void hotKeyChanged(std::uint32_t token, backend::HotKeyPhase phase) {
   runGuarded("a hot key's action", [&] { manager().dispatcher.dispatch(event); });
 }
 
-void listen(backend::HotKeyHost& host) {
+void listen(backend::HotKeys& host) {
   if (std::exchange(manager().heard, &host) != &host) host.setHandler(hotKeyChanged);
 }
 

@@ -12,8 +12,8 @@
 #include "linux/keyboard/PopupKeys.h"
 #include "linux/keyboard/X11Keyboard.h"
 #include "linux/qt/Application.h"
+#include "linux/qt/LoopReactor.h"
 #include "linux/qt/QtMainLoop.h"
-#include "linux/qt/QtReactor.h"
 #include "linux/session/QtSession.h"
 #include "linux/session/SingleInstance.h"
 #include "linux/tray/QtStatusArea.h"
@@ -43,7 +43,7 @@ struct Desktop::Parts {
   std::unique_ptr<QApplication> application;
   std::unique_ptr<session::SingleInstance> instance;
   qt::QtMainLoop mainLoop;
-  qt::QtReactor reactor{mainLoop};
+  qt::LoopReactor reactor{mainLoop};
   files::PreferencesFile userFiles;
   files::ResourceFolder resources;
   files::Autostart loginItems{files::AutostartFolders::fromEnvironment(), resources.executablePath()};
@@ -97,11 +97,11 @@ backend::MainLoop& Desktop::mainLoop() { return parts_->mainLoop; }
 backend::UserFiles& Desktop::userFiles() { return parts_->userFiles; }
 backend::Resources& Desktop::resources() { return parts_->resources; }
 backend::LoginItems& Desktop::loginItems() { return parts_->loginItems; }
-backend::HotKeyHost& Desktop::hotKeys() { return parts_->hotKeys; }
-backend::KeyboardHost& Desktop::keyboard() { return parts_->keyboard; }
-backend::SessionHost& Desktop::session() { return parts_->session; }
+backend::HotKeys& Desktop::hotKeys() { return parts_->hotKeys; }
+backend::Keyboard& Desktop::keyboard() { return parts_->keyboard; }
+backend::Session& Desktop::session() { return parts_->session; }
 backend::StatusArea& Desktop::statusArea() { return parts_->statusArea; }
 backend::WindowSystem& Desktop::windows() { return parts_->windows; }
-backend::CameraHost& Desktop::cameras() { return parts_->cameras; }
+backend::Cameras& Desktop::cameras() { return parts_->cameras; }
 
 }  // namespace vistrel::desktop

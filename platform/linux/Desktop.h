@@ -7,7 +7,7 @@
 namespace vistrel::desktop {
 
 /// An X11 desktop by way of Qt: the backend of the real program.
-class Desktop final : public backend::Host {
+class Desktop final : public backend::Backend {
  public:
   /// Takes hold of the desktop of this process. None when there is nothing to go on for; then `exitStatus` is
   /// what the process ends with: 0 after a hand-over to the running program, 1 (told on standard error)
@@ -19,12 +19,12 @@ class Desktop final : public backend::Host {
   backend::UserFiles& userFiles() override;
   backend::Resources& resources() override;
   backend::LoginItems& loginItems() override;
-  backend::HotKeyHost& hotKeys() override;
-  backend::KeyboardHost& keyboard() override;
-  backend::SessionHost& session() override;
+  backend::HotKeys& hotKeys() override;
+  backend::Keyboard& keyboard() override;
+  backend::Session& session() override;
   backend::StatusArea& statusArea() override;
   backend::WindowSystem& windows() override;
-  backend::CameraHost& cameras() override;
+  backend::Cameras& cameras() override;
 
  private:
   struct Parts;

@@ -25,7 +25,7 @@ struct SimulatedCamera {
 };
 
 /// The cameras of the simulated desktop.
-class SimulatedCameras final : public backend::CameraHost {
+class SimulatedCameras final : public backend::Cameras {
  public:
   explicit SimulatedCameras(SimulatedMainLoop& loop) : loop_(loop) {}
 

@@ -37,20 +37,20 @@ SimulatedDesktop::~SimulatedDesktop() {
 
 void SimulatedDesktop::start() {
   NSApplication::shared().run();
-  sessionHost.client().didFinishLaunching();
+  simulatedSession.client().didFinishLaunching();
   loop.settle();
 }
 
 void SimulatedDesktop::clickIcon(std::uint64_t modifiers) {
-  if (tray.frame) sessionHost.pointer = tray.frame->center();
-  windowSystem.pressOutside(sessionHost.pointer);
+  if (tray.frame) simulatedSession.pointer = tray.frame->center();
+  windowSystem.pressOutside(simulatedSession.pointer);
   tray.client().statusIconPressed(backend::PointerButton::Left, modifiers);
   loop.settle();
 }
 
 void SimulatedDesktop::openMenuFromTray() {
-  if (tray.frame) sessionHost.pointer = tray.frame->center();
-  windowSystem.pressOutside(sessionHost.pointer);
+  if (tray.frame) simulatedSession.pointer = tray.frame->center();
+  windowSystem.pressOutside(simulatedSession.pointer);
   tray.client().statusMenuWillOpen();
   loop.settle();
 }
@@ -72,18 +72,18 @@ void SimulatedDesktop::clickElsewhere() {
 }
 
 void SimulatedDesktop::activateOtherApplication() {
-  sessionHost.client().willResignActive();
+  simulatedSession.client().willResignActive();
   loop.settle();
 }
 
 void SimulatedDesktop::changeDisplays() {
-  sessionHost.client().screensDidChange();
+  simulatedSession.client().screensDidChange();
   loop.settle();
 }
 
 void SimulatedDesktop::setDark(bool isDark) {
-  sessionHost.dark = isDark;
-  sessionHost.client().appearanceDidChange();
+  simulatedSession.dark = isDark;
+  simulatedSession.client().appearanceDidChange();
   loop.settle();
 }
 

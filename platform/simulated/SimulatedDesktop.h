@@ -14,7 +14,7 @@ namespace vistrel::simulated {
 
 /// A desktop without a screen that a test drives in a few words and that tells what is on it. Installs itself
 /// as the backend of the process and collects its log lines. One at a time.
-class SimulatedDesktop final : public backend::Host {
+class SimulatedDesktop final : public backend::Backend {
  public:
   explicit SimulatedDesktop(const std::string& resourceDirectory);
   SimulatedDesktop(const SimulatedDesktop&) = delete;
@@ -25,12 +25,12 @@ class SimulatedDesktop final : public backend::Host {
   backend::UserFiles& userFiles() override { return files; }
   backend::Resources& resources() override { return resourceFolder; }
   backend::LoginItems& loginItems() override { return login; }
-  backend::HotKeyHost& hotKeys() override { return hotKeyHost; }
-  backend::KeyboardHost& keyboard() override { return keys; }
-  backend::SessionHost& session() override { return sessionHost; }
+  backend::HotKeys& hotKeys() override { return simulatedHotKeys; }
+  backend::Keyboard& keyboard() override { return keys; }
+  backend::Session& session() override { return simulatedSession; }
   backend::StatusArea& statusArea() override { return tray; }
   backend::WindowSystem& windows() override { return windowSystem; }
-  backend::CameraHost& cameras() override { return cameraHost; }
+  backend::Cameras& cameras() override { return simulatedCameras; }
 
   /// The application main loop delivers the launch.
   void start();
@@ -58,12 +58,12 @@ class SimulatedDesktop final : public backend::Host {
   SimulatedUserFiles files;
   SimulatedResources resourceFolder;
   SimulatedLoginItems login;
-  SimulatedHotKeys hotKeyHost;
+  SimulatedHotKeys simulatedHotKeys;
   SimulatedKeyboard keys;
-  SimulatedSession sessionHost;
+  SimulatedSession simulatedSession;
   SimulatedTray tray;
   SimulatedWindows windowSystem;
-  SimulatedCameras cameraHost{loop};
+  SimulatedCameras simulatedCameras{loop};
 
  private:
   std::vector<std::string> log_;

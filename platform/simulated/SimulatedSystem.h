@@ -50,7 +50,7 @@ class SimulatedLoginItems final : public backend::LoginItems {
   std::string writeError;
 };
 
-class SimulatedHotKeys final : public backend::HotKeyHost {
+class SimulatedHotKeys final : public backend::HotKeys {
  public:
   bool grab(std::uint32_t token, backend::HotKeyCombination combination) override;
   void release(std::uint32_t token) override { grabs.erase(token); }
@@ -70,7 +70,7 @@ class SimulatedHotKeys final : public backend::HotKeyHost {
   std::function<void(std::uint32_t, backend::HotKeyPhase)> handler_;
 };
 
-class SimulatedKeyboard final : public backend::KeyboardHost {
+class SimulatedKeyboard final : public backend::Keyboard {
  public:
   SimulatedKeyboard();
   [[nodiscard]] std::optional<std::string> displayCharacter(std::uint16_t keyCode) override;
@@ -92,7 +92,7 @@ class SimulatedKeyboard final : public backend::KeyboardHost {
   bool refusesCapture = false;
 };
 
-class SimulatedSession final : public backend::SessionHost {
+class SimulatedSession final : public backend::Session {
  public:
   void setClient(backend::SessionClient* client) override { client_ = client; }
   [[nodiscard]] std::vector<backend::Screen> screens() override { return screenList; }

@@ -10,11 +10,11 @@
 namespace vistrel::stage {
 namespace {
 
-constexpr Colour kRed{220, 20, 20};
-constexpr Colour kBlue{20, 20, 220};
-constexpr Colour kGreen{20, 200, 20};
-constexpr Colour kWhite{255, 255, 255};
-constexpr Colour kBlack{0, 0, 0};
+constexpr Color kRed{220, 20, 20};
+constexpr Color kBlue{20, 20, 220};
+constexpr Color kGreen{20, 200, 20};
+constexpr Color kWhite{255, 255, 255};
+constexpr Color kBlack{0, 0, 0};
 constexpr int kPhases = 8;
 constexpr int kBlock = 8;
 constexpr int kRoughness = 26;

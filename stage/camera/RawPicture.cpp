@@ -20,16 +20,16 @@ std::uint8_t byte(double value) {
 }
 
 /// BT.601, which is what cameras send.
-Yuv yuvOf(Colour colour, bool isFullRange) {
-  const double luma = 0.299 * colour.red + 0.587 * colour.green + 0.114 * colour.blue;
-  const double blueness = (colour.blue - luma) / 1.772;
-  const double redness = (colour.red - luma) / 1.402;
+Yuv yuvOf(Color color, bool isFullRange) {
+  const double luma = 0.299 * color.red + 0.587 * color.green + 0.114 * color.blue;
+  const double blueness = (color.blue - luma) / 1.772;
+  const double redness = (color.red - luma) / 1.402;
   if (isFullRange) return {byte(luma), byte(128 + blueness), byte(128 + redness)};
   return {byte(16 + luma * 219 / 255), byte(128 + blueness * 224 / 255), byte(128 + redness * 224 / 255)};
 }
 
-/// The bytes of two neighbouring pixels of one colour in plane `plane`.
-std::array<std::uint8_t, 8> pairOf(PixelFormat format, std::size_t plane, Colour c) {
+/// The bytes of two neighbouring pixels of one color in plane `plane`.
+std::array<std::uint8_t, 8> pairOf(PixelFormat format, std::size_t plane, Color c) {
   const Yuv yuv = yuvOf(c, format == PixelFormat::I422Full);
   const std::array<std::uint8_t, 8> luma{yuv.y, yuv.y};
   switch (format) {
@@ -114,10 +114,10 @@ std::uint8_t* RawPicture::line(int plane, int y) {
   return bytes_.data() + planes_[plane].offset + std::size_t(planes_[plane].stride) * y;
 }
 
-void RawPicture::fill(Area area, Colour colour) {
+void RawPicture::fill(Area area, Color color) {
   for (std::size_t index = 0; index < planes_.size(); ++index) {
     const Plane& plane = planes_[index];
-    const auto pair = pairOf(format_, index, colour);
+    const auto pair = pairOf(format_, index, color);
     const int first = area.top / plane.linesPerRow;
     const int start = area.left / 2 * plane.bytesPerPair;
     const int length = area.right / 2 * plane.bytesPerPair - start;

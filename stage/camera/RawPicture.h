@@ -14,8 +14,8 @@ enum class PixelFormat { Yuy2, Uyvy, Nv12, I420, Yv12, Rgb, Bgr, Rgbx, Bgrx, I42
 
 [[nodiscard]] std::optional<PixelFormat> pixelFormatFromName(std::string_view name);
 
-/// A colour of the test picture, in each form that a layout may want.
-struct Colour {
+/// A color of the test picture, in each form that a layout may want.
+struct Color {
   std::uint8_t red, green, blue;
 };
 
@@ -28,7 +28,7 @@ class RawPicture {
  public:
   RawPicture(PixelFormat format, int width, int height);
 
-  void fill(Area area, Colour colour);
+  void fill(Area area, Color color);
   /// Adds `amount` at most to the brightness of each pixel of the top `lines` lines, in a fixed pattern.
   void roughen(int lines, int amount);
 

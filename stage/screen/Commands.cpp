@@ -94,7 +94,7 @@ void Commands::addSight() {
   };
   commands_["pixel"] = [this](const Words& a) -> Json {
     const Image image = screen_.capture({number(a, 0), number(a, 1), 1, 1});
-    return {{"colour", Json::array({image.red(0, 0), image.green(0, 0), image.blue(0, 0)})}};
+    return {{"color", Json::array({image.red(0, 0), image.green(0, 0), image.blue(0, 0)})}};
   };
   commands_["pixels"] = [this](const Words& a) -> Json {  // X Y WIDTH HEIGHT, 0xRRGGBB row by row
     return {{"pixels", screen_.capture(rectangleFrom(a, 0)).pixels}};

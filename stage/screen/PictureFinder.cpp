@@ -30,7 +30,7 @@ struct Run {
   [[nodiscard]] int length() const { return end - start; }
 };
 
-/// The longest stretch of row `y` in the colours of the picture's body, across the bar, with both halves in
+/// The longest stretch of row `y` in the colors of the picture's body, across the bar, with both halves in
 /// it.
 Run bodyInRow(const Image& image, int y) {
   Run best;

@@ -10,7 +10,7 @@ namespace vistrel::stage {
 /// Reads the clock of a test picture that fills `place` of `image`.
 [[nodiscard]] std::optional<clock::Reading> readClock(const Image& image, Rectangle place);
 
-/// Finds the test picture in `image` by its colours and its clock, at whatever size it is shown.
+/// Finds the test picture in `image` by its colors and its clock, at whatever size it is shown.
 [[nodiscard]] std::optional<Rectangle> findPicture(const Image& image);
 
 /// True when the green block is in the upper corner that belongs to a picture of that way round.

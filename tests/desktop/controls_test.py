@@ -48,7 +48,7 @@ class ControlsTest(DesktopTest):
         x, y, width, _height = picture
 
         def row():
-            return [self.screen.colour((x + step, y + 20)) for step in range(5, width, 20)]
+            return [self.screen.color((x + step, y + 20)) for step in range(5, width, 20)]
         before = row()
         wait_until(lambda: row() != before, "another frame")
 
@@ -73,8 +73,8 @@ class ControlsTest(DesktopTest):
             face = (x + 5, y + height // 2)
 
             def is_drawn():
-                colour = self.screen.colour(face)
-                return max(colour) < 80 if is_dark else min(colour) > 190
+                color = self.screen.color(face)
+                return max(color) < 80 if is_dark else min(color) > 190
             wait_until(is_drawn, f"the button of scheme {scheme}")
             self.wait_frame(picture)
             self.assertTrue(is_drawn())

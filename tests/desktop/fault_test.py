@@ -60,7 +60,7 @@ class CameraFaultTest(DesktopTest):
         vistrel.click()
         window = wait_until(vistrel.windows, "the window")[0]
         place = centre(window["place"])
-        wait_until(lambda: self.screen.colour(place) == NEUTRAL, "a neutral surface")
+        wait_until(lambda: self.screen.color(place) == NEUTRAL, "a neutral surface")
         self.assertNotIn(STARTED, vistrel.lines)
         os.kill(camera.pid, signal.SIGCONT)
         self.screen.live_picture()

@@ -152,14 +152,14 @@ class DarkModeTest(DesktopTest):
         self.addCleanup(portal.close)
         vistrel = self.start()
         self.open(vistrel)
-        dark = self.frame_colour(vistrel)
+        dark = self.frame_color(vistrel)
         self.assertLess(max(dark), 128)
         self.assertNotIn("Switched modes", vistrel.lines)
         portal.set_scheme(2)
         vistrel.wait_line("Switched modes")
-        wait_until(lambda: sum(self.frame_colour(vistrel)) > sum(dark) + 150, "a light frame")
+        wait_until(lambda: sum(self.frame_color(vistrel)) > sum(dark) + 150, "a light frame")
         portal.set_scheme(1)
-        wait_until(lambda: self.frame_colour(vistrel) == dark, "a dark frame")
+        wait_until(lambda: self.frame_color(vistrel) == dark, "a dark frame")
 
     def test_without_a_word_of_the_portal_the_desktops_own_setting_counts(self):
         self.desktop.camera()
@@ -173,12 +173,12 @@ class DarkModeTest(DesktopTest):
         put("prefer-dark")
         vistrel = self.start(environment={"GSETTINGS_BACKEND": "keyfile"})
         self.open(vistrel)
-        dark = self.frame_colour(vistrel)
+        dark = self.frame_color(vistrel)
         self.assertLess(max(dark), 128)
         self.assertNotIn("Switched modes", vistrel.lines)
         put("default")
         vistrel.wait_line("Switched modes")
-        wait_until(lambda: sum(self.frame_colour(vistrel)) > sum(dark) + 150, "a light frame")
+        wait_until(lambda: sum(self.frame_color(vistrel)) > sum(dark) + 150, "a light frame")
 
     def test_without_any_word_the_palette_decides(self):
         self.desktop.camera()
@@ -186,27 +186,27 @@ class DarkModeTest(DesktopTest):
         file.parent.mkdir(parents=True)
 
         def put(window):
-            colours = ", ".join(["#ff808080"] * 10 + [window] + ["#ff808080"] * 10)
+            colors = ", ".join(["#ff808080"] * 10 + [window] + ["#ff808080"] * 10)
             scheme = file.with_name(window[1:])
             scheme.write_text("[ColorScheme]\n" + "".join(
-                f"{group}_colors={colours}\n" for group in ("active", "disabled", "inactive")))
+                f"{group}_colors={colors}\n" for group in ("active", "disabled", "inactive")))
             changed = file.with_suffix(".new")
             changed.write_text(f"[Appearance]\ncustom_palette=true\ncolor_scheme_path={scheme}\n")
             changed.rename(file)
         put("#ff202020")
         vistrel = self.start(environment={"QT_QPA_PLATFORMTHEME": "qt6ct", "GSETTINGS_BACKEND": "memory"})
         self.open(vistrel)
-        dark = self.frame_colour(vistrel)
+        dark = self.frame_color(vistrel)
         self.assertLess(max(dark), 128)
         put("#ffe0e0e0")
         vistrel.wait_line("Switched modes")
-        wait_until(lambda: sum(self.frame_colour(vistrel)) > sum(dark) + 150, "a light frame")
+        wait_until(lambda: sum(self.frame_color(vistrel)) > sum(dark) + 150, "a light frame")
 
-    def frame_colour(self, vistrel):
-        """The colour of the tip between the icon and the picture."""
+    def frame_color(self, vistrel):
+        """The color of the tip between the icon and the picture."""
         icon = vistrel.icon()
         top = self.screen.live_picture()["place"][1]
-        return self.screen.colour((centre(icon)[0], top - 4))
+        return self.screen.color((centre(icon)[0], top - 4))
 
 
 class SessionTest(DesktopTest):

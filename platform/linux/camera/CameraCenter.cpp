@@ -4,8 +4,8 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "linux/camera/Attachment.h"
 #include "linux/camera/CaptureStream.h"
+#include "linux/camera/DeviceLocation.h"
 #include "linux/camera/PipeWireProvider.h"
 #include "linux/camera/V4l2Provider.h"
 

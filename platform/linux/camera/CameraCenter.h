@@ -17,7 +17,7 @@ namespace vistrel::camera {
 
 /// The cameras of a Linux desktop: through PipeWire while its daemon runs, else directly through V4L2. The
 /// streams it opens are `CaptureStream`s, so each is a `GlassSource` too.
-class CameraCenter final : public backend::CameraHost {
+class CameraCenter final : public backend::Cameras {
  public:
   /// `reactor` must outlive the center and every stream that it opened.
   explicit CameraCenter(desktop::Reactor& reactor);

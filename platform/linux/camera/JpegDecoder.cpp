@@ -108,7 +108,7 @@ void layOut(State& state) {
   }
   const auto* memory = state.out->memory.take(total);
   Picture& picture = state.out->picture;
-  picture = {PixelFormat::I420, sizeOf(codec.comp_info[0]), {}, {}, decideColour(PixelFormat::Mjpeg, {})};
+  picture = {PixelFormat::I420, sizeOf(codec.comp_info[0]), {}, {}, decideColor(PixelFormat::Mjpeg, {})};
   for (int i = 0; i < codec.num_components; ++i)
     picture.planes[i] = {memory + offsets[i], paddedStride(codec.comp_info[i])};
   if (codec.num_components == kComponents) picture.chromaSize = sizeOf(codec.comp_info[1]);

@@ -134,12 +134,12 @@ bool isBlankSample(const Picture& p, int x, int y) {
 }  // namespace
 
 std::optional<Picture> pictureIn(std::span<const PlaneMemory> memory, PixelFormat format, PixelSize size,
-                                 YuvColour colour) {
+                                 YuvColor color) {
   const Shape shape = shapeOf(format, size);
   const bool isSane =
       size.width > 0 && size.height > 0 && size.width <= kLargestSide && size.height <= kLargestSide;
   if (!isSane || shape.planeCount == 0 || memory.empty()) return std::nullopt;
-  Picture picture{format, size, {(size.width + 1) / 2, (size.height + 1) / 2}, {}, colour};
+  Picture picture{format, size, {(size.width + 1) / 2, (size.height + 1) / 2}, {}, color};
   const bool hasBlocks = shape.planeCount > 1 && memory.size() >= static_cast<std::size_t>(shape.planeCount);
   if (!(hasBlocks ? takeBlocks(picture, memory, shape) : splitBlock(picture, memory[0], shape)))
     return std::nullopt;

@@ -7,7 +7,7 @@
 #include <span>
 
 #include "base/Geometry.h"
-#include "linux/camera/Colour.h"
+#include "linux/camera/Color.h"
 #include "linux/camera/PixelFormat.h"
 
 namespace vistrel::camera {
@@ -25,7 +25,7 @@ struct Picture {
   PixelSize size;
   PixelSize chromaSize;
   std::array<Plane, 3> planes;
-  YuvColour colour = YuvColour::Bt601Limited;
+  YuvColor color = YuvColor::Bt601Limited;
 };
 
 /// A block of memory with the distance of its rows; stride 0 means rows without gaps.
@@ -37,7 +37,7 @@ struct PlaneMemory {
 /// Describes the raw picture that lies in `memory`: one block for each plane, or all planes in one block.
 /// None when the memory is too short for it or the format is a compressed one.
 [[nodiscard]] std::optional<Picture> pictureIn(std::span<const PlaneMemory> memory, PixelFormat format,
-                                               PixelSize size, YuvColour colour);
+                                               PixelSize size, YuvColor color);
 
 /// True for a picture that is black or green throughout, as cameras send before their first real one. Looks
 /// at a few samples only.

@@ -12,13 +12,13 @@ constexpr int kAlignment = 64;
 
 int half(int value) { return (value + 1) / 2; }
 
-const libyuv::YuvConstants* constantsOf(YuvColour colour) {
-  switch (colour) {
-    case YuvColour::Bt601Full:
+const libyuv::YuvConstants* constantsOf(YuvColor color) {
+  switch (color) {
+    case YuvColor::Bt601Full:
       return &libyuv::kYuvJPEGConstants;
-    case YuvColour::Bt709Limited:
+    case YuvColor::Bt709Limited:
       return &libyuv::kYuvH709Constants;
-    case YuvColour::Bt709Full:
+    case YuvColor::Bt709Full:
       return &libyuv::kYuvF709Constants;
     default:
       return &libyuv::kYuvI601Constants;
@@ -146,7 +146,7 @@ PictureConverter::SplitRows PictureConverter::splitRows(int width) {
 
 void PictureConverter::paintRow(const Picture& picture, const Rows& rows, std::uint8_t* out,
                                 int width) const {
-  const auto* constants = constantsOf(picture.colour);
+  const auto* constants = constantsOf(picture.color);
   if (isRgb(picture.format)) {
     libyuv::MergeARGBPlane(rows[0], 0, rows[1], 0, rows[2], 0, nullptr, 0, out, 0, width, 1);
   } else if (isGrey(picture)) {

@@ -7,7 +7,7 @@
 #include <array>
 #include <utility>
 
-#include "linux/camera/Problem.h"
+#include "linux/camera/CameraError.h"
 
 namespace vistrel::camera {
 namespace {
@@ -107,7 +107,7 @@ bool PipeWireDevice::openStream(const ModeChoice& mode) {
     return e;
   }();
   const PipeWireNode* node = graph_->find(nodeId_);
-  if (!graph_->isConnected() || !node) return fail(errorOf(Problem::Gone)), false;
+  if (!graph_->isConnected() || !node) return fail(errorOf(CameraError::Gone)), false;
   errorsBefore_ = node->errorCount();
   stream_.reset(pw_stream_new(graph_->core(), "Vistrel", streamProperties(target_)));
   if (!stream_) return fail({"PipeWire made no stream for the camera."}), false;
@@ -209,7 +209,7 @@ std::optional<Frame> PipeWireDevice::frameIn(const spa_buffer& buffer) const {
   for (std::size_t i = 0; i < count; ++i) planes[i] = memoryOf(buffer.datas[i]);
   if (planes[0].bytes.empty()) return std::nullopt;
   if (agreed_->format == PixelFormat::Mjpeg) return planes[0].bytes;
-  const auto picture = pictureIn({planes.data(), count}, agreed_->format, agreed_->size, agreed_->colour);
+  const auto picture = pictureIn({planes.data(), count}, agreed_->format, agreed_->size, agreed_->color);
   return picture ? std::optional<Frame>(*picture) : std::nullopt;
 }
 

@@ -112,13 +112,13 @@ void appendSizes(const spa_pod* offer, const VideoMode& pattern, std::vector<Vid
   }
 }
 
-SourceColour colourOf(const spa_video_info_raw& info) {
-  SourceColour colour;
-  if (info.color_range == SPA_VIDEO_COLOR_RANGE_0_255) colour.range = ColourRange::Full;
-  if (info.color_range == SPA_VIDEO_COLOR_RANGE_16_235) colour.range = ColourRange::Limited;
-  if (info.color_matrix == SPA_VIDEO_COLOR_MATRIX_BT709) colour.matrix = ColourMatrix::Bt709;
-  if (info.color_matrix == SPA_VIDEO_COLOR_MATRIX_BT601) colour.matrix = ColourMatrix::Bt601;
-  return colour;
+SourceColor colorOf(const spa_video_info_raw& info) {
+  SourceColor color;
+  if (info.color_range == SPA_VIDEO_COLOR_RANGE_0_255) color.range = ColorRange::Full;
+  if (info.color_range == SPA_VIDEO_COLOR_RANGE_16_235) color.range = ColorRange::Limited;
+  if (info.color_matrix == SPA_VIDEO_COLOR_MATRIX_BT709) color.matrix = ColorMatrix::Bt709;
+  if (info.color_matrix == SPA_VIDEO_COLOR_MATRIX_BT601) color.matrix = ColorMatrix::Bt601;
+  return color;
 }
 
 std::optional<AgreedFormat> agreedRaw(const spa_pod* format) {
@@ -126,13 +126,13 @@ std::optional<AgreedFormat> agreedRaw(const spa_pod* format) {
   if (spa_format_video_raw_parse(format, &info) < 0) return std::nullopt;
   const auto pixels = formatOf(info.format);
   if (!pixels) return std::nullopt;
-  return AgreedFormat{*pixels, sizeOf(info.size), decideColour(*pixels, colourOf(info))};
+  return AgreedFormat{*pixels, sizeOf(info.size), decideColor(*pixels, colorOf(info))};
 }
 
 std::optional<AgreedFormat> agreedJpeg(const spa_pod* format) {
   spa_video_info_mjpg info{};
   if (spa_format_video_mjpg_parse(format, &info) < 0) return std::nullopt;
-  return AgreedFormat{PixelFormat::Mjpeg, sizeOf(info.size), decideColour(PixelFormat::Mjpeg, {})};
+  return AgreedFormat{PixelFormat::Mjpeg, sizeOf(info.size), decideColor(PixelFormat::Mjpeg, {})};
 }
 
 }  // namespace

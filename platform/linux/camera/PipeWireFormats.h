@@ -5,7 +5,7 @@
 
 #include <vector>
 
-#include "linux/camera/Colour.h"
+#include "linux/camera/Color.h"
 #include "linux/camera/VideoMode.h"
 
 namespace vistrel::camera {
@@ -20,7 +20,7 @@ void appendModes(const spa_pod* offer, std::vector<VideoMode>& modes);
 struct AgreedFormat {
   PixelFormat format = PixelFormat::Yuy2;
   PixelSize size;
-  YuvColour colour = YuvColour::Bt601Limited;
+  YuvColor color = YuvColor::Bt601Limited;
 };
 [[nodiscard]] std::optional<AgreedFormat> agreedFormat(const spa_pod* format);
 

@@ -6,9 +6,9 @@
 #include <string_view>
 
 #include "base/Unicode.h"
-#include "linux/camera/Attachment.h"
+#include "linux/camera/CameraError.h"
+#include "linux/camera/DeviceLocation.h"
 #include "linux/camera/PipeWireDevice.h"
-#include "linux/camera/Problem.h"
 
 namespace vistrel::camera {
 namespace {
@@ -45,7 +45,7 @@ bool isBuiltIn(const PipeWireNode& node) {
   if (const auto* location = node.property(SPA_KEY_API_LIBCAMERA_LOCATION))
     return *location == "front" || *location == "back";
   const std::string path = v4l2PathOf(node);
-  return !path.empty() && attachmentOf(path) == Attachment::BuiltIn;
+  return !path.empty() && deviceLocationOf(path) == DeviceLocation::BuiltIn;
 }
 
 bool isListed(const std::vector<CameraEntry>& entries, const std::string& path) {
@@ -93,7 +93,7 @@ Result<std::unique_ptr<CaptureDevice>> PipeWireProvider::open(const std::string&
     if (node->isInError()) return errorOfMessage(node->lastError());
     return std::unique_ptr<CaptureDevice>(std::make_unique<PipeWireDevice>(graph_, *node, waited));
   }
-  return errorOf(Problem::Gone);
+  return errorOf(CameraError::Gone);
 }
 
 }  // namespace vistrel::camera

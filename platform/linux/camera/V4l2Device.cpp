@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "linux/camera/Problem.h"
+#include "linux/camera/CameraError.h"
 #include "linux/camera/V4l2Formats.h"
 
 namespace vistrel::camera {
@@ -24,7 +24,7 @@ Result<std::unique_ptr<CaptureDevice>> V4l2Device::open(desktop::Reactor& reacto
   const bool isOpening = state == V4l2Run::State::Opening;
   if (state != V4l2Run::State::Opened && (!isOpening || knownModes.empty())) {
     run->end(deadline);
-    return isOpening ? errorOf(Problem::Silent) : run->error();
+    return isOpening ? errorOf(CameraError::Silent) : run->error();
   }
   auto device = std::unique_ptr<V4l2Device>(new V4l2Device(reactor, system, path, run));
   device->modes_ = isOpening ? knownModes : run->modes();
@@ -139,7 +139,7 @@ std::optional<Frame> V4l2Device::frame() const {
   const auto& format = run_->format();
   const PlaneMemory memory{held_->bytes, static_cast<int>(format.bytesperline)};
   const auto picture =
-      pictureIn({&memory, 1}, mode_->format, mode_->size, decideColour(mode_->format, colourOf(format)));
+      pictureIn({&memory, 1}, mode_->format, mode_->size, decideColor(mode_->format, colorOf(format)));
   return picture ? std::optional<Frame>(*picture) : std::nullopt;
 }
 

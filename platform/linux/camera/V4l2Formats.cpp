@@ -144,15 +144,15 @@ std::vector<VideoMode> modesOf(V4l2System& system, int fd) {
   return modes;
 }
 
-SourceColour colourOf(const v4l2_pix_format& format) {
-  SourceColour colour;
-  if (format.quantization == V4L2_QUANTIZATION_FULL_RANGE) colour.range = ColourRange::Full;
-  if (format.quantization == V4L2_QUANTIZATION_LIM_RANGE) colour.range = ColourRange::Limited;
+SourceColor colorOf(const v4l2_pix_format& format) {
+  SourceColor color;
+  if (format.quantization == V4L2_QUANTIZATION_FULL_RANGE) color.range = ColorRange::Full;
+  if (format.quantization == V4L2_QUANTIZATION_LIM_RANGE) color.range = ColorRange::Limited;
   const bool saysDefault = format.ycbcr_enc == V4L2_YCBCR_ENC_DEFAULT;
-  if (format.ycbcr_enc == V4L2_YCBCR_ENC_601) colour.matrix = ColourMatrix::Bt601;
+  if (format.ycbcr_enc == V4L2_YCBCR_ENC_601) color.matrix = ColorMatrix::Bt601;
   if (format.ycbcr_enc == V4L2_YCBCR_ENC_709 || (saysDefault && format.colorspace == V4L2_COLORSPACE_REC709))
-    colour.matrix = ColourMatrix::Bt709;
-  return colour;
+    color.matrix = ColorMatrix::Bt709;
+  return color;
 }
 
 }  // namespace vistrel::camera

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "base/Result.h"
-#include "linux/camera/Colour.h"
+#include "linux/camera/Color.h"
 #include "linux/camera/V4l2System.h"
 #include "linux/camera/VideoMode.h"
 
@@ -19,7 +19,7 @@ namespace vistrel::camera {
 /// Every mode of an opened device that can be shown; none for an infrared- or grey-only sensor.
 [[nodiscard]] std::vector<VideoMode> modesOf(V4l2System& system, int fd);
 
-/// What the driver says of the colours of its pictures.
-[[nodiscard]] SourceColour colourOf(const v4l2_pix_format& format);
+/// What the driver says of the colors of its pictures.
+[[nodiscard]] SourceColor colorOf(const v4l2_pix_format& format);
 
 }  // namespace vistrel::camera

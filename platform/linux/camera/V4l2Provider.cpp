@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "linux/camera/Problem.h"
+#include "linux/camera/CameraError.h"
 #include "linux/camera/V4l2Device.h"
 
 namespace vistrel::camera {
@@ -37,7 +37,7 @@ std::vector<CameraEntry> V4l2Provider::cameras() {
     entry.path = label.place;
     entry.device.id = idOf(path, node);
     entry.device.localizedName = label.name;
-    entry.device.isBuiltIn = label.attachment == Attachment::BuiltIn;
+    entry.device.isBuiltIn = label.attachment == DeviceLocation::BuiltIn;
     entries.push_back(std::move(entry));
   }
   return entries;
@@ -47,7 +47,7 @@ Result<std::unique_ptr<CaptureDevice>> V4l2Provider::open(const std::string& id)
   watch_.drain();
   const auto found = std::find_if(nodes_.begin(), nodes_.end(),
                                   [&](const auto& node) { return idOf(node.first, node.second) == id; });
-  if (found == nodes_.end()) return errorOf(Problem::Gone);
+  if (found == nodes_.end()) return errorOf(CameraError::Gone);
   const auto& camera = found->second.camera;
   return V4l2Device::open(reactor_, system_, found->first, camera ? camera->modes : std::vector<VideoMode>());
 }

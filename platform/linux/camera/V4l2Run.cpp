@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 
-#include "linux/camera/Problem.h"
+#include "linux/camera/CameraError.h"
 #include "linux/camera/V4l2Formats.h"
 
 namespace vistrel::camera {
@@ -89,7 +89,7 @@ Result<void> V4l2Run::openDevice() {
   const int fd = system_.open(path_);
   if (fd < 0) return errorOfCall(-fd);
   fd_ = fd;
-  if (isBusy(system_, fd_)) return errorOf(Problem::Busy);
+  if (isBusy(system_, fd_)) return errorOf(CameraError::Busy);
   modes_ = modesOf(system_, fd_);
   return {};
 }

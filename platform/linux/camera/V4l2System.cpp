@@ -33,7 +33,7 @@ class Kernel final : public V4l2System {
     std::ifstream(folder / "index") >> label.index;
     label.seemsCamera = seemsCamera(path);
     label.place = placeOf(path);
-    label.attachment = attachmentOf(path);
+    label.attachment = deviceLocationOf(path);
     return label;
   }
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "linux/camera/Attachment.h"
+#include "linux/camera/DeviceLocation.h"
 
 namespace vistrel::camera {
 
@@ -30,10 +30,10 @@ class V4l2System {
     std::string name;
     /// Its number among those of its device.
     int index = 0;
-    /// See `Attachment.h`.
+    /// See `DeviceLocation.h`.
     bool seemsCamera = false;
     std::string place;
-    Attachment attachment = Attachment::External;
+    DeviceLocation attachment = DeviceLocation::External;
   };
   [[nodiscard]] virtual Label label(const std::string& path) = 0;
 

@@ -24,7 +24,7 @@ using Accelerators = std::vector<Accelerator>;
 /// The shortcuts in the text of a "kglobalshortcutsrc"; a malformed one is left out.
 [[nodiscard]] Accelerators parseKdeShortcuts(const std::string& text);
 
-/// The present desktop's shortcuts, as `backend::KeyboardHost::symbolicHotKeys` answers them: those of the
+/// The present desktop's shortcuts, as `backend::Keyboard::symbolicHotKeys` answers them: those of the
 /// desktop that the session names, else of one that runs. A shortcut on a key without virtual key code is
 /// left out.
 [[nodiscard]] std::optional<std::vector<std::map<std::string, std::any>>> readDesktopShortcuts(

@@ -15,7 +15,7 @@ namespace vistrel::keyboard {
 
 /// Hot keys by passive grabs on the root window, one for every state of the lock keys. No timer runs but
 /// while a hot key is held down.
-class HotKeyGrabs final : public backend::HotKeyHost {
+class HotKeyGrabs final : public backend::HotKeys {
  public:
   explicit HotKeyGrabs(x11::X11Connection& connection);
   ~HotKeyGrabs() override;

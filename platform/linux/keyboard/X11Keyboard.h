@@ -7,7 +7,7 @@
 namespace vistrel::keyboard {
 
 /// The keyboard of an X server.
-class X11Keyboard final : public backend::KeyboardHost {
+class X11Keyboard final : public backend::Keyboard {
  public:
   /// `toolkit` is the connection on which the program's windows get their keys: the server hands a captured
   /// keyboard to one connection only. Null where there is none; then nothing can be captured.

@@ -6,7 +6,7 @@
 
 namespace vistrel::qt {
 
-QPixmap drawn(const NSImage& image, QSize size, double scale, const QColor& colour) {
+QPixmap drawn(const NSImage& image, QSize size, double scale, const QColor& color) {
   QSvgRenderer renderer(QString::fromStdString(image.path()));
   if (!renderer.isValid()) return {};
   renderer.setAspectRatioMode(Qt::KeepAspectRatio);
@@ -16,16 +16,16 @@ QPixmap drawn(const NSImage& image, QSize size, double scale, const QColor& colo
   renderer.render(&painter);
   if (image.isTemplate()) {
     painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
-    painter.fillRect(pixmap.rect(), colour);
+    painter.fillRect(pixmap.rect(), color);
   }
   painter.end();
   pixmap.setDevicePixelRatio(scale);
   return pixmap;
 }
 
-const QPixmap& DrawnIcon::pixmap(const NSImage& image, QSize size, double scale, const QColor& colour) {
-  const Key wanted{image.path(), size, scale, colour};
-  if (std::exchange(key_, wanted) != wanted) pixmap_ = drawn(image, size, scale, colour);
+const QPixmap& DrawnIcon::pixmap(const NSImage& image, QSize size, double scale, const QColor& color) {
+  const Key wanted{image.path(), size, scale, color};
+  if (std::exchange(key_, wanted) != wanted) pixmap_ = drawn(image, size, scale, color);
   return pixmap_;
 }
 

@@ -5,7 +5,7 @@
 #include <QScreen>
 
 #include "appkit/NSMenu.h"
-#include "linux/qt/TrayLabel.h"
+#include "linux/qt/MenuText.h"
 
 namespace vistrel::qt {
 

@@ -4,7 +4,7 @@ namespace vistrel::qt {
 
 namespace {
 
-struct Colours {
+struct Colors {
   QRgb window;
   QRgb base;
   QRgb button;
@@ -14,8 +14,8 @@ struct Colours {
   QRgb accent;
 };
 
-constexpr Colours kLight{0xfff2f2f2, 0xffffffff, 0xfff7f7f7, 0xff1c1c1e, 0xff8a8a8e, 0xff1a5fb4, 0xff3584e4};
-constexpr Colours kDark{0xff2b2b2d, 0xff424246, 0xff4a4a4e, 0xfff2f2f2, 0xffa8a8ad, 0xff78aeed, 0xff3584e4};
+constexpr Colors kLight{0xfff2f2f2, 0xffffffff, 0xfff7f7f7, 0xff1c1c1e, 0xff8a8a8e, 0xff1a5fb4, 0xff3584e4};
+constexpr Colors kDark{0xff2b2b2d, 0xff424246, 0xff4a4a4e, 0xfff2f2f2, 0xffa8a8ad, 0xff78aeed, 0xff3584e4};
 
 void setDisabled(QPalette& palette, QColor dimmed) {
   for (const auto role :
@@ -24,23 +24,23 @@ void setDisabled(QPalette& palette, QColor dimmed) {
   }
 }
 
-// Qt derives the shades of frames and edges from the button's and the window's colour.
-QPalette make(const Colours& colours) {
-  QPalette palette(QColor(colours.button), QColor(colours.window));
+// Qt derives the shades of frames and edges from the button's and the window's color.
+QPalette make(const Colors& colors) {
+  QPalette palette(QColor(colors.button), QColor(colors.window));
   for (const auto role :
        {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText}) {
-    palette.setColor(role, QColor(colours.text));
+    palette.setColor(role, QColor(colors.text));
   }
-  palette.setColor(QPalette::Base, QColor(colours.base));
-  palette.setColor(QPalette::AlternateBase, QColor(colours.window));
-  palette.setColor(QPalette::ToolTipBase, QColor(colours.base));
-  palette.setColor(QPalette::PlaceholderText, QColor(colours.dimmed));
-  palette.setColor(QPalette::Highlight, QColor(colours.accent));
+  palette.setColor(QPalette::Base, QColor(colors.base));
+  palette.setColor(QPalette::AlternateBase, QColor(colors.window));
+  palette.setColor(QPalette::ToolTipBase, QColor(colors.base));
+  palette.setColor(QPalette::PlaceholderText, QColor(colors.dimmed));
+  palette.setColor(QPalette::Highlight, QColor(colors.accent));
   palette.setColor(QPalette::HighlightedText, Qt::white);
-  palette.setColor(QPalette::Link, QColor(colours.link));
-  palette.setColor(QPalette::LinkVisited, QColor(colours.link));
-  setDisabled(palette, QColor(colours.dimmed));
-  palette.setColor(QPalette::Disabled, QPalette::Highlight, QColor(colours.button));
+  palette.setColor(QPalette::Link, QColor(colors.link));
+  palette.setColor(QPalette::LinkVisited, QColor(colors.link));
+  setDisabled(palette, QColor(colors.dimmed));
+  palette.setColor(QPalette::Disabled, QPalette::Highlight, QColor(colors.button));
   return palette;
 }
 

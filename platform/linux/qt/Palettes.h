@@ -7,7 +7,7 @@
 
 namespace vistrel::qt {
 
-/// The colours of the program's windows and menus on a light desktop and on a dark one.
+/// The colors of the program's windows and menus on a light desktop and on a dark one.
 [[nodiscard]] QPalette paletteFor(bool isDark);
 [[nodiscard]] QPalette paletteFor(const NSAppearance& appearance);
 

@@ -25,12 +25,12 @@ QtSession::QtSession(desktop::Reactor& reactor, x11::X11Connection& x11, SingleI
                    }),
       activation_({.didBecomeActive = [this] { report(&SessionClient::didBecomeActive); },
                    .willResignActive = [this] { report(&SessionClient::willResignActive); }}),
-      colourScheme_({.didLearn =
-                         [this] {
-                           isReady_ = true;
-                           launchWhenReady();
-                         },
-                     .didChange = [this] { report(&SessionClient::appearanceDidChange); }}),
+      colorScheme_({.didLearn =
+                        [this] {
+                          isReady_ = true;
+                          launchWhenReady();
+                        },
+                    .didChange = [this] { report(&SessionClient::appearanceDidChange); }}),
       signals_(reactor, [this] { report(&SessionClient::terminateRequested); }) {
   watchEndOfSession();
 }

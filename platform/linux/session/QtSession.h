@@ -5,7 +5,7 @@
 #include "backend/Session.h"
 #include "linux/Reactor.h"
 #include "linux/session/ActivationWatch.h"
-#include "linux/session/ColourScheme.h"
+#include "linux/session/ColorScheme.h"
 #include "linux/session/ScreenWatch.h"
 #include "linux/session/TerminationSignals.h"
 
@@ -14,7 +14,7 @@ namespace vistrel::session {
 class SingleInstance;
 
 /// The program's place in the user's session on an X11 desktop.
-class QtSession final : public QObject, public backend::SessionHost {
+class QtSession final : public QObject, public backend::Session {
  public:
   QtSession(desktop::Reactor& reactor, x11::X11Connection& x11, SingleInstance& instance);
 
@@ -22,7 +22,7 @@ class QtSession final : public QObject, public backend::SessionHost {
   void setClient(backend::SessionClient* client) override;
   [[nodiscard]] std::vector<backend::Screen> screens() override { return screenWatch_.screens(); }
   [[nodiscard]] Point pointerLocation() override;
-  [[nodiscard]] bool isDark() override { return colourScheme_.isDark(); }
+  [[nodiscard]] bool isDark() override { return colorScheme_.isDark(); }
   [[nodiscard]] Version platformVersion() override { return {12, 0, 0}; }
   bool openUrl(const std::string& url) override;
 
@@ -46,7 +46,7 @@ class QtSession final : public QObject, public backend::SessionHost {
   bool isLaunched_ = false;
   ScreenWatch screenWatch_;
   ActivationWatch activation_;
-  ColourScheme colourScheme_;
+  ColorScheme colorScheme_;
   TerminationSignals signals_;
 };
 

@@ -28,7 +28,7 @@ std::uint64_t heldModifiers() {
 
 }  // namespace
 
-QtStatusArea::QtStatusArea(backend::SessionHost& session, x11::X11Connection& x11)
+QtStatusArea::QtStatusArea(backend::Session& session, x11::X11Connection& x11)
     : session_(session), hostMenu_(x11), hosts_([this](TrayHost host) { makeIcon(host); }) {}
 
 QtStatusArea::~QtStatusArea() = default;
@@ -39,10 +39,10 @@ void QtStatusArea::makeIcon(TrayHost host) {
   icon_.reset();
   icon_ = std::make_unique<TrayIcon>(
       host, [this](auto reason) { pressed(reason); },
-      MirroredMenu::Handlers{.willOpen = [this] { hostWillOpenMenu(); },
-                             .didClose = [this] { tellClosed(); },
-                             .chosen = [this](auto item) { tellChosen(std::move(item)); },
-                             .isHostMenuSeen = [this] { return hostMenu_.isMenuOnScreen(); }});
+      TrayMenu::Handlers{.willOpen = [this] { hostWillOpenMenu(); },
+                         .didClose = [this] { tellClosed(); },
+                         .chosen = [this](auto item) { tellChosen(std::move(item)); },
+                         .isHostMenuSeen = [this] { return hostMenu_.isMenuOnScreen(); }});
   if (menu_) icon_->menu().mirror(menu_);
   update();
 }

@@ -12,7 +12,7 @@
 #include "linux/x11/HostMenuWatch.h"
 
 namespace vistrel::backend {
-class SessionHost;
+class Session;
 }
 
 namespace vistrel::tray {
@@ -21,7 +21,7 @@ namespace vistrel::tray {
 /// late, and made anew only for a tray host of another kind.
 class QtStatusArea final : public backend::StatusArea {
  public:
-  QtStatusArea(backend::SessionHost& session, x11::X11Connection& x11);
+  QtStatusArea(backend::Session& session, x11::X11Connection& x11);
   ~QtStatusArea() override;
 
   void setClient(backend::StatusAreaClient* client) override { client_ = client; }
@@ -46,7 +46,7 @@ class QtStatusArea final : public backend::StatusArea {
   void hostWillOpenMenu();
   void rememberPointer();
 
-  backend::SessionHost& session_;
+  backend::Session& session_;
   backend::StatusAreaClient* client_ = nullptr;
   x11::HostMenuWatch hostMenu_;
   std::unique_ptr<TrayIcon> icon_;

@@ -39,7 +39,7 @@ bool deliverAsPress(QObject& icon, const QMouseEvent& event) {
 
 }  // namespace
 
-TrayIcon::TrayIcon(TrayHost host, Pressed pressed, MirroredMenu::Handlers menuHandlers)
+TrayIcon::TrayIcon(TrayHost host, Pressed pressed, TrayMenu::Handlers menuHandlers)
     : menu_(std::move(menuHandlers)), native_(makeNative(host)) {
   native_->setToolTip(kName);
   native_->setContextMenu(&menu_.native());

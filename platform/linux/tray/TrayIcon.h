@@ -5,8 +5,8 @@
 #include <functional>
 #include <memory>
 
-#include "linux/tray/MirroredMenu.h"
 #include "linux/tray/TrayHostWatch.h"
+#include "linux/tray/TrayMenu.h"
 
 namespace vistrel::tray {
 
@@ -14,10 +14,10 @@ namespace vistrel::tray {
 class TrayIcon final : public QObject {
  public:
   using Pressed = std::function<void(QSystemTrayIcon::ActivationReason)>;
-  TrayIcon(TrayHost host, Pressed pressed, MirroredMenu::Handlers menuHandlers);
+  TrayIcon(TrayHost host, Pressed pressed, TrayMenu::Handlers menuHandlers);
   ~TrayIcon() override;
 
-  [[nodiscard]] MirroredMenu& menu() { return menu_; }
+  [[nodiscard]] TrayMenu& menu() { return menu_; }
   void show(const QIcon& icon);
   void hide() { native_->hide(); }
   /// Where it is; empty where the host does not tell.
@@ -26,7 +26,7 @@ class TrayIcon final : public QObject {
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
-  MirroredMenu menu_;
+  TrayMenu menu_;
   std::unique_ptr<QSystemTrayIcon> native_;
 };
 

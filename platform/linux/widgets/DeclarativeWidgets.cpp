@@ -13,8 +13,8 @@
 
 #include "appkit/NSSearchField.h"
 #include "linux/qt/Icons.h"
-#include "linux/widgets/QtLinkButton.h"
-#include "linux/widgets/QtSegment.h"
+#include "linux/widgets/LinkButton.h"
+#include "linux/widgets/Segment.h"
 
 namespace vistrel::widgets {
 
@@ -82,18 +82,18 @@ class Picture final : public QWidget {
     if (!image_) return;
     const int side = std::min(width(), height());
     const QPointF at((width() - side) / 2.0, (height() - side) / 2.0);
-    const QColor colour = palette().color(QPalette::WindowText);
-    QPainter(this).drawPixmap(at, qt::drawn(*image_, {side, side}, devicePixelRatioF(), colour));
+    const QColor color = palette().color(QPalette::WindowText);
+    QPainter(this).drawPixmap(at, qt::drawn(*image_, {side, side}, devicePixelRatioF(), color));
   }
 
  private:
   std::shared_ptr<NSImage> image_;
 };
 
-QtSegment::Place placeOf(std::size_t index, std::size_t count) {
-  if (count == 1) return QtSegment::Place::Only;
-  if (index == 0) return QtSegment::Place::First;
-  return index + 1 == count ? QtSegment::Place::Last : QtSegment::Place::Middle;
+Segment::Place placeOf(std::size_t index, std::size_t count) {
+  if (count == 1) return Segment::Place::Only;
+  if (index == 0) return Segment::Place::First;
+  return index + 1 == count ? Segment::Place::Last : Segment::Place::Middle;
 }
 
 std::shared_ptr<NSImage> imageOf(const View& view) {
@@ -111,7 +111,7 @@ QAbstractButton* makeChoice(const PickerContent& picker, std::size_t index, QWid
   const View& choice = picker.choices[index];
   const QString name = qtText(nameOf(choice));
   if (picker.style == PickerStyle::Segmented) {
-    auto* segment = new QtSegment(imageOf(choice), placeOf(index, picker.choices.size()), parent);
+    auto* segment = new Segment(imageOf(choice), placeOf(index, picker.choices.size()), parent);
     segment->setText(imageOf(choice) ? QString() : name);
     segment->setAccessibleName(name);
     segment->setToolTip(name);
@@ -204,9 +204,9 @@ QLabel* DeclarativeWidgets::makeText(const View& view, QWidget* parent) {
   if (view.opacityValue < 1) {
     updates_.emplace_back([label, opacity = view.opacityValue] {
       QPalette palette = label->parentWidget()->palette();
-      QColor colour = palette.color(QPalette::WindowText);
-      colour.setAlphaF(static_cast<float>(opacity));
-      palette.setColor(QPalette::WindowText, colour);
+      QColor color = palette.color(QPalette::WindowText);
+      color.setAlphaF(static_cast<float>(opacity));
+      palette.setColor(QPalette::WindowText, color);
       label->setPalette(palette);
     });
   }
@@ -344,9 +344,9 @@ QWidget* DeclarativeWidgets::makeToggle(const swiftui::ToggleContent& toggle, QW
 }
 
 QWidget* DeclarativeWidgets::makeLink(const swiftui::LinkContent& link, QWidget* parent) {
-  auto* button = new QtLinkButton(qtText(link.title), parent);
+  auto* button = new LinkButton(qtText(link.title), parent);
   controls_.push_back(button);
-  QObject::connect(button, &QtLinkButton::clicked, button, [action = link.action] { action(); });
+  QObject::connect(button, &LinkButton::clicked, button, [action = link.action] { action(); });
   return button;
 }
 

@@ -47,8 +47,8 @@ void Glass::setLayer(std::shared_ptr<AVCaptureVideoPreviewLayer> layer) {
   update();
 }
 
-void Glass::setNeutralColour(const QColor& colour) {
-  if (std::exchange(neutral_, colour) != colour) update();
+void Glass::setNeutralColor(const QColor& color) {
+  if (std::exchange(neutral_, color) != color) update();
 }
 
 void Glass::attach() {

@@ -25,7 +25,7 @@ class Glass final : public QWidget {
   ~Glass() override;
 
   void setLayer(std::shared_ptr<AVCaptureVideoPreviewLayer> layer);
-  void setNeutralColour(const QColor& colour);
+  void setNeutralColor(const QColor& color);
 
  protected:
   void paintEvent(QPaintEvent* event) override;

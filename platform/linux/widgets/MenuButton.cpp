@@ -48,14 +48,14 @@ QAccessibleInterface* makeAccessible(const QString& /*className*/, QObject* obje
   return button ? new MenuButtonAccessible(*button) : nullptr;
 }
 
-QColor bezelColour(bool isDark, const QAbstractButton& button) {
+QColor bezelColor(bool isDark, const QAbstractButton& button) {
   const int strength = button.isDown() ? 2 : button.underMouse() ? 1 : 0;
   if (isDark) return QColor(255, 255, 255, 45 * strength);
   const int grey = 250 - 18 * strength;
   return QColor(grey, grey, grey, 225);
 }
 
-QColor glyphColour(bool isDark) { return isDark ? QColor(245, 245, 247) : QColor(35, 35, 38); }
+QColor glyphColor(bool isDark) { return isDark ? QColor(245, 245, 247) : QColor(35, 35, 38); }
 
 }  // namespace
 
@@ -70,19 +70,19 @@ void MenuButton::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);
   painter.setPen(Qt::NoPen);
-  painter.setBrush(bezelColour(isDark, *this));
+  painter.setBrush(bezelColor(isDark, *this));
   painter.drawRoundedRect(rect(), kBezelRadius, kBezelRadius);
-  paintGlyph(painter, glyphColour(isDark));
+  paintGlyph(painter, glyphColor(isDark));
   if (hasFocus() && button_.focusRingType() == NSFocusRingType::Default) paintFocusRing(painter);
 }
 
 // As large as the height allows, in the middle.
-void MenuButton::paintGlyph(QPainter& painter, const QColor& colour) {
+void MenuButton::paintGlyph(QPainter& painter, const QColor& color) {
   const auto image = faceImage();
   const int side = height() - 2 * kGlyphMargin;
   if (!image || side <= 0) return;
   const QPointF at((width() - side) / 2.0, kGlyphMargin);
-  painter.drawPixmap(at, glyph_.pixmap(*image, {side, side}, devicePixelRatioF(), colour));
+  painter.drawPixmap(at, glyph_.pixmap(*image, {side, side}, devicePixelRatioF(), color));
 }
 
 void MenuButton::paintFocusRing(QPainter& painter) const {

@@ -18,7 +18,7 @@ class MenuButton final : public QAbstractButton {
   void paintEvent(QPaintEvent* event) override;
 
  private:
-  void paintGlyph(QPainter& painter, const QColor& colour);
+  void paintGlyph(QPainter& painter, const QColor& color);
   void paintFocusRing(QPainter& painter) const;
   [[nodiscard]] std::shared_ptr<NSImage> faceImage() const;
 

@@ -8,7 +8,7 @@
 
 #include "appkit/NSWindow.h"
 #include "linux/qt/Icons.h"
-#include "linux/qt/TrayLabel.h"
+#include "linux/qt/MenuText.h"
 #include "linux/widgets/MenuButton.h"
 
 namespace vistrel::widgets {
@@ -20,7 +20,7 @@ constexpr int kCloseButtonMargin = 8;
 
 }  // namespace
 
-QtTextField::QtTextField(NSTextField& field, QtViewClient& client)
+QtTextField::QtTextField(NSTextField& field, ViewClient& client)
     : QtView(field, client), field_(field), label_(new QLabel(this)) {
   label_->setTextFormat(Qt::PlainText);
   label_->setWordWrap(true);
@@ -33,17 +33,17 @@ void QtTextField::refresh() {
   label_->setText(QString::fromStdString(field_.stringValue()));
 }
 
-QtImageView::QtImageView(NSImageView& imageView, QtViewClient& client)
+QtImageView::QtImageView(NSImageView& imageView, ViewClient& client)
     : QtView(imageView, client), imageView_(imageView) {}
 
 void QtImageView::paintEvent(QPaintEvent* event) {
   QtView::paintEvent(event);
   if (!imageView_.image()) return;
-  const QColor colour = palette().color(QPalette::WindowText);
-  QPainter(this).drawPixmap(0, 0, qt::drawn(*imageView_.image(), size(), devicePixelRatioF(), colour));
+  const QColor color = palette().color(QPalette::WindowText);
+  QPainter(this).drawPixmap(0, 0, qt::drawn(*imageView_.image(), size(), devicePixelRatioF(), color));
 }
 
-QtPushButton::QtPushButton(NSButton& button, QtViewClient& client)
+QtPushButton::QtPushButton(NSButton& button, ViewClient& client)
     : QtView(button, client), button_(button), native_(new QPushButton(this)) {
   fillWith(*native_);
   setControl(*native_);
@@ -58,7 +58,7 @@ void QtPushButton::refresh() {
     native_->setAccessibleName(QString::fromStdString(button_.title()));
 }
 
-QtPopUpButton::QtPopUpButton(NSPopUpButton& button, QtViewClient& client)
+QtPopUpButton::QtPopUpButton(NSPopUpButton& button, ViewClient& client)
     : QtView(button, client), face_(new MenuButton(button, this)) {
   fillWith(*face_);
   setControl(*face_);
@@ -71,7 +71,7 @@ void QtPopUpButton::refresh() {
   face_->update();
 }
 
-class QtCloseButton::Cross final : public QAbstractButton {
+class CloseButton::Cross final : public QAbstractButton {
  public:
   explicit Cross(QWidget* parent) : QAbstractButton(parent) {
     setFocusPolicy(Qt::NoFocus);
@@ -92,7 +92,7 @@ class QtCloseButton::Cross final : public QAbstractButton {
   }
 };
 
-QtCloseButton::QtCloseButton(NSButton& button, QtViewClient& client)
+CloseButton::CloseButton(NSButton& button, ViewClient& client)
     : QtView(button, client), cross_(new Cross(this)) {
   fillWith(*cross_);
   setControl(*cross_);
@@ -100,7 +100,7 @@ QtCloseButton::QtCloseButton(NSButton& button, QtViewClient& client)
 }
 
 // Its view has no frame: a window's own button lies where the desktop puts it.
-void QtCloseButton::refresh() {
+void CloseButton::refresh() {
   QtView::refresh();
   const int right = parentWidget()->width() - kCloseButtonMargin - kCloseButtonSize;
   setGeometry(right, kCloseButtonMargin, kCloseButtonSize, kCloseButtonSize);

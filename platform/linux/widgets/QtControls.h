@@ -15,7 +15,7 @@ class MenuButton;
 /// A text that is read and not edited: plain, wrapped, centred.
 class QtTextField final : public QtView {
  public:
-  QtTextField(NSTextField& field, QtViewClient& client);
+  QtTextField(NSTextField& field, ViewClient& client);
   void refresh() override;
 
  private:
@@ -23,10 +23,10 @@ class QtTextField final : public QtView {
   QLabel* label_;
 };
 
-/// A picture from the resources, in the colour of the text around it when it is a template.
+/// A picture from the resources, in the color of the text around it when it is a template.
 class QtImageView final : public QtView {
  public:
-  QtImageView(NSImageView& imageView, QtViewClient& client);
+  QtImageView(NSImageView& imageView, ViewClient& client);
 
  protected:
   void paintEvent(QPaintEvent* event) override;
@@ -38,7 +38,7 @@ class QtImageView final : public QtView {
 /// A push button as the desktop draws it.
 class QtPushButton final : public QtView {
  public:
-  QtPushButton(NSButton& button, QtViewClient& client);
+  QtPushButton(NSButton& button, ViewClient& client);
   void refresh() override;
 
  private:
@@ -49,7 +49,7 @@ class QtPushButton final : public QtView {
 /// A quiet button over the picture that opens a menu; its face is the menu's first item.
 class QtPopUpButton final : public QtView {
  public:
-  QtPopUpButton(NSPopUpButton& button, QtViewClient& client);
+  QtPopUpButton(NSPopUpButton& button, ViewClient& client);
   void refresh() override;
 
  private:
@@ -57,9 +57,9 @@ class QtPopUpButton final : public QtView {
 };
 
 /// The close button of a window without a frame, over the corner of its content.
-class QtCloseButton final : public QtView {
+class CloseButton final : public QtView {
  public:
-  QtCloseButton(NSButton& button, QtViewClient& client);
+  CloseButton(NSButton& button, ViewClient& client);
   void refresh() override;
 
  private:

@@ -7,7 +7,7 @@
 
 namespace vistrel::widgets {
 
-QtHostingView::QtHostingView(NSHostingView& hosting, QtViewClient& client)
+QtHostingView::QtHostingView(NSHostingView& hosting, ViewClient& client)
     : QtView(hosting, client), hosting_(hosting) {
   build();
 }

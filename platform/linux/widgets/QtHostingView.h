@@ -14,7 +14,7 @@ namespace vistrel::widgets {
 /// another structure gets new ones. The hosted controls lie over the places that the layout keeps for them.
 class QtHostingView final : public QtView {
  public:
-  QtHostingView(NSHostingView& hosting, QtViewClient& client);
+  QtHostingView(NSHostingView& hosting, ViewClient& client);
   ~QtHostingView() override;
   void refresh() override;
   /// The one of the controls to which the keyboard came last.

@@ -30,7 +30,7 @@ class QtSearchField::Line final : public QLineEdit {
   }
 };
 
-QtSearchField::QtSearchField(NSSearchField& field, QtViewClient& client)
+QtSearchField::QtSearchField(NSSearchField& field, ViewClient& client)
     : QtView(field, client), field_(field), line_(new Line(this)) {
   const QIcon icon = style()->standardIcon(QStyle::SP_LineEditClearButton);
   clear_ = line_->addAction(icon, QLineEdit::TrailingPosition);

@@ -11,7 +11,7 @@ namespace vistrel::widgets {
 /// seen.
 class QtSearchField final : public QtView {
  public:
-  QtSearchField(NSSearchField& field, QtViewClient& client);
+  QtSearchField(NSSearchField& field, ViewClient& client);
   void refresh() override;
 
  private:

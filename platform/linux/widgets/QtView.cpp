@@ -12,14 +12,14 @@ namespace vistrel::widgets {
 
 namespace {
 
-QColor colourOf(const CGColor& color) {
+QColor colorOf(const CGColor& color) {
   return QColor::fromRgbF(static_cast<float>(color.red), static_cast<float>(color.green),
                           static_cast<float>(color.blue), static_cast<float>(color.alpha));
 }
 
 }  // namespace
 
-QtView::QtView(NSView& view, QtViewClient& client) : view_(view.shared_from_this()), client_(client) {}
+QtView::QtView(NSView& view, ViewClient& client) : view_(view.shared_from_this()), client_(client) {}
 
 QtView::~QtView() = default;
 
@@ -47,7 +47,7 @@ void QtView::refreshGlass() {
     glass_->lower();
     glass_->show();
   }
-  glass_->setNeutralColour(qt::neutralGlass(view_->effectiveAppearance()));
+  glass_->setNeutralColor(qt::neutralGlass(view_->effectiveAppearance()));
   glass_->setLayer(std::move(layer));
 }
 
@@ -68,7 +68,7 @@ void QtView::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);
   painter.setPen(Qt::NoPen);
-  painter.setBrush(colourOf(*layer->backgroundColor()));
+  painter.setBrush(colorOf(*layer->backgroundColor()));
   painter.drawRoundedRect(rect(), layer->cornerRadius(), layer->cornerRadius());
 }
 

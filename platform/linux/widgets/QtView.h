@@ -10,9 +10,9 @@ namespace vistrel::widgets {
 class Glass;
 
 /// What the native widgets of a view tree report. Called from the main loop.
-class QtViewClient {
+class ViewClient {
  public:
-  virtual ~QtViewClient() = default;
+  virtual ~ViewClient() = default;
   virtual void focusWanted(NSView& view) = 0;
   virtual void clicked(NSView& view) = 0;
 };
@@ -21,7 +21,7 @@ class QtViewClient {
 /// control.
 class QtView : public QWidget {
  public:
-  QtView(NSView& view, QtViewClient& client);
+  QtView(NSView& view, ViewClient& client);
   ~QtView() override;
 
   /// Takes over what the view says now.
@@ -31,7 +31,7 @@ class QtView : public QWidget {
 
  protected:
   [[nodiscard]] NSView& view() const { return *view_; }
-  [[nodiscard]] QtViewClient& client() const { return client_; }
+  [[nodiscard]] ViewClient& client() const { return client_; }
   /// Has `content` fill the view.
   void fillWith(QWidget& content);
   /// Reports it when the native focus comes to `control`.
@@ -46,7 +46,7 @@ class QtView : public QWidget {
 
   // Kept until the tree is built anew, even if the view leaves it before.
   std::shared_ptr<NSView> view_;
-  QtViewClient& client_;
+  ViewClient& client_;
   QWidget* content_ = nullptr;
   QWidget* control_ = nullptr;
   Glass* glass_ = nullptr;

@@ -10,10 +10,10 @@ namespace vistrel::widgets {
 
 namespace {
 
-using Maker = std::unique_ptr<QtView> (*)(NSView& view, QtViewClient& client);
+using Maker = std::unique_ptr<QtView> (*)(NSView& view, ViewClient& client);
 
 template <class View, class Widget>
-std::unique_ptr<QtView> make(NSView& view, QtViewClient& client) {
+std::unique_ptr<QtView> make(NSView& view, ViewClient& client) {
   auto* known = dynamic_cast<View*>(&view);
   return known ? std::make_unique<Widget>(*known, client) : nullptr;
 }
@@ -26,7 +26,7 @@ constexpr std::array<Maker, 6> kMakers = {
 
 }  // namespace
 
-std::unique_ptr<QtView> makeQtView(NSView& view, QtViewClient& client) {
+std::unique_ptr<QtView> makeQtView(NSView& view, ViewClient& client) {
   for (const Maker maker : kMakers) {
     if (auto widget = maker(view, client)) return widget;
   }

@@ -7,6 +7,6 @@
 namespace vistrel::widgets {
 
 /// Makes the native widget that fits the view's class; a plain one for a class that has none of its own.
-[[nodiscard]] std::unique_ptr<QtView> makeQtView(NSView& view, QtViewClient& client);
+[[nodiscard]] std::unique_ptr<QtView> makeQtView(NSView& view, ViewClient& client);
 
 }  // namespace vistrel::widgets

@@ -36,8 +36,8 @@ void fill(QMessageBox& box, const NSAlert& alert) {
   box.setInformativeText(QString::fromStdString(alert.informativeText()));
   box.setIcon(iconFor(alert.alertStyle()));
   if (!alert.icon()) return;
-  const QColor colour = box.palette().color(QPalette::WindowText);
-  box.setIconPixmap(qt::drawn(*alert.icon(), {kIconSize, kIconSize}, box.devicePixelRatioF(), colour));
+  const QColor color = box.palette().color(QPalette::WindowText);
+  box.setIconPixmap(qt::drawn(*alert.icon(), {kIconSize, kIconSize}, box.devicePixelRatioF(), color));
 }
 
 }  // namespace

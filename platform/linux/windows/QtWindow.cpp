@@ -13,8 +13,8 @@
 #include "linux/qt/Geometry.h"
 #include "linux/qt/Palettes.h"
 #include "linux/widgets/QtControls.h"
+#include "linux/windows/NativeEvents.h"
 #include "linux/windows/PopoverShape.h"
-#include "linux/windows/QtEvents.h"
 
 namespace vistrel::windows {
 
@@ -39,10 +39,10 @@ QtWindow::QtWindow(NSWindow& window, backend::WindowClient& client, X11Windows& 
     : window_(window),
       client_(client),
       x11_(x11),
-      shell_(new QtShell(*this)),
+      shell_(new Shell(*this)),
       tree_(shell_->content(), *this),
       shownKind_(window.kind()) {
-  const Obeying obeying(*this);
+  const CommandScope scope(*this);
   shell_->setWindowFlags(hasChrome() ? kPopoverFlags : kTitledFlags);
   attributesDidChange();
 }
@@ -55,7 +55,7 @@ QtWindow::~QtWindow() {
 bool QtWindow::hasChrome() const { return window_.kind() != NSWindowKind::Titled; }
 
 void QtWindow::contentDidChange() {
-  const Obeying obeying(*this);
+  const CommandScope scope(*this);
   tree_.build(window_.contentView().get());
   addCloseButton();
   firstResponderDidChange(dynamic_cast<NSView*>(window_.firstResponder()));
@@ -68,11 +68,11 @@ void QtWindow::addCloseButton() {
   const auto& button = window_.closeButton();
   if (!button || !hasChrome() || tree_.find(button.get())) return;
   tree_.add(*button,
-            std::make_unique<widgets::QtCloseButton>(*button, static_cast<widgets::QtViewClient&>(*this)));
+            std::make_unique<widgets::CloseButton>(*button, static_cast<widgets::ViewClient&>(*this)));
 }
 
 void QtWindow::show() {
-  const Obeying obeying(*this);
+  const CommandScope scope(*this);
   if (!shell_->isVisible()) {
     margins_ = hasChrome() ? PopoverShape::margins(window_.tip()) : QMargins();
     attributesDidChange();
@@ -87,21 +87,21 @@ void QtWindow::show() {
 }
 
 void QtWindow::hide() {
-  const Obeying obeying(*this);
+  const CommandScope scope(*this);
   if (menu_) menu_->close();
   shell_->hide();
   tellPointer(false);
 }
 
 void QtWindow::activate() {
-  const Obeying obeying(*this);
+  const CommandScope scope(*this);
   x11_.noteUserAction();
   shell_->raise();
   shell_->activateWindow();
 }
 
 void QtWindow::attributesDidChange() {
-  const Obeying obeying(*this);
+  const CommandScope scope(*this);
   shell_->setWindowTitle(QString::fromStdString(window_.title()));
   applyLook();
   applyFrame();
@@ -149,14 +149,14 @@ void QtWindow::applyChrome() {
 void QtWindow::viewDidChange(NSView& view) {
   widgets::QtView* widget = tree_.find(&view);
   if (!widget) return;
-  const Obeying obeying(*this);
+  const CommandScope scope(*this);
   widget->refresh();
   // A control that was hidden could not take the focus that it has.
   if (&view == window_.firstResponder()) firstResponderDidChange(&view);
 }
 
 void QtWindow::firstResponderDidChange(NSView* view) {
-  const Obeying obeying(*this);
+  const CommandScope scope(*this);
   const widgets::QtView* widget = tree_.find(view);
   if (widget && widget->control()) {
     widget->control()->setFocus(Qt::OtherFocusReason);
@@ -228,7 +228,7 @@ void QtWindow::shellDragBegan() {
 void QtWindow::shellDragged(QPoint position) {
   if (window_.kind() != NSWindowKind::Detached) return;
   {
-    const Obeying obeying(*this);
+    const CommandScope scope(*this);
     shell_->move(position);
   }
   client_.didMove(contentOnDesktop());
@@ -249,7 +249,7 @@ bool QtWindow::shellFilter(QEvent& event) {
   const bool isTaken = translation && client_.handleEvent(translation);
   if (!isTaken && isTab(event) && focused && !shell_->focusWidget()) {
     // A control that let go of the focus for it is where the walk goes on from.
-    const Obeying obeying(*this);
+    const CommandScope scope(*this);
     focused->setFocus(Qt::OtherFocusReason);
   }
   return isTaken;

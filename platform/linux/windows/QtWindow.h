@@ -6,14 +6,14 @@
 #include "appkit/NSWindow.h"
 #include "backend/Windows.h"
 #include "linux/qt/QtPopUpMenu.h"
-#include "linux/widgets/QtViewTree.h"
-#include "linux/windows/QtShell.h"
+#include "linux/widgets/ViewTree.h"
+#include "linux/windows/Shell.h"
 #include "linux/windows/X11Windows.h"
 
 namespace vistrel::windows {
 
 /// The native window of an `NSWindow`.
-class QtWindow final : public backend::NativeWindow, private QtShellClient, private widgets::QtViewClient {
+class QtWindow final : public backend::NativeWindow, private ShellClient, private widgets::ViewClient {
  public:
   QtWindow(NSWindow& window, backend::WindowClient& client, X11Windows& x11);
   ~QtWindow() override;
@@ -31,7 +31,7 @@ class QtWindow final : public backend::NativeWindow, private QtShellClient, priv
   [[nodiscard]] QWidget& widget() const { return *shell_; }
 
  private:
-  // QtShellClient
+  // ShellClient
   void shellCloseRequested() override;
   void shellActivated() override;
   void shellDeactivated() override;
@@ -42,7 +42,7 @@ class QtWindow final : public backend::NativeWindow, private QtShellClient, priv
   void shellPointerEntered() override;
   void shellPointerLeft() override;
   bool shellFilter(QEvent& event) override;
-  // QtViewClient
+  // ViewClient
   void focusWanted(NSView& view) override;
   void clicked(NSView& view) override;
 
@@ -58,12 +58,12 @@ class QtWindow final : public backend::NativeWindow, private QtShellClient, priv
   void menuClosed();
 
   /// Marks a stretch in which native events are the echo of a command and not news.
-  class Obeying {
+  class CommandScope {
    public:
-    explicit Obeying(QtWindow& window) : window_(window) { ++window_.commands_; }
-    ~Obeying() { --window_.commands_; }
-    Obeying(const Obeying&) = delete;
-    Obeying& operator=(const Obeying&) = delete;
+    explicit CommandScope(QtWindow& window) : window_(window) { ++window_.commands_; }
+    ~CommandScope() { --window_.commands_; }
+    CommandScope(const CommandScope&) = delete;
+    CommandScope& operator=(const CommandScope&) = delete;
 
    private:
     QtWindow& window_;
@@ -72,8 +72,8 @@ class QtWindow final : public backend::NativeWindow, private QtShellClient, priv
   NSWindow& window_;
   backend::WindowClient& client_;
   X11Windows& x11_;
-  QtShell* shell_;
-  widgets::QtViewTree tree_;
+  Shell* shell_;
+  widgets::ViewTree tree_;
   QPointer<qt::QtPopUpMenu> menu_;
   // Room around the content; kept when a popover is torn off, so that the content stays where it is.
   QMargins margins_;

@@ -103,9 +103,9 @@ void X11Windows::setShape(const QWindow& window, const QRegion& shape) {
                        idOf(window), 0, 0, static_cast<std::uint32_t>(rectangles.size()), rectangles.data());
 }
 
-void X11Windows::setBackground(const QWindow& window, const QColor& colour) {
+void X11Windows::setBackground(const QWindow& window, const QColor& color) {
   if (!connection_) return;
-  const std::uint32_t pixel = colour.rgb();
+  const std::uint32_t pixel = color.rgb();
   xcb_change_window_attributes(connection_, idOf(window), XCB_CW_BACK_PIXEL, &pixel);
 }
 

@@ -29,7 +29,7 @@ class X11Windows {
   void noteUserAction();
 
   /// What the server fills the window with where nothing was painted yet: it needs no turn of the main loop.
-  void setBackground(const QWindow& window, const QColor& colour);
+  void setBackground(const QWindow& window, const QColor& color);
 
   /// Sends what was asked for and not sent yet.
   void flush();

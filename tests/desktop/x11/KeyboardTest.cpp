@@ -21,7 +21,7 @@ class KeyboardTest : public ServerTest {
   testing::FakeDesktop desktop;
 };
 
-TEST_F(KeyboardTest, showsWhatTheLatinLayoutPrints) {
+TEST_F(KeyboardTest, ShowsWhatTheLatinLayoutPrints) {
   struct {
     const char* layout;
     std::uint8_t group;
@@ -45,7 +45,7 @@ TEST_F(KeyboardTest, showsWhatTheLatinLayoutPrints) {
   }
 }
 
-TEST_F(KeyboardTest, displaysTheRowsOfLettersAndTheSpecialKeys) {
+TEST_F(KeyboardTest, DisplaysTheRowsOfLettersAndTheSpecialKeys) {
   constexpr std::int64_t kLetters[] = {
       kVK_ANSI_Q, kVK_ANSI_W, kVK_ANSI_E, kVK_ANSI_R, kVK_ANSI_T, kVK_ANSI_Y,         kVK_ANSI_U,
       kVK_ANSI_I, kVK_ANSI_O, kVK_ANSI_P, kVK_ANSI_A, kVK_ANSI_S, kVK_ANSI_D,         kVK_ANSI_F,
@@ -100,7 +100,7 @@ void writeXfceSettings() {
   }
 }
 
-TEST_F(KeyboardTest, knowsTheShortcutsOfThePresentDesktop) {
+TEST_F(KeyboardTest, KnowsTheShortcutsOfThePresentDesktop) {
   writeGnomeSettings();
   writeXfceSettings();
   write(settingsFolder() / "kglobalshortcutsrc",
@@ -140,7 +140,7 @@ TEST_F(KeyboardTest, knowsTheShortcutsOfThePresentDesktop) {
   }
 }
 
-TEST_F(KeyboardTest, findsTheDesktopThatRuns) {
+TEST_F(KeyboardTest, FindsTheDesktopThatRuns) {
   ::unsetenv("XDG_CURRENT_DESKTOP");
   EXPECT_FALSE(keyboard.symbolicHotKeys().has_value());
   const SessionBus bus;

@@ -11,7 +11,7 @@
 namespace vistrel::x11 {
 namespace {
 
-TEST_F(ServerTest, hearsAPressOnceWhateverIsLocked) {
+TEST_F(ServerTest, HearsAPressOnceWhateverIsLocked) {
   constexpr std::uint8_t kCaps = XCB_MOD_MASK_LOCK;
   constexpr std::uint8_t kNum = XCB_MOD_MASK_2;
   struct {
@@ -42,13 +42,13 @@ TEST_F(ServerTest, hearsAPressOnceWhateverIsLocked) {
   EXPECT_EQ(take(), Strings{});
 }
 
-TEST_F(ServerTest, tellsAReleaseByItsKeyAlone) {
+TEST_F(ServerTest, TellsAReleaseByItsKeyAlone) {
   ASSERT_TRUE(grabs.grab(1, {kVK_ANSI_J, kControlOption}));
   hold(kVK_ANSI_J);
   EXPECT_EQ(take(), (Strings{"down 1", "up 1"}));
 }
 
-TEST_F(ServerTest, hearsNothingOfAKeyThatWasDownBefore) {
+TEST_F(ServerTest, HearsNothingOfAKeyThatWasDownBefore) {
   hold(kVK_ANSI_J, [&] { ASSERT_TRUE(grabs.grab(1, {kVK_ANSI_J, kControlOption})); });
   EXPECT_EQ(take(), Strings{});
   press(kVK_ANSI_J);
@@ -68,7 +68,7 @@ TEST_F(ServerTest, hearsNothingOfAKeyThatWasDownBefore) {
   EXPECT_EQ(take(), (Strings{"down 2", "up 2"}));
 }
 
-TEST_F(ServerTest, findsAReleaseThatSomebodyElseGot) {
+TEST_F(ServerTest, FindsAReleaseThatSomebodyElseGot) {
   ASSERT_TRUE(grabs.grab(1, {kVK_F5, 0}));
   user.down(kVK_F5);
   ASSERT_TRUE(reactor.runUntil([&] { return heard == Strings{"down 1"}; }));
@@ -81,7 +81,7 @@ TEST_F(ServerTest, findsAReleaseThatSomebodyElseGot) {
   EXPECT_EQ(take(), Strings{"up 1"});
 }
 
-TEST_F(ServerTest, leavesATakenCombinationWholly) {
+TEST_F(ServerTest, LeavesATakenCombinationWholly) {
   constexpr std::uint16_t kMask = XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1;
   ASSERT_TRUE(user.grabKey(kVK_F5, kMask | XCB_MOD_MASK_LOCK));
   EXPECT_FALSE(grabs.grab(1, {kVK_F5, kControlOption}));
@@ -96,7 +96,7 @@ TEST_F(ServerTest, leavesATakenCombinationWholly) {
   EXPECT_FALSE(grabs.grab(2, {kVK_F6, 0x400}));
 }
 
-TEST_F(ServerTest, keepsAHeldKeyWhileTheKeyboardIsReplaced) {
+TEST_F(ServerTest, KeepsAHeldKeyWhileTheKeyboardIsReplaced) {
   ASSERT_TRUE(grabs.grab(1, {kVK_F5, kCommand}));
   user.down(kVK_Command);
   user.down(kVK_F5);
@@ -112,7 +112,7 @@ TEST_F(ServerTest, keepsAHeldKeyWhileTheKeyboardIsReplaced) {
   EXPECT_EQ(take(), (Strings{"down 1", "up 1"}));
 }
 
-TEST_F(ServerTest, keepsATimerOnlyWhileAKeyIsHeld) {
+TEST_F(ServerTest, KeepsATimerOnlyWhileAKeyIsHeld) {
   ASSERT_TRUE(grabs.grab(1, {kVK_F5, 0}));
   const auto isCalm = [&] { return reactor.timersAhead() == 0; };
   ASSERT_TRUE(reactor.runUntil(isCalm));
@@ -124,7 +124,7 @@ TEST_F(ServerTest, keepsATimerOnlyWhileAKeyIsHeld) {
   EXPECT_TRUE(reactor.runUntil(isCalm));
 }
 
-TEST_F(ServerTest, takesAFreedShortcutWhenItsNameIsEnabledAgain) {
+TEST_F(ServerTest, TakesAFreedShortcutWhenItsNameIsEnabledAgain) {
   using namespace KeyboardShortcuts;
   ASSERT_TRUE(user.grabKey(kVK_F5, XCB_MOD_MASK_CONTROL));
   testing::FakeDesktop desktop;
@@ -153,7 +153,7 @@ TEST_F(ServerTest, takesAFreedShortcutWhenItsNameIsEnabledAgain) {
   hear();
 }
 
-TEST_F(ServerTest, followsAModifierToAnotherBit) {
+TEST_F(ServerTest, FollowsAModifierToAnotherBit) {
   ASSERT_TRUE(grabs.grab(1, {kVK_F5, kCommand}));
   ASSERT_EQ(std::system("xmodmap -e 'clear mod4' -e 'clear mod3' -e 'add mod3 = Super_L'"), 0);
   ASSERT_TRUE(reactor.runUntil([&] {
@@ -164,7 +164,7 @@ TEST_F(ServerTest, followsAModifierToAnotherBit) {
   }));
 }
 
-TEST_F(ServerTest, hearsOutsidePressesWhileSomebodyListens) {
+TEST_F(ServerTest, HearsOutsidePressesWhileSomebodyListens) {
   RawPresses presses(connection);
   std::vector<RawPress> told;
   user.click(1);
@@ -183,7 +183,7 @@ TEST_F(ServerTest, hearsOutsidePressesWhileSomebodyListens) {
   EXPECT_EQ(told.size(), 2U);
 }
 
-TEST_F(ServerTest, capturesTheKeyboardUnlessSomebodyElseHasIt) {
+TEST_F(ServerTest, CapturesTheKeyboardUnlessSomebodyElseHasIt) {
   EXPECT_TRUE(keyboard.setKeyboardCaptured(true));
   User other;
   X11Keyboard theirs(connection, other.get());
@@ -193,7 +193,7 @@ TEST_F(ServerTest, capturesTheKeyboardUnlessSomebodyElseHasIt) {
   EXPECT_TRUE(theirs.setKeyboardCaptured(true));
 }
 
-TEST(NoServerTest, refusesWithoutADisplay) {
+TEST(NoServerTest, RefusesWithoutADisplay) {
   const char* value = std::getenv("DISPLAY");
   const std::string display = value ? value : "";
   ::unsetenv("DISPLAY");

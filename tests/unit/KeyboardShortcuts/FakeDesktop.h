@@ -13,9 +13,9 @@
 namespace vistrel::testing {
 
 /// A desktop with a keyboard, a preferences file and a main queue, all scripted; nothing else.
-class FakeDesktop final : public backend::Host,
-                          public backend::HotKeyHost,
-                          public backend::KeyboardHost,
+class FakeDesktop final : public backend::Backend,
+                          public backend::HotKeys,
+                          public backend::Keyboard,
                           public backend::UserFiles,
                           public backend::MainLoop {
  public:
@@ -34,8 +34,8 @@ class FakeDesktop final : public backend::Host,
   std::set<Combination> takenByOthers;
   std::map<std::uint16_t, std::string> characters;
   bool hasKeymap = true;
-  backend::KeyboardHost* realKeyboard = nullptr;  ///< answers what is not scripted, where there is one
-  backend::HotKeyHost* realHotKeys = nullptr;     ///< takes the grabs instead, where there is one
+  backend::Keyboard* realKeyboard = nullptr;  ///< answers what is not scripted, where there is one
+  backend::HotKeys* realHotKeys = nullptr;    ///< takes the grabs instead, where there is one
   std::optional<std::vector<std::map<std::string, std::any>>> desktopShortcuts;
   std::vector<std::function<void()>> queue;
 
@@ -95,14 +95,14 @@ class FakeDesktop final : public backend::Host,
 
   backend::MainLoop& mainLoop() override { return *this; }
   backend::UserFiles& userFiles() override { return *this; }
-  backend::HotKeyHost& hotKeys() override { return realHotKeys ? *realHotKeys : *this; }
-  backend::KeyboardHost& keyboard() override { return *this; }
+  backend::HotKeys& hotKeys() override { return realHotKeys ? *realHotKeys : *this; }
+  backend::Keyboard& keyboard() override { return *this; }
   backend::Resources& resources() override { std::abort(); }
   backend::LoginItems& loginItems() override { std::abort(); }
-  backend::SessionHost& session() override { std::abort(); }
+  backend::Session& session() override { std::abort(); }
   backend::StatusArea& statusArea() override { std::abort(); }
   backend::WindowSystem& windows() override { std::abort(); }
-  backend::CameraHost& cameras() override { std::abort(); }
+  backend::Cameras& cameras() override { std::abort(); }
 
  private:
   std::function<void(std::uint32_t, backend::HotKeyPhase)> handler_;

@@ -134,7 +134,7 @@ TEST_F(RecorderTest, TellsOfEachRecordingAndEachClear) {
   expectRecording(true, "the clear button was clicked while idle");
   EXPECT_EQ(changes, (std::vector<std::optional<Shortcut>>{commandA, std::nullopt}));
   EXPECT_EQ(UserDefaults::standard().objectForKey("KeyboardShortcuts_unitTest"), UserDefaults::Value(false));
-  EXPECT_TRUE(desktop.hotKeyHost.grabs.empty());
+  EXPECT_TRUE(desktop.simulatedHotKeys.grabs.empty());
 }
 
 TEST_F(RecorderTest, EndsAtAReleaseOutsideItsMargin) {

@@ -40,7 +40,7 @@ class RegistryTest : public ::testing::Test {
       });
 };
 
-TEST_F(RegistryTest, runsActionsOnPressAndRelease) {
+TEST_F(RegistryTest, RunsActionsOnPressAndRelease) {
   onKeyUp(kFirst, say("up 1"));
   EXPECT_TRUE(desktop.grabs.empty());
   setShortcut(kSpace, kFirst);
@@ -70,7 +70,7 @@ TEST_F(RegistryTest, runsActionsOnPressAndRelease) {
   EXPECT_EQ(take(), Strings{"new"});
 }
 
-TEST_F(RegistryTest, sharesAHotKeyBetweenNames) {
+TEST_F(RegistryTest, SharesAHotKeyBetweenNames) {
   setShortcut(kSpace, kFirst);
   setShortcut(kSpace, kSecond);
   onKeyUp(kFirst, say("first"));
@@ -103,7 +103,7 @@ TEST_F(RegistryTest, sharesAHotKeyBetweenNames) {
   EXPECT_EQ(take(), Strings{"second"});
 }
 
-TEST_F(RegistryTest, removesAndResets) {
+TEST_F(RegistryTest, RemovesAndResets) {
   setShortcut(std::nullopt, kFirst);
   EXPECT_FALSE(hasStoredValue(kFirst));
   UserDefaults::standard().setString("nonsense", storageKey(kFirst));
@@ -125,7 +125,7 @@ TEST_F(RegistryTest, removesAndResets) {
   EXPECT_EQ(take(), Strings{});
 }
 
-TEST_F(RegistryTest, judgesByTheStoreAtEachEvent) {
+TEST_F(RegistryTest, JudgesByTheStoreAtEachEvent) {
   setShortcut(kSpace, kFirst);
   onKeyDown(kFirst, say("down"));
   onKeyUp(kFirst, say("up"));
@@ -136,7 +136,7 @@ TEST_F(RegistryTest, judgesByTheStoreAtEachEvent) {
   EXPECT_EQ(take(), Strings{"down"});
 }
 
-TEST_F(RegistryTest, takesAFreedShortcutWhenEnabledAgain) {
+TEST_F(RegistryTest, TakesAFreedShortcutWhenEnabledAgain) {
   desktop.takenByOthers = {{49, 0x100}};
   setShortcut(kSpace, kFirst);
   onKeyUp(kFirst, say("up"));
@@ -151,7 +151,7 @@ TEST_F(RegistryTest, takesAFreedShortcutWhenEnabledAgain) {
   EXPECT_EQ(take(), Strings{"up"});
 }
 
-TEST_F(RegistryTest, survivesActionsThatChangeShortcuts) {
+TEST_F(RegistryTest, SurvivesActionsThatChangeShortcuts) {
   setShortcut(kSpace, kFirst);
   onKeyUp(kFirst, [] { removeAllHandlers(); });
   onKeyUp(kFirst, [] { setShortcut(kF5, kFirst); });
@@ -164,7 +164,7 @@ TEST_F(RegistryTest, survivesActionsThatChangeShortcuts) {
   EXPECT_EQ(take(), Strings{"added"});
 }
 
-TEST_F(RegistryTest, reportsWhatAnActionThrows) {
+TEST_F(RegistryTest, ReportsWhatAnActionThrows) {
   setShortcut(kSpace, kFirst);
   setShortcut(kSpace, kSecond);
   take();
@@ -178,7 +178,7 @@ TEST_F(RegistryTest, reportsWhatAnActionThrows) {
   EXPECT_EQ(take(), (Strings{"after", "after"}));
 }
 
-TEST_F(RegistryTest, leavesNumbersThatNoKeyHas) {
+TEST_F(RegistryTest, LeavesNumbersThatNoKeyHas) {
   for (const auto* stored : {R"({"carbonKeyCode":9223372036854775807,"carbonModifiers":0})",
                              R"({"carbonKeyCode":-9223372036854775808,"carbonModifiers":256})",
                              R"({"carbonKeyCode":49,"carbonModifiers":9223372036854775807})",
@@ -195,7 +195,7 @@ TEST_F(RegistryTest, leavesNumbersThatNoKeyHas) {
   }
 }
 
-TEST_F(RegistryTest, numbersHotKeysAndRefusesWhatIsNotIts) {
+TEST_F(RegistryTest, NumbersHotKeysAndRefusesWhatIsNotIts) {
   const auto down = [this](const Shortcut&) { said.push_back("down"); };
   const auto up = [this](const Shortcut&) { said.push_back("up"); };
   CarbonKeyboardShortcuts::registerShortcut(Shortcut(int64_t{1} << 32), down, up);
@@ -233,7 +233,7 @@ TEST_F(RegistryTest, numbersHotKeysAndRefusesWhatIsNotIts) {
   EXPECT_EQ(RegisterEventHotKey(96, 0x800, {}, GetEventDispatcherTarget(), 0, &hotKey), -9878);
 }
 
-TEST_F(RegistryTest, letsMenuItemsFollowAName) {
+TEST_F(RegistryTest, LetsMenuItemsFollowAName) {
   desktop.characters = {{kVK_ANSI_A, "a"}};
   const auto item = std::make_shared<NSMenuItem>("Toggle");
   const auto shows = [&](const std::string& key, std::uint64_t mask) {
@@ -262,7 +262,7 @@ TEST_F(RegistryTest, letsMenuItemsFollowAName) {
   shows(" ", NSEventModifierFlags::kCommand);
 }
 
-TEST_F(RegistryTest, watchesEventsForTheLifeOfAMonitor) {
+TEST_F(RegistryTest, WatchesEventsForTheLifeOfAMonitor) {
   const auto keyDown = NSEvent::keyEvent({NSEventType::KeyDown, {}, 0});
   auto monitor = std::make_shared<LocalEventMonitor>(maskOf(NSEventType::KeyDown), [this](const auto& event) {
                    said.push_back("seen");
@@ -285,7 +285,7 @@ TEST_F(RegistryTest, watchesEventsForTheLifeOfAMonitor) {
   EXPECT_EQ(monitor, nullptr);
 }
 
-TEST(ObjectAssociationTest, holdsValuesAsThePolicySays) {
+TEST(ObjectAssociationTest, HoldsValuesAsThePolicySays) {
   struct {
     AssociationPolicy policy;
     std::uintptr_t number;

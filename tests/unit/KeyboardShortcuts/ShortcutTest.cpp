@@ -19,7 +19,7 @@ class ShortcutTest : public ::testing::Test {
   testing::FakeDesktop desktop;
 };
 
-TEST_F(ShortcutTest, keepsTheFourModifiersAlone) {
+TEST_F(ShortcutTest, KeepsTheFourModifiersAlone) {
   struct {
     std::int64_t bits;
     std::uint64_t flags;
@@ -33,7 +33,7 @@ TEST_F(ShortcutTest, keepsTheFourModifiersAlone) {
   EXPECT_EQ(Shortcut(Key::f1, {kShift | kCommand}), Shortcut(122, 0x300));
 }
 
-TEST_F(ShortcutTest, comesFromKeyEventsAlone) {
+TEST_F(ShortcutTest, ComesFromKeyEventsAlone) {
   NSEvent::Key key{NSEventType::KeyDown, {kCommand | NSEventModifierFlags::kCapsLock}, 49};
   EXPECT_EQ(Shortcut::fromEvent(*NSEvent::keyEvent(key)), Shortcut(49, 0x100));
   key.type = NSEventType::KeyUp;
@@ -43,7 +43,7 @@ TEST_F(ShortcutTest, comesFromKeyEventsAlone) {
   EXPECT_EQ(Shortcut::fromEvent(*NSEvent::mouseEvent({})), std::nullopt);
 }
 
-TEST_F(ShortcutTest, hasTheKeysOfTheKeyboard) {
+TEST_F(ShortcutTest, HasTheKeysOfTheKeyboard) {
   // The virtual key codes and Linux event codes as published; 0 for the key that never reaches the desktop.
   struct {
     std::vector<Key> keys;
@@ -104,7 +104,7 @@ TEST_F(ShortcutTest, hasTheKeysOfTheKeyboard) {
   EXPECT_EQ(count, 113U);
 }
 
-TEST_F(ShortcutTest, readsWhatIsStored) {
+TEST_F(ShortcutTest, ReadsWhatIsStored) {
   const auto commandSpace = Shortcut(49, 256);
   const std::string huge(2U << 20U, ' ');
   const std::string deep = std::string(70, '[') + std::string(70, ']');
@@ -143,7 +143,7 @@ TEST_F(ShortcutTest, readsWhatIsStored) {
   EXPECT_NE(foreign, commandSpace);
 }
 
-TEST_F(ShortcutTest, showsTheKey) {
+TEST_F(ShortcutTest, ShowsTheKey) {
   desktop.characters = {{kVK_ANSI_A, "a"}, {kVK_ANSI_S, "ß"}, {kVK_ANSI_Equal, "^"}, {kVK_Space, "x"}};
   struct {
     Shortcut shortcut;
@@ -194,7 +194,7 @@ std::shared_ptr<NSMenuItem> addItem(NSMenu& menu, const std::string& key, std::u
   return item;
 }
 
-TEST_F(ShortcutTest, findsTheMenuItemThatHasIt) {
+TEST_F(ShortcutTest, FindsTheMenuItemThatHasIt) {
   desktop.characters = {{kVK_ANSI_Q, "q"}, {kVK_ANSI_W, "w"}, {kVK_ANSI_E, "e\u0301"}};
   NSMenu menu;
   addItem(menu, "Q", kCommand);
@@ -221,7 +221,7 @@ TEST_F(ShortcutTest, findsTheMenuItemThatHasIt) {
   EXPECT_EQ(Shortcut(Key::q, {kCommand}).matchingMenuItem(menu), nullptr);
 }
 
-TEST_F(ShortcutTest, knowsWhatTheDesktopTook) {
+TEST_F(ShortcutTest, KnowsWhatTheDesktopTook) {
   const auto entry = [](std::any enabled, std::any code, std::any modifiers) {
     return std::map<std::string, std::any>{{"kHISymbolicHotKeyEnabled", std::move(enabled)},
                                            {"kHISymbolicHotKeyCode", std::move(code)},

@@ -59,11 +59,11 @@ TEST_F(LaunchAtLoginTest, TellsTheWantedValueEvenWhenTheDesktopRefuses) {
   EXPECT_EQ(told, "object;will;did;true;");
   EXPECT_FALSE(LaunchAtLogin::isEnabled());
 
-  desktop.sessionHost.version = {10, 14, 6};
+  desktop.simulatedSession.version = {10, 14, 6};
   told.clear();
   LaunchAtLogin::setEnabled(true);
   EXPECT_EQ(told, "will;did;") << "an older system has neither";
-  desktop.sessionHost.version = {12, 0, 0};
+  desktop.simulatedSession.version = {12, 0, 0};
   subscribed.cancel();
   told.clear();
   LaunchAtLogin::setEnabled(false);

@@ -15,7 +15,7 @@ constexpr std::uint64_t kControl = NSEventModifierFlags::kControl;
 constexpr std::uint64_t kOption = NSEventModifierFlags::kOption;
 const Lines kTwoCameras = {"✓ A", "B", "---", "About Vistrel", "Preferences…", "---", "Quit Vistrel"};
 
-TEST(ContextMenu, contextMenuShowsOnceAndThenLetsClicksThrough) {
+TEST(ContextMenu, ContextMenuShowsOnceAndThenLetsClicksThrough) {
   struct Way {
     std::string description;
     std::function<void(Program&)> open;
@@ -49,7 +49,7 @@ TEST(ContextMenu, contextMenuShowsOnceAndThenLetsClicksThrough) {
   }
 }
 
-TEST(ContextMenu, chosenCameraIsStoredMarkedAndShownNext) {
+TEST(ContextMenu, ChosenCameraIsStoredMarkedAndShownNext) {
   Program program;
   program.launchWith({"A", "B"});
   program.desktop.openMenuFromTray();
@@ -61,13 +61,13 @@ TEST(ContextMenu, chosenCameraIsStoredMarkedAndShownNext) {
   EXPECT_EQ(UserDefaults::standard().stringForKey(preference::kDefaultCamera), "B");
   EXPECT_EQ(program.delegate->statusBarItem()->menu(), nullptr);
   program.desktop.clickIcon();
-  EXPECT_TRUE(program.desktop.cameraHost.camera("B").streams.front()->isActive());
+  EXPECT_TRUE(program.desktop.simulatedCameras.camera("B").streams.front()->isActive());
 }
 
-TEST(ContextMenu, menuHoldsTheCamerasOfItsBuild) {
+TEST(ContextMenu, MenuHoldsTheCamerasOfItsBuild) {
   Program program;
   program.launchWith({"A", "B"});
-  program.desktop.cameraHost.unplug("B");
+  program.desktop.simulatedCameras.unplug("B");
   program.desktop.openMenuFromTray();
   EXPECT_EQ(program.menuRows(), kTwoCameras);
   program.desktop.tray.client().statusMenuDidClose();

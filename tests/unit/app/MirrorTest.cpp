@@ -21,7 +21,7 @@ constexpr std::uint64_t kCommand = NSEventModifierFlags::kCommand;
 constexpr std::uint64_t kControl = NSEventModifierFlags::kControl;
 constexpr std::uint16_t kEscape = 53;
 
-TEST(Mirror, opensByEveryWayAndClosesByEveryWay) {
+TEST(Mirror, OpensByEveryWayAndClosesByEveryWay) {
   struct Way {
     std::string description;
     std::function<void(Program&)> close;
@@ -34,7 +34,7 @@ TEST(Mirror, opensByEveryWayAndClosesByEveryWay) {
       {"other application", [](Program& p) { p.desktop.activateOtherApplication(); }},
       {"display change", [](Program& p) { p.desktop.changeDisplays(); }},
       {"Escape", [](Program& p) { p.desktop.pressKey(kEscape); }},
-      {"reopen", [](Program& p) { p.desktop.sessionHost.client().reopen(); }},
+      {"reopen", [](Program& p) { p.desktop.simulatedSession.client().reopen(); }},
       {"menu", [](Program& p) { p.desktop.openMenuFromTray(); }},
       {"menu by Control", [](Program& p) { p.desktop.clickIcon(kControl); }},
       {"the window manager",
@@ -49,11 +49,11 @@ TEST(Mirror, opensByEveryWayAndClosesByEveryWay) {
     program.desktop.clickIcon();
     ASSERT_TRUE(program.isShown());
     EXPECT_TRUE(program.desktop.tray.isHighlighted);
-    EXPECT_EQ(program.desktop.cameraHost.openStreams(), 1U);
+    EXPECT_EQ(program.desktop.simulatedCameras.openStreams(), 1U);
     way.close(program);
     EXPECT_FALSE(program.isShown());
     EXPECT_FALSE(program.desktop.tray.isHighlighted);
-    EXPECT_EQ(program.desktop.cameraHost.openStreams(), 0U);
+    EXPECT_EQ(program.desktop.simulatedCameras.openStreams(), 0U);
     EXPECT_TRUE(program.desktop.windowSystem.onScreen().empty());
     EXPECT_EQ(program.desktop.loop.timerCount(), 0U);
     program.desktop.tray.client().statusMenuDidClose();
@@ -63,7 +63,7 @@ TEST(Mirror, opensByEveryWayAndClosesByEveryWay) {
   }
 }
 
-TEST(Mirror, aClickOnTheIconClosesWhereverThePointerIsByItsEnd) {
+TEST(Mirror, AClickOnTheIconClosesWhereverThePointerIsByItsEnd) {
   struct Case {
     Point press;
     Point release;
@@ -80,13 +80,13 @@ TEST(Mirror, aClickOnTheIconClosesWhereverThePointerIsByItsEnd) {
     if (!program.isShown()) program.desktop.clickIcon();
     program.desktop.windowSystem.pressOutside(c.press);
     EXPECT_FALSE(program.isShown());
-    program.desktop.sessionHost.pointer = c.release;
+    program.desktop.simulatedSession.pointer = c.release;
     program.desktop.tray.client().statusIconPressed(backend::PointerButton::Left, 0);
     EXPECT_EQ(program.isShown(), c.opensAgain);
   }
 }
 
-TEST(Mirror, dismissPreferenceGovernsTheFocusAlone) {
+TEST(Mirror, DismissPreferenceGovernsTheFocusAlone) {
   struct Case {
     std::int64_t stored;
     bool staysWithoutFocus;
@@ -104,7 +104,7 @@ TEST(Mirror, dismissPreferenceGovernsTheFocusAlone) {
   }
 }
 
-TEST(Mirror, sizeIconAndMirroringFollowThePreferences) {
+TEST(Mirror, SizeIconAndMirroringFollowThePreferences) {
   struct Case {
     std::int64_t index;
     Size size;
@@ -118,7 +118,8 @@ TEST(Mirror, sizeIconAndMirroringFollowThePreferences) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.index);
     Program program;
-    program.desktop.sessionHost.screenList = {{"wide", {0, 0, 2560, 1440}, {0, 28, 2560, 1412}, 1, true}};
+    program.desktop.simulatedSession.screenList = {
+        {"wide", {0, 0, 2560, 1440}, {0, 28, 2560, 1412}, 1, true}};
     program.launchWith({"A"});
     UserDefaults::standard().setInteger(c.index, preference::kSelectedPopoverSize);
     UserDefaults::standard().setInteger(c.index, preference::kSelectedIcon);
@@ -132,14 +133,14 @@ TEST(Mirror, sizeIconAndMirroringFollowThePreferences) {
   }
 }
 
-TEST(Mirror, iconIsReplacedInPlaceAndNeverTwice) {
+TEST(Mirror, IconIsReplacedInPlaceAndNeverTwice) {
   Program program;
   program.launchWith({"A"});
   for (int i = 0; i < 3; ++i) NotificationCenter::defaultCenter().post(notification::dataChanged());
   for (const auto& icon : program.desktop.tray.icons) EXPECT_FALSE(icon.empty());
 }
 
-TEST(Mirror, followsLightAndDark) {
+TEST(Mirror, FollowsLightAndDark) {
   Program program;
   program.launchWith({"A"});
   program.desktop.clickIcon();
@@ -153,30 +154,30 @@ TEST(Mirror, followsLightAndDark) {
   EXPECT_EQ(program.takeLog(), (Lines{"📹✅ Capture Session Started", "Switched modes", "Switched modes"}));
 }
 
-TEST(Mirror, shortcutTogglesOnReleaseWithoutAHighlight) {
+TEST(Mirror, ShortcutTogglesOnReleaseWithoutAHighlight) {
   Program program;
   KeyboardShortcuts::resetForNewProcess();
   KeyboardShortcuts::setShortcut(KeyboardShortcuts::Shortcut(49, 0x1800), shortcutName::toggleShortcutMode());
   program.launchWith({"A"});
   const backend::HotKeyCombination combination{49, 0x1800};
   for (const bool opens : {true, false, true}) {
-    EXPECT_TRUE(program.desktop.hotKeyHost.send(combination, backend::HotKeyPhase::Pressed));
+    EXPECT_TRUE(program.desktop.simulatedHotKeys.send(combination, backend::HotKeyPhase::Pressed));
     EXPECT_NE(program.isShown(), opens);
-    EXPECT_TRUE(program.desktop.hotKeyHost.send(combination, backend::HotKeyPhase::Released));
+    EXPECT_TRUE(program.desktop.simulatedHotKeys.send(combination, backend::HotKeyPhase::Released));
     EXPECT_EQ(program.isShown(), opens);
     EXPECT_FALSE(program.desktop.tray.isHighlighted);
   }
 }
 
-TEST(Mirror, terminationEndsTheObservationsOnce) {
+TEST(Mirror, TerminationEndsTheObservationsOnce) {
   Program program;
   program.launchWith({"A"});
   const auto window = NSWindow::create({0, 0, 100, 100}, 3, NSBackingStoreType::Buffered, false);
   window->makeKeyAndOrderFront(nullptr);
   int answers = 0;
   std::make_shared<NSAlert>()->beginSheetModalForWindow(*window, [&](NSModalResponse) { ++answers; });
-  program.desktop.sessionHost.client().terminateRequested();
-  program.desktop.sessionHost.client().terminateRequested();
+  program.desktop.simulatedSession.client().terminateRequested();
+  program.desktop.simulatedSession.client().terminateRequested();
   EXPECT_TRUE(program.desktop.loop.hasQuit());
   EXPECT_EQ(answers, 1);
   EXPECT_TRUE(NSApplication::shared().windows().empty());
@@ -184,7 +185,7 @@ TEST(Mirror, terminationEndsTheObservationsOnce) {
   EXPECT_EQ(program.takeLog(), Lines{});
 }
 
-TEST(MirrorDeathTest, missingLayoutStopsTheProgram) {
+TEST(MirrorDeathTest, MissingLayoutStopsTheProgram) {
   const std::string message = "Why cant I find CameraViewController. - Check Main.storyboard";
   for (const std::optional<std::string>& storyboard :
        {std::optional<std::string>(), std::optional<std::string>("{\"scenes\": {}}"),

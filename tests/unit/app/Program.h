@@ -32,7 +32,7 @@ class Program {
     desktop.start();
   }
   void launchWith(const std::vector<std::string>& cameras) {
-    for (const auto& name : cameras) desktop.cameraHost.plug(name);
+    for (const auto& name : cameras) desktop.simulatedCameras.plug(name);
     launch();
     desktop.takeLog();
   }

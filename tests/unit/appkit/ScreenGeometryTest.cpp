@@ -7,7 +7,7 @@ namespace {
 
 using Side = PopoverTip::Side;
 
-TEST(ScreenGeometry, popoverHangsFromThePanelOnItsOwnScreen) {
+TEST(ScreenGeometry, PopoverHangsFromThePanelOnItsOwnScreen) {
   struct Case {
     std::string description;
     Rect visible;
@@ -57,7 +57,7 @@ TEST(ScreenGeometry, popoverHangsFromThePanelOnItsOwnScreen) {
   }
 }
 
-TEST(ScreenGeometry, framesComeBackOntoAScreen) {
+TEST(ScreenGeometry, FramesComeBackOntoAScreen) {
   const std::vector<backend::Screen> screens = {{"main", {0, 0, 1280, 800}, {0, 28, 1280, 772}, 1, true}};
   EXPECT_EQ(movedOntoScreen({100, 100, 480, 360}, screens), (Rect{100, 100, 480, 360}));
   EXPECT_EQ(movedOntoScreen({3000, -50, 480, 360}, screens), (Rect{800, 28, 480, 360}));

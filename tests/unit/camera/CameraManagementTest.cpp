@@ -23,7 +23,7 @@ Lines withoutRefreshLines(Lines lines) {
   return lines;
 }
 
-TEST(CameraManagement, settlesTheSelection) {
+TEST(CameraManagement, SettlesTheSelection) {
   const std::string fallback = "Could't find default camera, reverting to system setting";
   const std::string composed = "Caf\u00e9";
   const std::string decomposed = "Cafe\u0301";
@@ -45,7 +45,7 @@ TEST(CameraManagement, settlesTheSelection) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.description);
     simulated::SimulatedDesktop desktop(VISTREL_RESOURCES);
-    for (const auto& name : c.cameras) desktop.cameraHost.plug(name);
+    for (const auto& name : c.cameras) desktop.simulatedCameras.plug(name);
     if (!c.stored.empty()) UserDefaults::standard().setString(c.stored, preference::kDefaultCamera);
     const CameraManagement cameras;
     EXPECT_EQ(cameras.selectedDevice() ? cameras.selectedDevice()->uniqueID() : "", c.selectedId);
@@ -54,13 +54,13 @@ TEST(CameraManagement, settlesTheSelection) {
   }
 }
 
-TEST(CameraManagement, listsWhatIsConnectedAndAwake) {
+TEST(CameraManagement, ListsWhatIsConnectedAndAwake) {
   const std::string severalLines = "a\nb\177c\u0085d\u2028e\u2029f";
   simulated::SimulatedDesktop desktop(VISTREL_RESOURCES);
-  desktop.cameraHost.plug("A");
-  desktop.cameraHost.plug("B").device.isSuspended = true;
-  desktop.cameraHost.plug("C").device.isConnected = false;
-  desktop.cameraHost.plug(severalLines);
+  desktop.simulatedCameras.plug("A");
+  desktop.simulatedCameras.plug("B").device.isSuspended = true;
+  desktop.simulatedCameras.plug("C").device.isConnected = false;
+  desktop.simulatedCameras.plug(severalLines);
   CameraManagement cameras;
   const std::string line =
       "📷 Refreshed Devices — available cameras: "
@@ -68,8 +68,8 @@ TEST(CameraManagement, listsWhatIsConnectedAndAwake) {
   EXPECT_EQ(desktop.takeLog(), Lines{line});
 
   const auto selected = cameras.selectedDevice();
-  desktop.cameraHost.unplug("A");
-  desktop.cameraHost.unplug(severalLines);
+  desktop.simulatedCameras.unplug("A");
+  desktop.simulatedCameras.unplug(severalLines);
   cameras.refreshDevices();
   EXPECT_EQ(desktop.takeLog(), Lines{"📷 Refreshed Devices — available cameras: []"});
   EXPECT_EQ(cameras.selectedDevice(), selected);
@@ -78,9 +78,9 @@ TEST(CameraManagement, listsWhatIsConnectedAndAwake) {
   EXPECT_EQ(cameras.selectedDevice(), nullptr);
 }
 
-TEST(CameraManagement, savesTheChosenCamera) {
+TEST(CameraManagement, SavesTheChosenCamera) {
   simulated::SimulatedDesktop desktop(VISTREL_RESOURCES);
-  for (const char* name : {"A", "twin", "twin"}) desktop.cameraHost.plug(name);
+  for (const char* name : {"A", "twin", "twin"}) desktop.simulatedCameras.plug(name);
   CameraManagement cameras;
   desktop.takeLog();
   cameras.saveDefaultCamera("nobody");

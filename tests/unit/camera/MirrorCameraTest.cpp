@@ -13,7 +13,7 @@ using test::Program;
 using Lines = std::vector<std::string>;
 using namespace std::chrono_literals;
 
-TEST(MirrorCamera, firstShowingLogsInOrder) {
+TEST(MirrorCamera, FirstShowingLogsInOrder) {
   Program program;
   UserDefaults::standard().setString("A", preference::kDefaultCamera);
   program.launchWith({"A"});
@@ -29,7 +29,7 @@ TEST(MirrorCamera, firstShowingLogsInOrder) {
   EXPECT_EQ(program.desktop.takeLog(), second);
 }
 
-TEST(MirrorCamera, takesTheHighestPresetThatTheCameraReaches) {
+TEST(MirrorCamera, TakesTheHighestPresetThatTheCameraReaches) {
   struct Case {
     std::vector<PixelSize> sizes;
     std::string asked;
@@ -40,14 +40,14 @@ TEST(MirrorCamera, takesTheHighestPresetThatTheCameraReaches) {
                                    {{{640, 480}}, "own choice"}};
   for (const auto& c : cases) {
     Program program;
-    program.desktop.cameraHost.plug("A").sizes = c.sizes;
+    program.desktop.simulatedCameras.plug("A").sizes = c.sizes;
     program.launch();
     program.desktop.clickIcon();
-    EXPECT_EQ(program.desktop.cameraHost.lastStart, c.asked);
+    EXPECT_EQ(program.desktop.simulatedCameras.lastStart, c.asked);
   }
 }
 
-TEST(MirrorCamera, faultsOfACameraEndInALineAndANeutralGlass) {
+TEST(MirrorCamera, FaultsOfACameraEndInALineAndANeutralGlass) {
   struct Fault {
     std::string description;
     std::function<void(Program&)> prepare;
@@ -57,7 +57,7 @@ TEST(MirrorCamera, faultsOfACameraEndInALineAndANeutralGlass) {
   const std::string started = "📹✅ Capture Session Started";
   const std::string error = "📹💥 Capture Session Runtime Error: ";
   const auto camera = [](Program& p) -> simulated::SimulatedCamera& {
-    return p.desktop.cameraHost.camera("A");
+    return p.desktop.simulatedCameras.camera("A");
   };
   const auto nothing = [](Program&) {};
   const auto behave = [&](simulated::StartBehavior behavior) {
@@ -93,7 +93,7 @@ TEST(MirrorCamera, faultsOfACameraEndInALineAndANeutralGlass) {
        {error + "the camera sends no pictures"}},
       {"is unplugged",
        nothing,
-       [](Program& p) { p.desktop.cameraHost.unplug("A"); },
+       [](Program& p) { p.desktop.simulatedCameras.unplug("A"); },
        {started, error + "the camera was unplugged"}},
       {"an error without information",
        nothing,
@@ -111,7 +111,7 @@ TEST(MirrorCamera, faultsOfACameraEndInALineAndANeutralGlass) {
     program.desktop.loop.settle();
     EXPECT_EQ(program.takeLog(), fault.log);
     EXPECT_TRUE(program.isShown());
-    EXPECT_TRUE(program.desktop.cameraHost.camera("B").streams.empty());
+    EXPECT_TRUE(program.desktop.simulatedCameras.camera("B").streams.empty());
     program.desktop.clickIcon();
     EXPECT_EQ(program.desktop.loop.timerCount(), 0U);
     program.desktop.clickIcon();
@@ -119,15 +119,15 @@ TEST(MirrorCamera, faultsOfACameraEndInALineAndANeutralGlass) {
   }
 }
 
-TEST(MirrorCamera, isOnScreenWhileItWaitsForACameraThatHangs) {
+TEST(MirrorCamera, IsOnScreenWhileItWaitsForACameraThatHangs) {
   Program program;
   program.launchWith({"A"});
-  program.desktop.cameraHost.camera("A").behavior = simulated::StartBehavior::HangsForEver;
+  program.desktop.simulatedCameras.camera("A").behavior = simulated::StartBehavior::HangsForEver;
   Lines order;
   program.desktop.windowSystem.whenShown = [&] {
-    order.push_back("shown, streams " + std::to_string(program.desktop.cameraHost.openStreams()));
+    order.push_back("shown, streams " + std::to_string(program.desktop.simulatedCameras.openStreams()));
   };
-  program.desktop.cameraHost.whileWaiting = [&] {
+  program.desktop.simulatedCameras.whileWaiting = [&] {
     const Rect frame = program.desktop.windowSystem.titled("Vistrel").window().frame();
     order.push_back("waiting at width " + std::to_string(static_cast<int>(frame.width)));
     EXPECT_EQ(program.mirror().captureSession(), nullptr);
@@ -141,8 +141,8 @@ TEST(MirrorCamera, isOnScreenWhileItWaitsForACameraThatHangs) {
   }
 }
 
-TEST(MirrorCamera, centerStageFollowsThePlatformsVersion) {
-  using Version = backend::SessionHost::Version;
+TEST(MirrorCamera, CenterStageFollowsThePlatformsVersion) {
+  using Version = backend::Session::Version;
   struct Case {
     Version version;
     bool hasCamera;
@@ -153,10 +153,10 @@ TEST(MirrorCamera, centerStageFollowsThePlatformsVersion) {
       {{12, 2, 9}, true, {}}, {{12, 3, 0}, true, on}, {{13, 0, 0}, true, on}, {{13, 0, 0}, false, {}}};
   for (const auto& c : cases) {
     Program program;
-    program.desktop.sessionHost.version = c.version;
-    if (c.hasCamera) program.desktop.cameraHost.plug("A").device.isCenterStageActive = true;
+    program.desktop.simulatedSession.version = c.version;
+    if (c.hasCamera) program.desktop.simulatedCameras.plug("A").device.isCenterStageActive = true;
     program.launch();
-    EXPECT_EQ(program.desktop.cameraHost.centerStageCalls, c.calls);
+    EXPECT_EQ(program.desktop.simulatedCameras.centerStageCalls, c.calls);
     program.takeLog();
     program.desktop.clickIcon();
     const Lines log = program.takeLog();
@@ -164,11 +164,11 @@ TEST(MirrorCamera, centerStageFollowsThePlatformsVersion) {
   }
 }
 
-TEST(MirrorCamera, aCameraThatIsGoneCanStillBeChosen) {
+TEST(MirrorCamera, ACameraThatIsGoneCanStillBeChosen) {
   Program program;
   program.launchWith({"A", "B"});
   program.desktop.clickIcon();
-  program.desktop.cameraHost.unplug("B");
+  program.desktop.simulatedCameras.unplug("B");
   program.takeLog();
   auto& button = program.mirror().availableCamerasPopupButton();
   button.itemChosen(button.menu()->itemArray()[2]);
@@ -179,13 +179,13 @@ TEST(MirrorCamera, aCameraThatIsGoneCanStillBeChosen) {
   EXPECT_EQ(program.mirror().previewLayer()->connection(), nullptr);
 }
 
-TEST(MirrorCamera, withoutACameraItSaysSo) {
+TEST(MirrorCamera, WithoutACameraItSaysSo) {
   Program program;
   program.launchWith({"A"});
   program.desktop.clickIcon();
   EXPECT_TRUE(program.mirror().noCamerasView().isHidden());
   program.desktop.clickIcon();
-  program.desktop.cameraHost.unplug("A");
+  program.desktop.simulatedCameras.unplug("A");
   program.desktop.clickIcon();
   EXPECT_FALSE(program.mirror().noCamerasView().isHidden());
   EXPECT_TRUE(program.mirror().previewLayer()->isHidden());

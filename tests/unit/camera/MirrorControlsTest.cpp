@@ -11,7 +11,7 @@ using Lines = std::vector<std::string>;
 
 constexpr std::uint16_t kEscape = 53;
 
-TEST(MirrorControls, controlsFollowThePointer) {
+TEST(MirrorControls, ControlsFollowThePointer) {
   struct Row {
     bool isDark;
     bool isDetached;
@@ -50,7 +50,7 @@ TEST(MirrorControls, controlsFollowThePointer) {
   }
 }
 
-TEST(MirrorControls, tornOffItIsAWindow) {
+TEST(MirrorControls, TornOffItIsAWindow) {
   Program program;
   program.launchWith({"A"});
   program.desktop.clickIcon();
@@ -59,16 +59,16 @@ TEST(MirrorControls, tornOffItIsAWindow) {
   EXPECT_EQ(window.window().kind(), NSWindowKind::Detached);
   program.desktop.clickElsewhere();
   program.desktop.pressKey(kEscape);
-  program.desktop.sessionHost.client().reopen();
+  program.desktop.simulatedSession.client().reopen();
   EXPECT_TRUE(program.isShown());
   window.client().viewClicked(*window.window().closeButton());
   EXPECT_FALSE(program.isShown());
-  EXPECT_EQ(program.desktop.cameraHost.openStreams(), 0U);
+  EXPECT_EQ(program.desktop.simulatedCameras.openStreams(), 0U);
   program.desktop.clickIcon();
   EXPECT_EQ(program.desktop.windowSystem.titled("Vistrel").window().kind(), NSWindowKind::Popover);
 }
 
-TEST(MirrorControls, viewsMenuWorksByKeyboard) {
+TEST(MirrorControls, ViewsMenuWorksByKeyboard) {
   constexpr std::uint16_t kSpace = 49;
   Program program;
   program.launchWith({"A", "B"});
@@ -87,7 +87,7 @@ TEST(MirrorControls, viewsMenuWorksByKeyboard) {
                      "📹✅ Capture Session Started"};
   EXPECT_EQ(program.takeLog(), log);
   EXPECT_EQ(program.desktop.rows(*button.menu())[2], "✓ B");
-  EXPECT_EQ(program.desktop.cameraHost.openStreams(), 1U);
+  EXPECT_EQ(program.desktop.simulatedCameras.openStreams(), 1U);
   button.itemChosen(button.menu()->itemArray().back());
   EXPECT_TRUE(program.desktop.loop.hasQuit());
 }

@@ -7,7 +7,7 @@
 namespace vistrel {
 namespace {
 
-TEST(NotificationCenter, postsOverASnapshot) {
+TEST(NotificationCenter, PostsOverASnapshot) {
   NotificationCenter center;
   std::string calls;
   ObservationToken late;
@@ -27,7 +27,7 @@ TEST(NotificationCenter, postsOverASnapshot) {
   EXPECT_EQ(calls, "11sL");
 }
 
-TEST(NotificationCenter, mainQueueDeliversLaterAndNotToTheRemoved) {
+TEST(NotificationCenter, MainQueueDeliversLaterAndNotToTheRemoved) {
   simulated::SimulatedDesktop desktop(VISTREL_RESOURCES);
   auto& center = NotificationCenter::defaultCenter();
   int calls = 0;

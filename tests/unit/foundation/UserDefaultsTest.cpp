@@ -7,7 +7,7 @@
 namespace vistrel {
 namespace {
 
-TEST(UserDefaults, readsEachTypeByTheStoresRules) {
+TEST(UserDefaults, ReadsEachTypeByTheStoresRules) {
   struct Case {
     std::string json;
     std::int64_t integer;
@@ -37,7 +37,7 @@ TEST(UserDefaults, readsEachTypeByTheStoresRules) {
   }
 }
 
-TEST(UserDefaults, writesItsOwnKeyOnly) {
+TEST(UserDefaults, WritesItsOwnKeyOnly) {
   simulated::SimulatedDesktop desktop(VISTREL_RESOURCES);
   auto& store = UserDefaults::standard();
   store.registerDefaults({{"mirrored", true}});
@@ -51,7 +51,7 @@ TEST(UserDefaults, writesItsOwnKeyOnly) {
   EXPECT_FALSE(store.boolForKey("mirrored"));
 }
 
-TEST(UserDefaults, survivesWhatTheDiskDoes) {
+TEST(UserDefaults, SurvivesWhatTheDiskDoes) {
   for (const std::string& unreadable :
        {std::string("{\"size\": 1"), std::string("[]"), std::string("\xff\xfe"),
         "{}" + std::string(backend::UserFiles::kTooLarge, ' ')}) {

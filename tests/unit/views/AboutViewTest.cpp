@@ -48,8 +48,8 @@ TEST_F(AboutViewTest, ThanksSevenWithoutBreakingANameAndLinksToPagesThatShip) {
   EXPECT_NE(credits.find(", and\u00a0"), std::string::npos) << credits;
   EXPECT_TRUE(credits.ends_with(".")) << credits;
   EXPECT_EQ(links, (std::vector<std::string>{"FAQ", "© the Vistrel developers"}));
-  ASSERT_EQ(desktop.sessionHost.openedUrls.size(), 2U);
-  for (const auto& url : desktop.sessionHost.openedUrls) {
+  ASSERT_EQ(desktop.simulatedSession.openedUrls.size(), 2U);
+  for (const auto& url : desktop.simulatedSession.openedUrls) {
     ASSERT_TRUE(url.starts_with("file:///")) << url;
     EXPECT_TRUE(desktop.resourceFolder.read(url.substr(7))) << url;
   }
@@ -58,9 +58,9 @@ TEST_F(AboutViewTest, ThanksSevenWithoutBreakingANameAndLinksToPagesThatShip) {
 TEST_F(AboutViewTest, OpensAddressesAndNothingElse) {
   for (const char* broken : {"", "https://a b", "https://a/%zz", "https://ä"}) openAddress(broken);
   openAddress("https://vistrel.example/faq?a=%20b#c");
-  desktop.sessionHost.hasBrowser = false;
+  desktop.simulatedSession.hasBrowser = false;
   openAddress("https://vistrel.example/");
-  EXPECT_EQ(desktop.sessionHost.openedUrls.size(), 1U);
+  EXPECT_EQ(desktop.simulatedSession.openedUrls.size(), 1U);
 }
 
 }  // namespace

@@ -28,7 +28,7 @@ class FakeDevice final : public CaptureDevice {
     if (bytes_.empty()) return std::nullopt;
     if (modes_[0].format == PixelFormat::Mjpeg) return std::span<const std::uint8_t>(bytes_);
     const PlaneMemory memory{bytes_, 0};
-    return pictureIn({&memory, 1}, modes_[0].format, kSize, YuvColour::Bt601Limited).value();
+    return pictureIn({&memory, 1}, modes_[0].format, kSize, YuvColor::Bt601Limited).value();
   }
 
   void deliver(std::vector<std::uint8_t> bytes) {

@@ -28,7 +28,7 @@ TEST(JpegDecoder, DecodesAtTheSmallestScaleThatFillsTheGlass) {
       ASSERT_TRUE(decoder.decode(jpeg, c.glass, out)) << c.size.width << " for " << c.glass.width;
       EXPECT_EQ(out.picture.size, c.decoded) << c.size.width << " for " << c.glass.width;
       EXPECT_EQ(out.picture.planes[1].data == nullptr, sampling == JpegSampling::Grey);
-      EXPECT_EQ(out.picture.colour, YuvColour::Bt601Full);
+      EXPECT_EQ(out.picture.color, YuvColor::Bt601Full);
       const PixelSize d = out.picture.size;
       EXPECT_NEAR(lumaAt(out.picture, 0, d.height - 1), kTestJpegLeft, 12);
       EXPECT_NEAR(lumaAt(out.picture, d.width - 1, 0), kTestJpegRight, 12);

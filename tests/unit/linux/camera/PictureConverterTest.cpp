@@ -10,7 +10,7 @@
 namespace vistrel::camera {
 namespace {
 
-// Each stage rounds once to a whole number, and the colour matrices amplify chroma up to twice.
+// Each stage rounds once to a whole number, and the color matrices amplify chroma up to twice.
 constexpr double kRounding = 7;
 
 struct Channel {
@@ -78,11 +78,11 @@ class Source {
     }
   }
 
-  [[nodiscard]] Picture picture(YuvColour colour) const {
-    if (layout_.chroma != Chroma::OfFormat) return decoded(colour);
+  [[nodiscard]] Picture picture(YuvColor color) const {
+    if (layout_.chroma != Chroma::OfFormat) return decoded(color);
     std::vector<PlaneMemory> memory;
     for (int i = 0; i < 3 && rows_[i] > 0; ++i) memory.push_back({blocks_[i], strides_[i]});
-    return pictureIn(memory, layout_.format, size_, colour).value();
+    return pictureIn(memory, layout_.format, size_, color).value();
   }
 
   [[nodiscard]] double sample(int channel, std::ptrdiff_t x, std::ptrdiff_t y) const {
@@ -93,9 +93,9 @@ class Source {
   }
 
  private:
-  [[nodiscard]] Picture decoded(YuvColour colour) const {
+  [[nodiscard]] Picture decoded(YuvColor color) const {
     const Channel& chroma = layout_.channels[1];
-    Picture result{layout_.format, size_, {samplesOf(size_.width, chroma.xStep), rows_[1]}, {}, colour};
+    Picture result{layout_.format, size_, {samplesOf(size_.width, chroma.xStep), rows_[1]}, {}, color};
     for (int i = 0; i < (layout_.chroma == Chroma::None ? 1 : 3); ++i)
       result.planes[i] = {blocks_[i].data(), strides_[i]};
     return result;
@@ -165,17 +165,17 @@ class Reference {
 };
 
 struct Matrix {
-  YuvColour colour;
+  YuvColor color;
   double tolerance;
   double lumaScale, black, vToRed, uToGreen, vToGreen, uToBlue;
 };
 // ITU-R BT.601 and BT.709, limited and full range.
 const Matrix kMatrices[] = {
-    {YuvColour::Bt601Limited, kRounding, 1.164, 16, 1.596, 0.392, 0.813, 2.017},
-    {YuvColour::Bt601Full, kRounding, 1, 0, 1.402, 0.344, 0.714, 1.772},
+    {YuvColor::Bt601Limited, kRounding, 1.164, 16, 1.596, 0.392, 0.813, 2.017},
+    {YuvColor::Bt601Full, kRounding, 1, 0, 1.402, 0.344, 0.714, 1.772},
     // The library's factors end at 2.
-    {YuvColour::Bt709Limited, kRounding + 127 * 0.112, 1.164, 16, 1.793, 0.213, 0.533, 2.112},
-    {YuvColour::Bt709Full, kRounding, 1, 0, 1.575, 0.187, 0.468, 1.856},
+    {YuvColor::Bt709Limited, kRounding + 127 * 0.112, 1.164, 16, 1.793, 0.213, 0.533, 2.112},
+    {YuvColor::Bt709Full, kRounding, 1, 0, 1.575, 0.187, 0.468, 1.856},
 };
 
 std::array<double, 3> toRgb(const std::array<double, 3>& yuv, const Matrix& m) {
@@ -194,7 +194,7 @@ double largestError(const Layout& layout, PixelSize from, PixelSize to, int gap,
   std::vector<std::uint8_t> pixels(static_cast<std::size_t>(stride) * to.height, 1);
   const GlassTarget target{pixels.data(), stride, to, isMirrored};
   PictureConverter converter;
-  converter.convert(source.picture(m.colour), target);
+  converter.convert(source.picture(m.color), target);
   const Reference reference(layout, source, from, target);
   double worst = 0;
   const int step = to.width > 100 ? 11 : 1;
@@ -234,10 +234,10 @@ TEST(PictureConverter, EqualsThePlainReferenceAtTheSizesOfCameras) {
             << layout.name << ' ' << size.width << " to " << glass.width;
 }
 
-TEST(PictureConverter, KnowsTheColourSpaces) {
+TEST(PictureConverter, KnowsTheColorSpaces) {
   for (const Matrix& matrix : kMatrices)
     EXPECT_LE(largestError(kLayouts[0], {32, 32}, {32, 32}, 0, false, matrix), matrix.tolerance)
-        << static_cast<int>(matrix.colour);
+        << static_cast<int>(matrix.color);
 }
 
 TEST(Picture, RefusesMemoryThatIsTooShort) {
@@ -259,7 +259,7 @@ TEST(Picture, RefusesMemoryThatIsTooShort) {
   };
   for (const Case& c : cases) {
     const PlaneMemory memory{all, c.stride};
-    EXPECT_EQ(pictureIn({&memory, 1}, c.format, c.size, YuvColour::Bt601Limited).has_value(), c.isPicture)
+    EXPECT_EQ(pictureIn({&memory, 1}, c.format, c.size, YuvColor::Bt601Limited).has_value(), c.isPicture)
         << static_cast<int>(c.format) << ' ' << c.size.width << 'x' << c.size.height << ' ' << c.stride;
   }
 }
@@ -270,7 +270,7 @@ TEST(Picture, TellsBlackAndGreenFromAPicture) {
     std::vector<std::uint8_t> bytes;
     while (bytes.size() < 512) bytes.insert(bytes.end(), quad.begin(), quad.end());
     const PlaneMemory memory{bytes, 0};
-    return isBlank(pictureIn({&memory, 1}, format, size, YuvColour::Bt601Limited).value());
+    return isBlank(pictureIn({&memory, 1}, format, size, YuvColor::Bt601Limited).value());
   };
   EXPECT_TRUE(blankness(PixelFormat::Yuy2, {16, 128, 16, 128}));
   EXPECT_TRUE(blankness(PixelFormat::Yuy2, {0, 0, 0, 0}));

@@ -86,7 +86,7 @@ V4l2System::Label ScriptedV4l2::label(const std::string& path) {
   const std::lock_guard lock(mutex_);
   if (!script.contains(path)) return {};
   const ScriptedNode& node = script.at(path);
-  return {node.card, node.index, node.seemsCamera, node.place, Attachment::External};
+  return {node.card, node.index, node.seemsCamera, node.place, DeviceLocation::External};
 }
 
 // Every opening shares one descriptor underneath, as a device has one queue.

@@ -6,7 +6,7 @@
 #include <spa/param/video/raw.h>
 #include <spa/pod/builder.h>
 
-#include "linux/camera/Colour.h"
+#include "linux/camera/Color.h"
 #include "linux/camera/PipeWireFormats.h"
 
 namespace vistrel::camera {
@@ -98,11 +98,11 @@ TEST(VideoMode, ChoosesASizeByItself) {
   }
 }
 
-TEST(Colour, IsDecidedByFormatAndSource) {
-  EXPECT_EQ(decideColour(Mjpeg, {ColourRange::Limited, ColourMatrix::Bt709}), YuvColour::Bt601Full);
-  EXPECT_EQ(decideColour(Yuy2, {}), YuvColour::Bt601Limited);
-  EXPECT_EQ(decideColour(Nv12, {ColourRange::Full, ColourMatrix::Unknown}), YuvColour::Bt601Full);
-  EXPECT_EQ(decideColour(Nv12, {ColourRange::Unknown, ColourMatrix::Bt709}), YuvColour::Bt709Limited);
+TEST(Color, IsDecidedByFormatAndSource) {
+  EXPECT_EQ(decideColor(Mjpeg, {ColorRange::Limited, ColorMatrix::Bt709}), YuvColor::Bt601Full);
+  EXPECT_EQ(decideColor(Yuy2, {}), YuvColor::Bt601Limited);
+  EXPECT_EQ(decideColor(Nv12, {ColorRange::Full, ColorMatrix::Unknown}), YuvColor::Bt601Full);
+  EXPECT_EQ(decideColor(Nv12, {ColorRange::Unknown, ColorMatrix::Bt709}), YuvColor::Bt709Limited);
 }
 
 // An offer as PipeWire's V4L2 cameras make it: one subtype, several formats, sizes and rates.

@@ -9,7 +9,7 @@ namespace {
 
 using Parsed = std::optional<Accelerator>;
 
-TEST(AcceleratorTest, readsWhatGtkWrites) {
+TEST(AcceleratorTest, ReadsWhatGtkWrites) {
   struct {
     const char* text;
     Parsed expected;
@@ -33,7 +33,7 @@ TEST(AcceleratorTest, readsWhatGtkWrites) {
   for (const auto& row : rows) EXPECT_EQ(parseGtkAccelerator(row.text), row.expected) << row.text;
 }
 
-TEST(AcceleratorTest, readsWhatQtWrites) {
+TEST(AcceleratorTest, ReadsWhatQtWrites) {
   struct {
     const char* text;
     Parsed expected;
@@ -54,7 +54,7 @@ TEST(AcceleratorTest, readsWhatQtWrites) {
   for (const auto& row : rows) EXPECT_EQ(parseQtAccelerator(row.text), row.expected) << row.text;
 }
 
-TEST(AcceleratorTest, readsTheFileOfKde) {
+TEST(AcceleratorTest, ReadsTheFileOfKde) {
   const auto found = parseKdeShortcuts(
       "[kwin]\n_k_friendly_name=Ctrl+X\nClose=Alt+F4\\tMeta+Q,Ctrl+C,Close\nOff=none,Ctrl+Y,Off\nbroken\n"
       "Comma=Ctrl+\\,,none,Comma\nBackslash=Meta+\\\\,none,B\n[services][a.desktop]\n_launch=Bad+1,,\n");

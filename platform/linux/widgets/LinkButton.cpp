@@ -1,4 +1,4 @@
-#include "linux/widgets/QtLinkButton.h"
+#include "linux/widgets/LinkButton.h"
 
 #include <QPainter>
 
@@ -8,7 +8,7 @@ namespace {
 constexpr int kMargin = 3;
 }
 
-QtLinkButton::QtLinkButton(const QString& title, QWidget* parent) : QAbstractButton(parent) {
+LinkButton::LinkButton(const QString& title, QWidget* parent) : QAbstractButton(parent) {
   setText(title);
   setCursor(Qt::PointingHandCursor);
   setFocusPolicy(Qt::StrongFocus);
@@ -16,11 +16,11 @@ QtLinkButton::QtLinkButton(const QString& title, QWidget* parent) : QAbstractBut
   setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
 
-QSize QtLinkButton::sizeHint() const {
+QSize LinkButton::sizeHint() const {
   return {fontMetrics().horizontalAdvance(text()) + 2 * kMargin, fontMetrics().height() + 2 * kMargin};
 }
 
-void QtLinkButton::paintEvent(QPaintEvent* /*event*/) {
+void LinkButton::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   QFont underlined = font();
   underlined.setUnderline(underMouse() || hasFocus());

@@ -10,12 +10,12 @@ namespace vistrel::widgets {
 
 /// One part of a segmented control: checked in turn with its neighbours, and a radio button to screen
 /// readers.
-class QtSegment final : public QAbstractButton {
+class Segment final : public QAbstractButton {
  public:
   enum class Place { Only, First, Middle, Last };
 
   /// Shows the image, or the button's text without one.
-  QtSegment(std::shared_ptr<NSImage> image, Place place, QWidget* parent);
+  Segment(std::shared_ptr<NSImage> image, Place place, QWidget* parent);
   [[nodiscard]] QSize sizeHint() const override;
   [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
 

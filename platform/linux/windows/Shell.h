@@ -11,9 +11,9 @@
 namespace vistrel::windows {
 
 /// What happens to a native window. Called from the main loop.
-class QtShellClient {
+class ShellClient {
  public:
-  virtual ~QtShellClient() = default;
+  virtual ~ShellClient() = default;
   virtual void shellCloseRequested() = 0;
   virtual void shellActivated() = 0;
   virtual void shellDeactivated() = 0;
@@ -31,9 +31,9 @@ class QtShellClient {
 };
 
 /// A native window: a container for the content, and around it what the backend draws of its own.
-class QtShell final : public QWidget {
+class Shell final : public QWidget {
  public:
-  explicit QtShell(QtShellClient& client);
+  explicit Shell(ShellClient& client);
 
   [[nodiscard]] QWidget& content() const { return *content_; }
   /// The line and the tip around the content; an empty path for none.
@@ -58,7 +58,7 @@ class QtShell final : public QWidget {
 
   enum class Drag { None, Possible, Going };
 
-  QtShellClient* client_;
+  ShellClient* client_;
   QWidget* content_;
   QPointer<QWindow> handle_;
   QPainterPath outline_;

@@ -1,5 +1,5 @@
-#include "linux/camera/Attachment.h"
 #include "linux/camera/CameraCenter.h"
+#include "linux/camera/DeviceLocation.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -13,9 +13,9 @@ namespace {
 namespace fs = std::filesystem;
 
 // A folder that looks like the kernel's, with a node behind each kind of bus.
-class AttachmentTest : public testing::Test {
+class DeviceLocationTest : public testing::Test {
  protected:
-  ~AttachmentTest() override { fs::remove_all(root_); }
+  ~DeviceLocationTest() override { fs::remove_all(root_); }
 
   // `device` is that of the node, on USB one interface of what is plugged in.
   void addNode(const std::string& node, const std::string& device, const std::string& index,
@@ -35,33 +35,33 @@ class AttachmentTest : public testing::Test {
   const fs::path root_ = fs::temp_directory_path() / ("sysfs-test-" + std::to_string(::getpid()));
 };
 
-TEST_F(AttachmentTest, FollowsTheKernelsWord) {
+TEST_F(DeviceLocationTest, FollowsTheKernelsWord) {
   struct Case {
     const char *node, *device, *index, *removable, *place;
-    Attachment attachment;
+    DeviceLocation attachment;
     bool seemsCamera;
   } const cases[] = {
-      {"video9", "pci/usb1/1-7/1.0", "0", "fixed", "pci/usb1/1-7/1.0/0", Attachment::BuiltIn, true},
-      {"video6", "pci/usb1/1-7/1.0", "1", "fixed", "pci/usb1/1-7/1.0/1", Attachment::BuiltIn, false},
-      {"video7", "pci/usb1/1-7/1.2", "0", "fixed", "pci/usb1/1-7/1.2/0", Attachment::BuiltIn, false},
-      {"vbi0", "pci/usb1/1-8/1.0", "0", "removable", "pci/usb1/1-8/1.0/0", Attachment::External, true},
-      {"video1", "pci/usb1/1-8/1.1", "0", "removable", "pci/usb1/1-8/1.1/0", Attachment::External, true},
-      {"video2", "pci/usb1/1-9/1.0", "0", "unknown", "pci/usb1/1-9/1.0/0", Attachment::External, true},
-      {"video5", "pci/usb1/1-7/1-7.2/1.0", "0", "unknown", "pci/usb1/1-7/1-7.2/1.0/0", Attachment::External,
-       true},
-      {"video3", "platform/csi", "0", "", "platform/csi/0", Attachment::BuiltIn, false},
-      {"video4", "virtual", "0", "", "virtual/video4linux/video4", Attachment::External, true},
-      {"video10", "virtual", "1", "", "virtual/video4linux/video10", Attachment::External, false},
+      {"video9", "pci/usb1/1-7/1.0", "0", "fixed", "pci/usb1/1-7/1.0/0", DeviceLocation::BuiltIn, true},
+      {"video6", "pci/usb1/1-7/1.0", "1", "fixed", "pci/usb1/1-7/1.0/1", DeviceLocation::BuiltIn, false},
+      {"video7", "pci/usb1/1-7/1.2", "0", "fixed", "pci/usb1/1-7/1.2/0", DeviceLocation::BuiltIn, false},
+      {"vbi0", "pci/usb1/1-8/1.0", "0", "removable", "pci/usb1/1-8/1.0/0", DeviceLocation::External, true},
+      {"video1", "pci/usb1/1-8/1.1", "0", "removable", "pci/usb1/1-8/1.1/0", DeviceLocation::External, true},
+      {"video2", "pci/usb1/1-9/1.0", "0", "unknown", "pci/usb1/1-9/1.0/0", DeviceLocation::External, true},
+      {"video5", "pci/usb1/1-7/1-7.2/1.0", "0", "unknown", "pci/usb1/1-7/1-7.2/1.0/0",
+       DeviceLocation::External, true},
+      {"video3", "platform/csi", "0", "", "platform/csi/0", DeviceLocation::BuiltIn, false},
+      {"video4", "virtual", "0", "", "virtual/video4linux/video4", DeviceLocation::External, true},
+      {"video10", "virtual", "1", "", "virtual/video4linux/video10", DeviceLocation::External, false},
   };
   for (const Case& c : cases) addNode(c.node, c.device, c.index, c.removable);
   for (const Case& c : cases) {
     const auto path = std::string("/dev/") + c.node;
-    EXPECT_EQ(attachmentOf(path, root_), c.attachment) << c.node;
+    EXPECT_EQ(deviceLocationOf(path, root_), c.attachment) << c.node;
     EXPECT_EQ(usbProductOf(path, root_), *c.removable ? "046d:0825" : "") << c.node;
     EXPECT_EQ(placeOf(path, root_), root_ / "devices" / c.place) << c.node;
     EXPECT_EQ(seemsCamera(path, root_), c.seemsCamera) << c.node;
   }
-  EXPECT_EQ(attachmentOf("/dev/video99", root_), Attachment::External);
+  EXPECT_EQ(deviceLocationOf("/dev/video99", root_), DeviceLocation::External);
   EXPECT_EQ(placeOf("/dev/video99", root_), "/dev/video99");
   EXPECT_FALSE(seemsCamera("/dev/video99", root_));
 }

@@ -5,9 +5,9 @@
 namespace vistrel::widgets {
 
 /// A text that is pressed, drawn as a link.
-class QtLinkButton final : public QAbstractButton {
+class LinkButton final : public QAbstractButton {
  public:
-  QtLinkButton(const QString& title, QWidget* parent);
+  LinkButton(const QString& title, QWidget* parent);
   [[nodiscard]] QSize sizeHint() const override;
   [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
 

@@ -1,4 +1,4 @@
-#include "linux/camera/Attachment.h"
+#include "linux/camera/DeviceLocation.h"
 
 #include <cctype>
 #include <fstream>
@@ -53,20 +53,20 @@ std::string_view takeNumber(std::string_view& text) {
 
 }  // namespace
 
-Attachment attachmentOf(const std::string& devicePath, const fs::path& sysfs) {
+DeviceLocation deviceLocationOf(const std::string& devicePath, const fs::path& sysfs) {
   const auto places = placesOf(devicePath, sysfs);
-  if (places.empty()) return Attachment::External;
+  if (places.empty()) return DeviceLocation::External;
   std::error_code ignored;
   for (const fs::path& place : places) {
     const std::string word = firstWord(place / "removable");
-    if (word == "fixed") return Attachment::BuiltIn;
-    if (word == "removable") return Attachment::External;
+    if (word == "fixed") return DeviceLocation::BuiltIn;
+    if (word == "removable") return DeviceLocation::External;
     // What follows are the hubs, whose word says nothing of what is plugged into them.
     if (fs::exists(place / "idVendor", ignored)) break;
   }
   const bool isExternal =
       places.front().string().find("/usb") != std::string::npos || isVirtual(places.front());
-  return isExternal ? Attachment::External : Attachment::BuiltIn;
+  return isExternal ? DeviceLocation::External : DeviceLocation::BuiltIn;
 }
 
 std::string usbProductOf(const std::string& devicePath, const fs::path& sysfs) {
@@ -83,7 +83,7 @@ std::string placeOf(const std::string& devicePath, const fs::path& sysfs) {
 
 // What cannot be known: whether a node that hangs elsewhere is a camera's (decoders and the queues of image
 // processors have nodes too), whether one in software gives pictures or takes them, and whether the first one
-// of a USB device sees colours. The others of a USB device are metadata or an infrared sensor as a rule.
+// of a USB device sees colors. The others of a USB device are metadata or an infrared sensor as a rule.
 bool seemsCamera(const std::string& devicePath, const fs::path& sysfs) {
   const auto places = placesOf(devicePath, sysfs);
   if (places.empty()) return false;

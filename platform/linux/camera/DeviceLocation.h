@@ -6,13 +6,13 @@
 
 namespace vistrel::camera {
 
-enum class Attachment { BuiltIn, External };
+enum class DeviceLocation { BuiltIn, External };
 
 /// Whether the camera behind a node such as "/dev/video0" is part of the machine: by the kernel's word where
 /// it gives one ("removable" of the USB port), else built in unless it hangs on USB or exists in software
 /// only.
-[[nodiscard]] Attachment attachmentOf(const std::string& devicePath,
-                                      const std::filesystem::path& sysfs = "/sys");
+[[nodiscard]] DeviceLocation deviceLocationOf(const std::string& devicePath,
+                                              const std::filesystem::path& sysfs = "/sys");
 
 /// The "vendor:product" of the USB device behind such a node; empty for one that hangs elsewhere.
 [[nodiscard]] std::string usbProductOf(const std::string& devicePath,

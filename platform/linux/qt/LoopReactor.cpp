@@ -1,4 +1,4 @@
-#include "linux/qt/QtReactor.h"
+#include "linux/qt/LoopReactor.h"
 
 #include <QSocketNotifier>
 #include <utility>
@@ -38,15 +38,15 @@ class Delay final : public desktop::Registration {
 
 }  // namespace
 
-std::unique_ptr<desktop::Registration> QtReactor::watch(int fd, std::function<void()> handler) {
+std::unique_ptr<desktop::Registration> LoopReactor::watch(int fd, std::function<void()> handler) {
   return std::make_unique<Watch>(fd, std::move(handler));
 }
 
-std::unique_ptr<desktop::Registration> QtReactor::after(std::chrono::milliseconds delay,
-                                                        std::function<void()> handler) {
+std::unique_ptr<desktop::Registration> LoopReactor::after(std::chrono::milliseconds delay,
+                                                          std::function<void()> handler) {
   return std::make_unique<Delay>(delay, std::move(handler));
 }
 
-void QtReactor::post(std::function<void()> work) { loop_.post(std::move(work)); }
+void LoopReactor::post(std::function<void()> work) { loop_.post(std::move(work)); }
 
 }  // namespace vistrel::qt

@@ -1,11 +1,11 @@
-#include "linux/tray/MirroredMenu.h"
+#include "linux/tray/TrayMenu.h"
 
 #include <QAction>
 #include <algorithm>
 #include <utility>
 
 #include "appkit/NSMenu.h"
-#include "linux/qt/TrayLabel.h"
+#include "linux/qt/MenuText.h"
 
 namespace vistrel::tray {
 
@@ -38,7 +38,7 @@ bool isAlternative(const NSMenuItem& item, const NSMenu& menu) {
 
 }  // namespace
 
-MirroredMenu::MirroredMenu(Handlers handlers) : handlers_(std::move(handlers)) {
+TrayMenu::TrayMenu(Handlers handlers) : handlers_(std::move(handlers)) {
   rows_.push_back(makeRow(kPlaceholder));
   rows_.back().action->setEnabled(false);
   native_.addAction(rows_.back().action);
@@ -47,17 +47,17 @@ MirroredMenu::MirroredMenu(Handlers handlers) : handlers_(std::move(handlers)) {
   QObject::connect(&native_, &QMenu::triggered, [this](QAction* action) { choose(action); });
 }
 
-void MirroredMenu::didAttach() {
+void TrayMenu::didAttach() {
   for (const Row& row : rows_) row.action->setText(label(row.key));
 }
 
-void MirroredMenu::mirror(std::shared_ptr<NSMenu> menu) {
+void TrayMenu::mirror(std::shared_ptr<NSMenu> menu) {
   upcoming_ = std::move(menu);
   if (phase_ == Phase::Idle) apply();
 }
 
 // A menu of Qt's own is not laid out yet at this moment, a host's may be on screen already.
-void MirroredMenu::begin() {
+void TrayMenu::begin() {
   settling_.reset();
   phase_ = Phase::Beginning;
   handlers_.willOpen();
@@ -65,17 +65,17 @@ void MirroredMenu::begin() {
   phase_ = Phase::Showing;
 }
 
-void MirroredMenu::end() {
+void TrayMenu::end() {
   if (phase_ != Phase::Showing) return;
   applyLater();
   handlers_.didClose();
 }
 
-void MirroredMenu::endShowing() {
+void TrayMenu::endShowing() {
   if (phase_ == Phase::Showing && !native_.isVisible()) applyLater();
 }
 
-void MirroredMenu::choose(QAction* action) {
+void TrayMenu::choose(QAction* action) {
   const auto row = std::find_if(rows_.begin(), rows_.end(), [&](const Row& r) { return r.action == action; });
   if (row == rows_.end() || !row->item) return;
   const auto item = row->item;
@@ -83,19 +83,19 @@ void MirroredMenu::choose(QAction* action) {
   handlers_.chosen(item);
 }
 
-void MirroredMenu::applyLater() {
+void TrayMenu::applyLater() {
   phase_ = Phase::Settling;
   settling_ = std::make_unique<qt::SingleShot>(kSettleTime, [this] { settle(); });
 }
 
 // The host may show it again before it says so.
-void MirroredMenu::settle() {
+void TrayMenu::settle() {
   if (isDrawnByHost() && handlers_.isHostMenuSeen()) return applyLater();
   phase_ = Phase::Idle;
   apply();
 }
 
-void MirroredMenu::apply() {
+void TrayMenu::apply() {
   if (!upcoming_) return;
   const auto menu = std::exchange(upcoming_, nullptr);
   const auto wanted = keysOf(*menu);
@@ -103,7 +103,7 @@ void MirroredMenu::apply() {
 }
 
 // New rows come before old ones go, so that the menu is at no time empty.
-void MirroredMenu::rebuild(const NSMenu& menu, const std::vector<MenuRow>& wanted) {
+void TrayMenu::rebuild(const NSMenu& menu, const std::vector<MenuRow>& wanted) {
   std::vector<MenuRow> keys;
   for (const Row& row : rows_) keys.push_back(row.key);
   const auto before = std::exchange(rows_, {});
@@ -125,7 +125,7 @@ void MirroredMenu::rebuild(const NSMenu& menu, const std::vector<MenuRow>& wante
   }
 }
 
-MirroredMenu::Row MirroredMenu::makeRow(const MenuRow& key) {
+TrayMenu::Row TrayMenu::makeRow(const MenuRow& key) {
   auto* action = new QAction(&native_);
   action->setSeparator(key.kind == MenuRow::Kind::Separator);
   if (key.kind == MenuRow::Kind::Item) action->setText(label(key));
@@ -133,21 +133,21 @@ MirroredMenu::Row MirroredMenu::makeRow(const MenuRow& key) {
   return {key, action, nullptr};
 }
 
-void MirroredMenu::present(Row& row, const std::shared_ptr<NSMenuItem>& item, bool isCheckable) {
+void TrayMenu::present(Row& row, const std::shared_ptr<NSMenuItem>& item, bool isCheckable) {
   row.item = item;
   row.action->setEnabled(!item->action().empty());
   row.action->setCheckable(isCheckable && !item->isSeparatorItem());
   row.action->setChecked(item->state() == NSControlState::On);
 }
 
-QString MirroredMenu::label(const MenuRow& key) const {
+QString TrayMenu::label(const MenuRow& key) const {
   const QString text = qt::menuRowText(key.title);
   return isDrawnByHost() ? qt::labelForBusMenu(text) : qt::labelForQtMenu(text);
 }
 
-bool MirroredMenu::isDrawnByHost() const { return const_cast<QMenu&>(native_).platformMenu() != nullptr; }
+bool TrayMenu::isDrawnByHost() const { return const_cast<QMenu&>(native_).platformMenu() != nullptr; }
 
-bool MirroredMenu::hasRows(const std::vector<MenuRow>& wanted) const {
+bool TrayMenu::hasRows(const std::vector<MenuRow>& wanted) const {
   return std::equal(rows_.begin(), rows_.end(), wanted.begin(), wanted.end(),
                     [](const Row& row, const MenuRow& key) { return row.key == key; });
 }

@@ -7,9 +7,9 @@
 namespace vistrel::camera {
 
 /// Why a camera cannot be had.
-enum class Problem { Gone, Busy, Denied, Silent };
+enum class CameraError { Gone, Busy, Denied, Silent };
 
-[[nodiscard]] Error errorOf(Problem problem);
+[[nodiscard]] Error errorOf(CameraError problem);
 /// What a failed system call means for a camera.
 [[nodiscard]] Error errorOfCall(int errorNumber);
 /// What a message of PipeWire's means for a camera; an empty one means that it is gone.

@@ -1,4 +1,4 @@
-#include "linux/session/ColourScheme.h"
+#include "linux/session/ColorScheme.h"
 
 #include <QApplication>
 #include <QDBusConnection>
@@ -36,7 +36,7 @@ bool isPaletteDark() { return QApplication::palette().color(QPalette::Window).li
 
 }  // namespace
 
-ColourScheme::ColourScheme(Handlers handlers)
+ColorScheme::ColorScheme(Handlers handlers)
     : handlers_(std::move(handlers)),
       portal_(kService, QDBusConnection::sessionBus(), QDBusServiceWatcher::WatchForRegistration),
       patience_(std::make_unique<qt::SingleShot>(kPatience, [this] { learned(); })) {
@@ -47,7 +47,7 @@ ColourScheme::ColourScheme(Handlers handlers)
   askPortal();
 }
 
-void ColourScheme::connectPortal() {
+void ColorScheme::connectPortal() {
   // Without a name for the type Qt refuses a slot that takes it.
   qRegisterMetaType<QDBusVariant>("QDBusVariant");
   auto bus = QDBusConnection::sessionBus();
@@ -58,7 +58,7 @@ void ColourScheme::connectPortal() {
   }
 }
 
-void ColourScheme::askPortal() {
+void ColorScheme::askPortal() {
   auto message = QDBusMessage::createMethodCall(kService, kPath, kInterface, "Read");
   message << kNamespace << kKey;
   auto* call = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(message), this);
@@ -71,16 +71,16 @@ void ColourScheme::askPortal() {
   });
 }
 
-void ColourScheme::settingChanged(const QString& nameSpace, const QString& key, const QDBusVariant& value) {
+void ColorScheme::settingChanged(const QString& nameSpace, const QString& key, const QDBusVariant& value) {
   if (nameSpace == kNamespace && key == kKey) set(unwrapped(value.variant()) == kPreferDark);
 }
 
-void ColourScheme::useGnomeSettings() {
+void ColorScheme::useGnomeSettings() {
   if (!gnome_) gnome_ = GnomeSettings::open([this] { useGnomeSettings(); });
   set(gnome_ ? gnome_->prefersDark() : std::nullopt);
 }
 
-void ColourScheme::set(std::optional<bool> isToldDark) {
+void ColorScheme::set(std::optional<bool> isToldDark) {
   const bool wasTold = std::exchange(isToldDark_, isToldDark).has_value();
   // Only without a palette of ours does Qt follow the desktop's.
   if (wasTold && !isToldDark) QApplication::setPalette(QPalette());
@@ -89,7 +89,7 @@ void ColourScheme::set(std::optional<bool> isToldDark) {
 }
 
 // The palette changes by a word of the desktop, or because the desktop or a theme sets another.
-bool ColourScheme::eventFilter(QObject* watched, QEvent* event) {
+bool ColorScheme::eventFilter(QObject* watched, QEvent* event) {
   if (watched == qApp && event->type() == QEvent::ApplicationPaletteChange) {
     QMetaObject::invokeMethod(
         this, [this] { look(); }, Qt::QueuedConnection);
@@ -97,14 +97,14 @@ bool ColourScheme::eventFilter(QObject* watched, QEvent* event) {
   return false;
 }
 
-void ColourScheme::look() {
+void ColorScheme::look() {
   const bool wasDark = std::exchange(isDark_, isToldDark_.value_or(isPaletteDark()));
   if (isToldDark_) QApplication::setPalette(qt::paletteFor(isDark_));
   QToolTip::setPalette(qt::paletteFor(isDark_));
   if (isDark_ != wasDark && !patience_) handlers_.didChange();
 }
 
-void ColourScheme::learned() {
+void ColorScheme::learned() {
   if (std::exchange(patience_, nullptr)) handlers_.didLearn();
 }
 

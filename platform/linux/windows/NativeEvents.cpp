@@ -1,4 +1,4 @@
-#include "linux/windows/QtEvents.h"
+#include "linux/windows/NativeEvents.h"
 
 #include <array>
 #include <optional>

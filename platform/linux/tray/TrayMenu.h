@@ -19,7 +19,7 @@ namespace vistrel::tray {
 /// never empty. No row comes or goes while it may be on screen, nor for a moment after: a host then loses the
 /// click, runs another row's action, or squeezes the new rows into the old window. Each row stands for the
 /// item of the menu that was on screen with it.
-class MirroredMenu {
+class TrayMenu {
  public:
   struct Handlers {
     std::function<void()> willOpen;
@@ -28,7 +28,7 @@ class MirroredMenu {
     /// Whether a host's menu is on screen, for all that can be seen.
     std::function<bool()> isHostMenuSeen;
   };
-  explicit MirroredMenu(Handlers handlers);
+  explicit TrayMenu(Handlers handlers);
 
   /// The native menu to hang on the icon.
   [[nodiscard]] QMenu& native() { return native_; }

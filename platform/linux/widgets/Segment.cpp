@@ -1,4 +1,4 @@
-#include "linux/widgets/QtSegment.h"
+#include "linux/widgets/Segment.h"
 
 #include <QPainter>
 #include <algorithm>
@@ -21,7 +21,7 @@ QColor mixed(const QColor& a, const QColor& b, double share) {
 
 }  // namespace
 
-QtSegment::QtSegment(std::shared_ptr<NSImage> image, Place place, QWidget* parent)
+Segment::Segment(std::shared_ptr<NSImage> image, Place place, QWidget* parent)
     : QAbstractButton(parent), image_(std::move(image)), place_(place) {
   setCheckable(true);
   setAutoExclusive(true);
@@ -30,13 +30,13 @@ QtSegment::QtSegment(std::shared_ptr<NSImage> image, Place place, QWidget* paren
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
 
-QSize QtSegment::sizeHint() const {
+QSize Segment::sizeHint() const {
   const int face = std::max(kFaceHeight, fontMetrics().height());
   return {std::max(face, fontMetrics().horizontalAdvance(text())) + 4 * kFaceMargin, face + 2 * kFaceMargin};
 }
 
 // Round at the ends of the row, straight where segments meet; neighbours share a line.
-QPainterPath QtSegment::outline() const {
+QPainterPath Segment::outline() const {
   const bool isMirrored = layoutDirection() == Qt::RightToLeft;
   const auto leftEnd = isMirrored ? Place::Last : Place::First;
   const auto rightEnd = isMirrored ? Place::First : Place::Last;
@@ -52,11 +52,11 @@ QPainterPath QtSegment::outline() const {
   return round.united(straight).simplified();
 }
 
-void QtSegment::paintEvent(QPaintEvent* /*event*/) {
-  const QPalette& colours = palette();
-  const QColor base = colours.color(QPalette::Button);
-  const QColor text = colours.color(QPalette::ButtonText);
-  QColor fill = isChecked() ? colours.color(QPalette::Highlight) : base;
+void Segment::paintEvent(QPaintEvent* /*event*/) {
+  const QPalette& colors = palette();
+  const QColor base = colors.color(QPalette::Button);
+  const QColor text = colors.color(QPalette::ButtonText);
+  QColor fill = isChecked() ? colors.color(QPalette::Highlight) : base;
   if (isDown()) {
     fill = mixed(fill, text, 0.2);
   } else if (underMouse() && !isChecked()) {
@@ -69,22 +69,22 @@ void QtSegment::paintEvent(QPaintEvent* /*event*/) {
   painter.drawPath(outline());
   paintFace(painter);
   if (!hasFocus()) return;
-  const QColor ring = colours.color(isChecked() ? QPalette::HighlightedText : QPalette::Highlight);
+  const QColor ring = colors.color(isChecked() ? QPalette::HighlightedText : QPalette::Highlight);
   painter.setPen(QPen(ring, 1.5));
   painter.setBrush(Qt::NoBrush);
   painter.drawRoundedRect(QRectF(rect()).adjusted(3, 3, -3, -3), kRadius - 2, kRadius - 2);
 }
 
-void QtSegment::paintFace(QPainter& painter) const {
-  const QColor colour = palette().color(isChecked() ? QPalette::HighlightedText : QPalette::ButtonText);
-  painter.setPen(colour);
+void Segment::paintFace(QPainter& painter) const {
+  const QColor color = palette().color(isChecked() ? QPalette::HighlightedText : QPalette::ButtonText);
+  painter.setPen(color);
   if (!image_) {
     painter.drawText(rect(), Qt::AlignCenter, text());
     return;
   }
   const int side = height() - 2 * kFaceMargin;
   const QPointF at((width() - side) / 2.0, kFaceMargin);
-  painter.drawPixmap(at, qt::drawn(*image_, {side, side}, devicePixelRatioF(), colour));
+  painter.drawPixmap(at, qt::drawn(*image_, {side, side}, devicePixelRatioF(), color));
 }
 
 }  // namespace vistrel::widgets

@@ -1,4 +1,4 @@
-#include "linux/qt/TrayLabel.h"
+#include "linux/qt/MenuText.h"
 
 #include <QList>
 #include <QTextBoundaryFinder>

@@ -9,9 +9,9 @@ class MainLoop;
 namespace vistrel::qt {
 
 /// Qt's event loop for the parts of the backend that know no toolkit.
-class QtReactor final : public desktop::Reactor {
+class LoopReactor final : public desktop::Reactor {
  public:
-  explicit QtReactor(backend::MainLoop& loop) : loop_(loop) {}
+  explicit LoopReactor(backend::MainLoop& loop) : loop_(loop) {}
 
   [[nodiscard]] std::unique_ptr<desktop::Registration> watch(int fd, std::function<void()> handler) override;
   [[nodiscard]] std::unique_ptr<desktop::Registration> after(std::chrono::milliseconds delay,

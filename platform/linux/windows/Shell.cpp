@@ -1,4 +1,4 @@
-#include "linux/windows/QtShell.h"
+#include "linux/windows/Shell.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -15,34 +15,34 @@ constexpr int kCornerSize = 8;
 
 }  // namespace
 
-QtShell::QtShell(QtShellClient& client) : client_(&client), content_(new QWidget(this)) {
+Shell::Shell(ShellClient& client) : client_(&client), content_(new QWidget(this)) {
   setAttribute(Qt::WA_QuitOnClose, false);
   content_->installEventFilter(this);
 }
 
-void QtShell::retire() {
+void Shell::retire() {
   client_ = nullptr;
   hide();
   deleteLater();
 }
 
-void QtShell::setChrome(const QPainterPath& outline, const QColor& line) {
+void Shell::setChrome(const QPainterPath& outline, const QColor& line) {
   outline_ = outline;
   line_ = line;
   update();
 }
 
-void QtShell::closeEvent(QCloseEvent* event) {
+void Shell::closeEvent(QCloseEvent* event) {
   event->ignore();
   if (client_) client_->shellCloseRequested();
 }
 
-void QtShell::moveEvent(QMoveEvent* /*event*/) {
+void Shell::moveEvent(QMoveEvent* /*event*/) {
   if (client_) client_->shellMoved();
 }
 
 // The handle comes with the first showing, and again whenever Qt makes the window anew.
-void QtShell::showEvent(QShowEvent* /*event*/) {
+void Shell::showEvent(QShowEvent* /*event*/) {
   if (std::exchange(handle_, windowHandle()) == windowHandle()) return;
   handle_->installEventFilter(this);
   connect(handle_, &QWindow::screenChanged, this, [this] {
@@ -50,7 +50,7 @@ void QtShell::showEvent(QShowEvent* /*event*/) {
   });
 }
 
-void QtShell::paintEvent(QPaintEvent* /*event*/) {
+void Shell::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   painter.fillRect(rect(), palette().color(QPalette::Window));
   if (outline_.isEmpty()) return;
@@ -66,14 +66,14 @@ void QtShell::paintEvent(QPaintEvent* /*event*/) {
   painter.drawPath(outline_);
 }
 
-void QtShell::mousePressEvent(QMouseEvent* event) {
+void Shell::mousePressEvent(QMouseEvent* event) {
   if (event->button() != Qt::LeftButton) return;
   drag_ = Drag::Possible;
   pressedAt_ = event->globalPosition().toPoint();
   positionAtPress_ = pos();
 }
 
-void QtShell::mouseMoveEvent(QMouseEvent* event) {
+void Shell::mouseMoveEvent(QMouseEvent* event) {
   const QPoint way = event->globalPosition().toPoint() - pressedAt_;
   if (drag_ == Drag::Possible && way.manhattanLength() >= QApplication::startDragDistance()) {
     drag_ = Drag::Going;
@@ -82,9 +82,9 @@ void QtShell::mouseMoveEvent(QMouseEvent* event) {
   if (drag_ == Drag::Going && client_) client_->shellDragged(positionAtPress_ + way);
 }
 
-void QtShell::mouseReleaseEvent(QMouseEvent* /*event*/) { drag_ = Drag::None; }
+void Shell::mouseReleaseEvent(QMouseEvent* /*event*/) { drag_ = Drag::None; }
 
-bool QtShell::event(QEvent* event) {
+bool Shell::event(QEvent* event) {
   const bool isHandled = QWidget::event(event);
   if (!client_) return isHandled;
   if (event->type() == QEvent::WindowActivate) client_->shellActivated();
@@ -92,20 +92,20 @@ bool QtShell::event(QEvent* event) {
   return isHandled;
 }
 
-bool QtShell::eventFilter(QObject* object, QEvent* event) {
+bool Shell::eventFilter(QObject* object, QEvent* event) {
   if (object == content_) filterContent(*event);
   if (object == handle_ && filterWindow(*event)) return true;
   return QWidget::eventFilter(object, event);
 }
 
-void QtShell::filterContent(const QEvent& event) {
+void Shell::filterContent(const QEvent& event) {
   if (!client_) return;
   if (event.type() == QEvent::Enter) client_->shellPointerEntered();
   if (event.type() == QEvent::Leave) client_->shellPointerLeft();
 }
 
 // A menu of ours that is open has the keyboard and the pointer to itself.
-bool QtShell::filterWindow(QEvent& event) {
+bool Shell::filterWindow(QEvent& event) {
   if (!client_ || QApplication::activePopupWidget()) return false;
   switch (event.type()) {
     case QEvent::KeyPress:

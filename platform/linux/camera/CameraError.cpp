@@ -1,4 +1,4 @@
-#include "linux/camera/Problem.h"
+#include "linux/camera/CameraError.h"
 
 #include <cerrno>
 #include <string_view>
@@ -15,13 +15,13 @@ Error reported(const std::string& text) { return {"The camera reported an error:
 
 }  // namespace
 
-Error errorOf(Problem problem) {
+Error errorOf(CameraError problem) {
   switch (problem) {
-    case Problem::Busy:
+    case CameraError::Busy:
       return {"The camera is in use by another program."};
-    case Problem::Denied:
+    case CameraError::Denied:
       return {"Access to the camera is denied."};
-    case Problem::Silent:
+    case CameraError::Silent:
       return {"The camera does not answer."};
     default:
       return {"The camera is no longer connected."};
@@ -31,24 +31,24 @@ Error errorOf(Problem problem) {
 Error errorOfCall(int errorNumber) {
   switch (errorNumber) {
     case EBUSY:
-      return errorOf(Problem::Busy);
+      return errorOf(CameraError::Busy);
     case EACCES:
     case EPERM:
-      return errorOf(Problem::Denied);
+      return errorOf(CameraError::Denied);
     case ENOENT:
     case ENODEV:
     case ENXIO:
-      return errorOf(Problem::Gone);
+      return errorOf(CameraError::Gone);
     default:
       return reported(std::generic_category().message(errorNumber));
   }
 }
 
 Error errorOfMessage(const std::string& message) {
-  if (contains(message, "busy")) return errorOf(Problem::Busy);
-  if (contains(message, "ermission")) return errorOf(Problem::Denied);
+  if (contains(message, "busy")) return errorOf(CameraError::Busy);
+  if (contains(message, "ermission")) return errorOf(CameraError::Denied);
   const bool isGone = message.empty() || contains(message, "target") || contains(message, "connection");
-  return isGone ? errorOf(Problem::Gone) : reported(message);
+  return isGone ? errorOf(CameraError::Gone) : reported(message);
 }
 
 }  // namespace vistrel::camera

@@ -16,7 +16,7 @@ namespace vistrel::session {
 /// `color-scheme`) tells; without one what GNOME's settings tell; where those have no word the palette that
 /// Qt takes from the desktop. Dresses the application: in a palette of ours while the desktop has a word, in
 /// the desktop's own while that palette is the word.
-class ColourScheme final : public QObject {
+class ColorScheme final : public QObject {
   Q_OBJECT
 
  public:
@@ -26,7 +26,7 @@ class ColourScheme final : public QObject {
     /// After that: the preference is another one.
     std::function<void()> didChange;
   };
-  explicit ColourScheme(Handlers handlers);
+  explicit ColorScheme(Handlers handlers);
 
   [[nodiscard]] bool isDark() const { return isDark_; }
 

@@ -9,9 +9,9 @@
 namespace vistrel::widgets {
 
 /// The native widgets of a window's view tree, inside one container.
-class QtViewTree {
+class ViewTree {
  public:
-  QtViewTree(QWidget& container, QtViewClient& client) : container_(container), client_(client) {}
+  ViewTree(QWidget& container, ViewClient& client) : container_(container), client_(client) {}
 
   /// Builds the widgets of `root` and all below it, in place of earlier ones. Null: no widgets.
   void build(NSView* root);
@@ -26,7 +26,7 @@ class QtViewTree {
   void buildIn(QWidget& parent, NSView& view);
 
   QWidget& container_;
-  QtViewClient& client_;
+  ViewClient& client_;
   std::map<const NSView*, QtView*> widgets_;
 };
 
