@@ -1,4 +1,4 @@
-#include "app/Main.h"
+#include "app/AppDelegate.h"
 #include "linux/Desktop.h"
 
 int main(int argc, char** argv) {

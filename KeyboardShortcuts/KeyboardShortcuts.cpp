@@ -6,7 +6,7 @@
 
 #include "KeyboardShortcuts/CarbonKeyboardShortcuts.h"
 #include "KeyboardShortcuts/Storage.h"
-#include "base/Guarded.h"
+#include "base/Log.h"
 #include "foundation/NotificationCenter.h"
 
 namespace vistrel::KeyboardShortcuts {

@@ -9,7 +9,7 @@
 #include "appkit/NSMenuItem.h"
 #include "appkit/NSSound.h"
 #include "appkit/NSWindow.h"
-#include "base/FatalError.h"
+#include "base/Log.h"
 #include "foundation/MainQueue.h"
 
 namespace vistrel::KeyboardShortcuts {

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "base/FatalError.h"
+#include "base/Log.h"
 
 namespace vistrel::KeyboardShortcuts {
 

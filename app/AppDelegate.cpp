@@ -183,4 +183,12 @@ void AppDelegate::switchCameraInputWithSender(NSObject* sender) {
   refreshMenu();
 }
 
+int runApplication() {
+  AppDelegate delegate;
+  NSApplication::shared().setDelegate(&delegate, &delegate);
+  const int status = NSApplication::shared().run();
+  NSApplication::shared().setDelegate(nullptr, nullptr);
+  return status;
+}
+
 }  // namespace vistrel

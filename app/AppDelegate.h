@@ -64,4 +64,8 @@ class AppDelegate final : public NSObject, public NSApplicationDelegate, public 
   ObservationToken displayObserver_;
 };
 
+/// Hands control to the application's main loop with the program's own delegate; a backend is installed
+/// before. Returns the exit status.
+int runApplication();
+
 }  // namespace vistrel

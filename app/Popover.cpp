@@ -3,7 +3,6 @@
 #include "app/Notifications.h"
 #include "app/PreferenceKeys.h"
 #include "appkit/NSStoryboard.h"
-#include "base/FatalError.h"
 #include "base/Log.h"
 #include "camera/CameraViewController.h"
 #include "foundation/Bundle.h"

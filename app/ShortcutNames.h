@@ -6,6 +6,9 @@
 namespace vistrel::shortcutName {
 
 /// Opens the mirror, or closes it; without a default.
-[[nodiscard]] const KeyboardShortcuts::Name& toggleShortcutMode();
+[[nodiscard]] inline const KeyboardShortcuts::Name& toggleShortcutMode() {
+  static const KeyboardShortcuts::Name name("toggleShortcutMode");
+  return name;
+}
 
 }  // namespace vistrel::shortcutName

@@ -10,7 +10,6 @@
 #include "appkit/NSApplication.h"
 #include "appkit/NSWindow.h"
 #include "backend/Backend.h"
-#include "base/FatalError.h"
 #include "base/Log.h"
 
 namespace vistrel {

@@ -1,6 +1,6 @@
 #include "backend/Backend.h"
 
-#include "base/FatalError.h"
+#include "base/Log.h"
 
 namespace vistrel::backend {
 

@@ -1,6 +1,8 @@
 #include "base/Log.h"
 
 #include <cstdio>
+#include <cstdlib>
+#include <exception>
 #include <string>
 #include <utility>
 
@@ -21,6 +23,10 @@ void write(std::FILE* stream, std::string_view text) {
   std::fflush(stream);
 }
 
+void reportFailure(std::string_view what, const char* reason) {
+  Log::warning("vistrel: " + std::string(what) + " failed: " + reason);
+}
+
 }  // namespace
 
 void Log::line(std::string_view text) {
@@ -35,5 +41,21 @@ void Log::line(std::string_view text) {
 void Log::warning(std::string_view text) { write(stderr, unicode::onOneLine(text)); }
 
 void Log::setSink(Sink newSink) { sink() = std::move(newSink); }
+
+void fatalError(std::string_view message) {
+  std::fprintf(stderr, "Fatal error: %.*s\n", static_cast<int>(message.size()), message.data());
+  std::fflush(nullptr);
+  std::abort();
+}
+
+void runGuarded(std::string_view what, const std::function<void()>& work) noexcept {
+  try {
+    work();
+  } catch (const std::exception& failure) {
+    reportFailure(what, failure.what());
+  } catch (...) {
+    reportFailure(what, "unknown reason");
+  }
+}
 
 }  // namespace vistrel

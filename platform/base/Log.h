@@ -20,4 +20,10 @@ class Log {
   static void setSink(Sink sink);
 };
 
+/// Stops the program: a programming or packaging error, told on standard error as "Fatal error: MESSAGE".
+[[noreturn]] void fatalError(std::string_view message);
+
+/// Runs `work`. What it throws goes no further: it is told on standard error as a failure of `what`.
+void runGuarded(std::string_view what, const std::function<void()>& work) noexcept;
+
 }  // namespace vistrel

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "backend/Backend.h"
-#include "base/Guarded.h"
+#include "base/Log.h"
 
 namespace vistrel {
 

@@ -1,6 +1,6 @@
 #include "linux/Desktop.h"
 
-#include <QGuiApplication>
+#include <QApplication>
 #include <utility>
 
 #include "base/Log.h"
@@ -14,6 +14,7 @@
 #include "linux/qt/Application.h"
 #include "linux/qt/LoopReactor.h"
 #include "linux/qt/QtMainLoop.h"
+#include "linux/qt/X11Toolkit.h"
 #include "linux/session/QtSession.h"
 #include "linux/session/SingleInstance.h"
 #include "linux/tray/QtStatusArea.h"
@@ -22,16 +23,6 @@
 #include "linux/x11/X11Connection.h"
 
 namespace vistrel::desktop {
-
-namespace {
-
-// Where the windows get their keys; null on another window system.
-xcb_connection_t* toolkitConnection() {
-  const auto* native = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-  return native ? native->connection() : nullptr;
-}
-
-}  // namespace
 
 // In the order in which they need each other.
 struct Desktop::Parts {
@@ -49,7 +40,7 @@ struct Desktop::Parts {
   files::Autostart loginItems{files::AutostartFolders::fromEnvironment(), resources.executablePath()};
   x11::X11Connection x11{reactor};
   keyboard::HotKeyGrabs hotKeys{x11};
-  keyboard::X11Keyboard keyboard{x11, toolkitConnection()};
+  keyboard::X11Keyboard keyboard{x11, qt::toolkitConnection()};
   keyboard::PopupKeys popupKeys{hotKeys, keyboard};
   x11::RawPresses presses{x11};
   windows::QtWindowSystem windows{presses};

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "base/FatalError.h"
+#include "base/Log.h"
 
 namespace vistrel::simulated {
 

@@ -6,7 +6,6 @@
 #include "appkit/NSMenu.h"
 #include "appkit/NSStatusBar.h"
 #include "appkit/NSWindow.h"
-#include "base/FatalError.h"
 #include "base/Log.h"
 #include "foundation/UserDefaults.h"
 

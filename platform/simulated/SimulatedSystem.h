@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "backend/Backend.h"
-#include "base/FatalError.h"
+#include "base/Log.h"
 
 namespace vistrel::simulated {
 

@@ -1,7 +1,7 @@
 #include "simulated/SimulatedWindows.h"
 
 #include "appkit/NSWindow.h"
-#include "base/FatalError.h"
+#include "base/Log.h"
 
 namespace vistrel::simulated {
 

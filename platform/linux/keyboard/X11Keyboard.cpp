@@ -10,13 +10,11 @@ namespace {
 /// The window with the input focus if it is one of this connection's, the root where no window has it, else
 /// none.
 xcb_window_t focusedWindowOf(xcb_connection_t* connection, xcb_window_t root) {
-  const x11::Reply<xcb_get_input_focus_reply_t> reply(
-      xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
-  if (!reply) return XCB_NONE;
-  if (reply->focus == XCB_INPUT_FOCUS_NONE || reply->focus == XCB_INPUT_FOCUS_POINTER_ROOT) return root;
+  const xcb_window_t focus = x11::focusedWindow(connection);
+  if (focus == XCB_INPUT_FOCUS_NONE || focus == XCB_INPUT_FOCUS_POINTER_ROOT) return root;
   const xcb_setup_t* setup = xcb_get_setup(connection);
-  const bool isOurs = (reply->focus & ~setup->resource_id_mask) == setup->resource_id_base;
-  return isOurs ? reply->focus : XCB_NONE;
+  const bool isOurs = (focus & ~setup->resource_id_mask) == setup->resource_id_base;
+  return isOurs ? focus : xcb_window_t{XCB_NONE};
 }
 
 }  // namespace

@@ -7,7 +7,7 @@
 #include <QSocketNotifier>
 #include <utility>
 
-#include "base/FatalError.h"
+#include "base/Log.h"
 #include "linux/qt/SingleShot.h"
 
 namespace vistrel::qt {

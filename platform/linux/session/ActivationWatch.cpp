@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "linux/qt/InputFocus.h"
+#include "linux/qt/X11Toolkit.h"
 
 namespace vistrel::session {
 

@@ -6,7 +6,7 @@
 #include <csignal>
 #include <utility>
 
-#include "base/FatalError.h"
+#include "base/Log.h"
 
 namespace vistrel::session {
 

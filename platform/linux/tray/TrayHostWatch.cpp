@@ -7,9 +7,10 @@
 #include <QDBusMessage>
 #include <QDBusReply>
 #include <QGuiApplication>
-#include <cstdlib>
-#include <string>
 #include <utility>
+
+#include "linux/qt/X11Toolkit.h"
+#include "linux/x11/Requests.h"
 
 namespace vistrel::tray {
 
@@ -24,25 +25,11 @@ constexpr int kAnswerPatience = 250;
 // A panel that speaks both ways announces the embedding first, and is gone for a while when it is restarted.
 constexpr milliseconds kPatience{1000};
 
-xcb_connection_t* connection() {
-  const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-  return x11 ? x11->connection() : nullptr;
-}
-
-template <class T>
-std::unique_ptr<T, decltype(&std::free)> owned(T* reply) {
-  return {reply, &std::free};
-}
-
-xcb_atom_t atom(const std::string& name) {
-  const auto cookie = xcb_intern_atom(connection(), 0, name.size(), name.c_str());
-  const auto reply = owned(xcb_intern_atom_reply(connection(), cookie, nullptr));
-  return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
-}
-
 bool hasEmbeddingHost() {
-  const auto cookie = xcb_get_selection_owner(connection(), atom("_NET_SYSTEM_TRAY_S0"));
-  const auto reply = owned(xcb_get_selection_owner_reply(connection(), cookie, nullptr));
+  auto* connection = qt::toolkitConnection();
+  const xcb_atom_t selection = x11::atomOf(connection, "_NET_SYSTEM_TRAY_S0");
+  const x11::Reply<xcb_get_selection_owner_reply_t> reply(
+      xcb_get_selection_owner_reply(connection, xcb_get_selection_owner(connection, selection), nullptr));
   return reply && reply->owner != XCB_NONE;
 }
 
@@ -80,7 +67,7 @@ TrayHostWatch::~TrayHostWatch() { qApp->removeNativeEventFilter(this); }
 bool TrayHostWatch::nativeEventFilter(const QByteArray& /*type*/, void* message, qintptr* /*result*/) {
   const auto* event = static_cast<xcb_generic_event_t*>(message);
   if ((event->response_type & 0x7f) != XCB_CLIENT_MESSAGE) return false;
-  static const xcb_atom_t manager = atom("MANAGER");
+  static const xcb_atom_t manager = x11::atomOf(qt::toolkitConnection(), "MANAGER");
   if (static_cast<xcb_client_message_event_t*>(message)->type == manager) look();
   return false;
 }

@@ -1,4 +1,5 @@
 #include "linux/widgets/Glass.h"
+#include "linux/qt/X11Toolkit.h"
 
 #include <QBackingStore>
 #include <QGuiApplication>
@@ -108,8 +109,8 @@ bool Glass::drawBesideQt(const Place& where) {
   if (watched_ != handle) {
     watched_ = handle;
     handle->installEventFilter(this);
-    const bool isX11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>() != nullptr;
-    shared_ = isX11 ? x11::SharedPicture::create(static_cast<xcb_window_t>(handle->winId())) : nullptr;
+    shared_ = qt::toolkitConnection() ? x11::SharedPicture::create(static_cast<xcb_window_t>(handle->winId()))
+                                      : nullptr;
   }
   const PixelRect target = shifted(where.picture, where.glass);
   std::uint8_t* pixels = shared_ ? shared_->pixels(target.size) : nullptr;

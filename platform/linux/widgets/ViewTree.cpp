@@ -1,8 +1,37 @@
 #include "linux/widgets/ViewTree.h"
 
-#include "linux/widgets/QtViewFactory.h"
+#include <array>
+
+#include "linux/widgets/QtControls.h"
+#include "linux/widgets/QtHostingView.h"
+#include "linux/widgets/QtSearchField.h"
 
 namespace vistrel::widgets {
+
+namespace {
+
+using Maker = std::unique_ptr<QtView> (*)(NSView& view, ViewClient& client);
+
+template <class View, class Widget>
+std::unique_ptr<QtView> make(NSView& view, ViewClient& client) {
+  auto* known = dynamic_cast<View*>(&view);
+  return known ? std::make_unique<Widget>(*known, client) : nullptr;
+}
+
+// Subclasses before their bases.
+constexpr std::array<Maker, 6> kMakers = {
+    make<NSPopUpButton, QtPopUpButton>, make<NSButton, QtPushButton>,   make<NSHostingView, QtHostingView>,
+    make<NSSearchField, QtSearchField>, make<NSTextField, QtTextField>, make<NSImageView, QtImageView>,
+};
+
+std::unique_ptr<QtView> makeWidget(NSView& view, ViewClient& client) {
+  for (const Maker maker : kMakers) {
+    if (auto widget = maker(view, client)) return widget;
+  }
+  return std::make_unique<QtView>(view, client);
+}
+
+}  // namespace
 
 // A tree may be replaced from inside an event of one of its own widgets.
 void ViewTree::clear() {
@@ -29,7 +58,7 @@ void ViewTree::add(const NSView& view, std::unique_ptr<QtView> widget) {
 }
 
 void ViewTree::buildIn(QWidget& parent, NSView& view) {
-  QtView* widget = makeQtView(view, client_).release();
+  QtView* widget = makeWidget(view, client_).release();
   widget->setParent(&parent);
   widgets_.emplace(&view, widget);
   for (const auto& subview : view.subviews()) buildIn(*widget, *subview);

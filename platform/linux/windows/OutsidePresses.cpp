@@ -12,7 +12,7 @@
 #include <cstdint>
 
 #include "linux/qt/Geometry.h"
-#include "linux/windows/X11Windows.h"
+#include "linux/qt/X11Toolkit.h"
 
 namespace vistrel::windows {
 
@@ -53,7 +53,7 @@ void OutsidePresses::setClient(backend::OutsidePressClient* client) {
     presses_.setHandler({});
     return;
   }
-  watchedSince_ = serverTime();
+  watchedSince_ = qt::serverTime();
   qApp->installEventFilter(this);
   presses_.setHandler([this](const x11::RawPress& press) { pressed(press); });
 }

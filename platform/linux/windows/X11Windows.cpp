@@ -6,54 +6,31 @@
 #include <QGuiApplication>
 #include <QScreen>
 #include <array>
-#include <cstdlib>
-#include <cstring>
-#include <memory>
 #include <vector>
+
+#include "linux/qt/X11Toolkit.h"
+#include "linux/x11/Requests.h"
 
 namespace vistrel::windows {
 
 namespace {
-
-struct Free {
-  void operator()(void* reply) const { std::free(reply); }
-};
-template <class Reply>
-using Owned = std::unique_ptr<Reply, Free>;
 
 // Values of the window manager specification's _NET_WM_STATE message.
 constexpr std::uint32_t kRemoveState = 0;
 constexpr std::uint32_t kAddState = 1;
 constexpr std::uint32_t kFromApplication = 1;
 
-xcb_atom_t atom(xcb_connection_t* connection, const char* name) {
-  const auto cookie = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(std::strlen(name)), name);
-  const Owned<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, cookie, nullptr));
-  return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
-}
-
-xcb_window_t rootOf(xcb_connection_t* connection) {
-  return xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
-}
-
 xcb_window_t idOf(const QWindow& window) { return static_cast<xcb_window_t>(window.winId()); }
 
 }  // namespace
 
-xcb_timestamp_t serverTime() {
-  auto* native = QGuiApplication::platformNativeInterface();
-  void* now = native->nativeResourceForScreen("gettimestamp", QGuiApplication::primaryScreen());
-  return static_cast<xcb_timestamp_t>(reinterpret_cast<std::uintptr_t>(now));
-}
-
 X11Windows::X11Windows() {
-  const auto* native = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-  if (!native) return;
-  connection_ = native->connection();
-  root_ = rootOf(connection_);
-  state_ = atom(connection_, "_NET_WM_STATE");
-  skipTaskbar_ = atom(connection_, "_NET_WM_STATE_SKIP_TASKBAR");
-  skipPager_ = atom(connection_, "_NET_WM_STATE_SKIP_PAGER");
+  connection_ = qt::toolkitConnection();
+  if (!connection_) return;
+  root_ = x11::rootOf(connection_);
+  state_ = x11::atomOf(connection_, "_NET_WM_STATE");
+  skipTaskbar_ = x11::atomOf(connection_, "_NET_WM_STATE_SKIP_TASKBAR");
+  skipPager_ = x11::atomOf(connection_, "_NET_WM_STATE_SKIP_PAGER");
 }
 
 void X11Windows::setListed(const QWindow& window, ListedAs listed) {
@@ -116,7 +93,7 @@ void X11Windows::flush() {
 void X11Windows::noteUserAction() {
   QScreen* screen = QGuiApplication::primaryScreen();
   if (!connection_ || !screen) return;
-  const xcb_timestamp_t now = serverTime();
+  const xcb_timestamp_t now = qt::serverTime();
   using SetTime = void (*)(QScreen*, xcb_timestamp_t);
   for (const char* name : {"setapptime", "setappusertime"}) {
     auto* native = QGuiApplication::platformNativeInterface();
@@ -126,10 +103,7 @@ void X11Windows::noteUserAction() {
 }
 
 bool X11Windows::hasFocus(const QWindow& window) const {
-  if (!connection_) return false;
-  const auto cookie = xcb_get_input_focus(connection_);
-  const Owned<xcb_get_input_focus_reply_t> reply(xcb_get_input_focus_reply(connection_, cookie, nullptr));
-  return reply && reply->focus == idOf(window);
+  return connection_ && x11::focusedWindow(connection_) == idOf(window);
 }
 
 }  // namespace vistrel::windows

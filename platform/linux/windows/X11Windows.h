@@ -8,9 +8,6 @@
 
 namespace vistrel::windows {
 
-/// The X server's time of this moment; asks the server.
-[[nodiscard]] xcb_timestamp_t serverTime();
-
 /// What Qt has no words for about windows on an X11 desktop. Main thread only.
 class X11Windows {
  public:

@@ -3,7 +3,6 @@
 #include <xkbcommon/xkbcommon-x11.h>
 
 #include <chrono>
-#include <cstring>
 #include <utility>
 
 #include "linux/x11/Xkb.h"
@@ -41,7 +40,7 @@ void selectXkbEvents(xcb_connection_t* connection) {
 X11Connection::X11Connection(desktop::Reactor& reactor)
     : reactor_(reactor), connection_(xcb_connect(nullptr, nullptr)) {
   if (!isOpen()) return;
-  root_ = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data->root;
+  root_ = rootOf(connection_);
   startXkb();
   flush();
   watch_ = reactor_.watch(xcb_get_file_descriptor(connection_), [this] { becameReadable(); });
@@ -67,9 +66,9 @@ void X11Connection::startXkb() {
 }
 
 xcb_atom_t X11Connection::atom(const char* name) {
-  const auto cookie = xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(std::strlen(name)), name);
-  const auto reply = wait(xcb_intern_atom_reply, cookie);
-  return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+  const xcb_atom_t atom = atomOf(connection_, name);
+  readEvents();
+  return atom;
 }
 
 int X11Connection::xkbKind(const xcb_generic_event_t& event) const {

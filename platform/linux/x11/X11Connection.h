@@ -3,22 +3,15 @@
 #include <xcb/xcb.h>
 
 #include <cstdint>
-#include <cstdlib>
 #include <deque>
 #include <functional>
 #include <memory>
 #include <vector>
 
 #include "linux/Reactor.h"
+#include "linux/x11/Requests.h"
 
 namespace vistrel::x11 {
-
-/// Frees what the X library allocated.
-struct Free {
-  void operator()(void* memory) const { std::free(memory); }
-};
-template <class T>
-using Reply = std::unique_ptr<T, Free>;
 
 /// A connection of our own to the X server, apart from the toolkit's: it hears of our grabs, of outside
 /// presses and of changes of the keyboard. Main thread only.
@@ -34,6 +27,7 @@ class X11Connection {
   [[nodiscard]] xcb_connection_t* get() const { return connection_; }
   [[nodiscard]] xcb_window_t root() const { return root_; }
   [[nodiscard]] desktop::Reactor& reactor() const { return reactor_; }
+  /// `XCB_ATOM_NONE` when the server does not answer.
   [[nodiscard]] xcb_atom_t atom(const char* name);
   /// The XKB kind of an event (XCB_XKB_…_NOTIFY); -1 for an event of another kind.
   [[nodiscard]] int xkbKind(const xcb_generic_event_t& event) const;

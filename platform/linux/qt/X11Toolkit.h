@@ -1,0 +1,18 @@
+#pragma once
+
+#include <xcb/xcb.h>
+
+namespace vistrel::qt {
+
+/// The toolkit's own connection to the X server, on which the windows get their events; null on another
+/// window system. Main thread only, like everything here.
+[[nodiscard]] xcb_connection_t* toolkitConnection();
+
+/// The X server's time of this moment; asks the server.
+[[nodiscard]] xcb_timestamp_t serverTime();
+
+/// Whether the X server's input focus is on one of the program's windows. Qt alone does not tell: a grab by
+/// any client looks to it as if the focus had left.
+[[nodiscard]] bool isInputFocusOurs();
+
+}  // namespace vistrel::qt

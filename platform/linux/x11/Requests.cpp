@@ -1,0 +1,24 @@
+#include "linux/x11/Requests.h"
+
+#include <cstdint>
+#include <cstring>
+
+namespace vistrel::x11 {
+
+xcb_window_t rootOf(xcb_connection_t* connection) {
+  return xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
+}
+
+xcb_atom_t atomOf(xcb_connection_t* connection, const char* name) {
+  const auto cookie = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(std::strlen(name)), name);
+  const Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, cookie, nullptr));
+  return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+}
+
+xcb_window_t focusedWindow(xcb_connection_t* connection) {
+  const auto cookie = xcb_get_input_focus(connection);
+  const Reply<xcb_get_input_focus_reply_t> reply(xcb_get_input_focus_reply(connection, cookie, nullptr));
+  return reply ? reply->focus : xcb_window_t{XCB_INPUT_FOCUS_NONE};
+}
+
+}  // namespace vistrel::x11

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <xcb/xcb.h>
+
+#include <cstdlib>
+#include <memory>
+
+namespace vistrel::x11 {
+
+/// Frees what the X library allocated.
+struct Free {
+  void operator()(void* memory) const { std::free(memory); }
+};
+template <class T>
+using Reply = std::unique_ptr<T, Free>;
+
+/// The questions that more than one room asks an X server. Each waits for the answer, and leaves the events
+/// that came with it in the library's queue.
+[[nodiscard]] xcb_window_t rootOf(xcb_connection_t* connection);
+/// `XCB_ATOM_NONE` when the server does not answer.
+[[nodiscard]] xcb_atom_t atomOf(xcb_connection_t* connection, const char* name);
+/// The window with the input focus as the core protocol tells it: `XCB_INPUT_FOCUS_NONE` or
+/// `XCB_INPUT_FOCUS_POINTER_ROOT` where no window has it.
+[[nodiscard]] xcb_window_t focusedWindow(xcb_connection_t* connection);
+
+}  // namespace vistrel::x11
