@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "appkit/NSWindow.h"
-#include "backend/Backend.h"
+#include "carbon/SymbolicHotKeys.h"
 
 namespace vistrel::KeyboardShortcuts {
 
@@ -18,11 +18,11 @@ KeyboardCapture::KeyboardCapture(const NSWindow& window) {
 
 void KeyboardCapture::capture() {
   // A refusal costs the combinations that the window manager keeps for itself, no more.
-  if (!isHeld_) isHeld_ = backend::current().keyboard().setKeyboardCaptured(true);
+  if (!isHeld_) isHeld_ = PushSymbolicHotKeyMode();
 }
 
 void KeyboardCapture::release() {
-  if (std::exchange(isHeld_, false)) backend::current().keyboard().setKeyboardCaptured(false);
+  if (std::exchange(isHeld_, false)) PopSymbolicHotKeyMode();
 }
 
 }  // namespace vistrel::KeyboardShortcuts

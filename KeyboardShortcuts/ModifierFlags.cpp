@@ -2,6 +2,8 @@
 
 #include <array>
 
+#include "base/KeyCodes.h"
+
 namespace vistrel::KeyboardShortcuts {
 
 namespace {
@@ -14,10 +16,10 @@ struct Modifier {
 
 // In the order of display.
 constexpr std::array<Modifier, 4> kModifiers = {{
-    {kControlBit, NSEventModifierFlags::kControl, "⌃"},
-    {kOptionBit, NSEventModifierFlags::kOption, "⌥"},
-    {kShiftBit, NSEventModifierFlags::kShift, "⇧"},
-    {kCommandBit, NSEventModifierFlags::kCommand, "⌘"},
+    {controlKey, NSEventModifierFlags::kControl, "⌃"},
+    {optionKey, NSEventModifierFlags::kOption, "⌥"},
+    {shiftKey, NSEventModifierFlags::kShift, "⇧"},
+    {cmdKey, NSEventModifierFlags::kCommand, "⌘"},
 }};
 
 }  // namespace

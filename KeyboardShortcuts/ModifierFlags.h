@@ -7,12 +7,6 @@
 
 namespace vistrel::KeyboardShortcuts {
 
-// Hot-key modifier bits. On this platform Command is the Super key and Option the Alt key.
-inline constexpr std::int64_t kCommandBit = 0x100;
-inline constexpr std::int64_t kShiftBit = 0x200;
-inline constexpr std::int64_t kOptionBit = 0x800;
-inline constexpr std::int64_t kControlBit = 0x1000;
-
 /// The hot-key bits of the four modifiers among the flags; every other flag is dropped.
 [[nodiscard]] std::int64_t carbon(NSEventModifierFlags flags);
 

@@ -5,9 +5,9 @@
 #include <optional>
 #include <string>
 
-#include "backend/Backend.h"
 #include "base/Unicode.h"
 #include "foundation/Bundle.h"
+#include "foundation/ProcessInfo.h"
 #include "servicemanagement/ServiceManagement.h"
 
 namespace vistrel::LaunchAtLogin {
@@ -16,7 +16,7 @@ namespace {
 
 constexpr const char* kLabelKey = "Label";
 constexpr const char* kOnDemandKey = "OnDemand";
-constexpr backend::Session::Version kFirstWithPublishers{10, 15, 0};
+constexpr ProcessInfo::OperatingSystemVersion kFirstWithPublishers{10, 15, 0};
 
 /// The identifier of the job that starts this program; none for a bundle without one, which cannot launch at
 /// login.
@@ -48,7 +48,7 @@ CurrentValueSubject<bool>& subject() {
   return value;
 }
 
-bool hasPublishers() { return backend::current().session().platformVersion() >= kFirstWithPublishers; }
+bool hasPublishers() { return ProcessInfo::isOperatingSystemAtLeast(kFirstWithPublishers); }
 
 }  // namespace
 

@@ -3,37 +3,32 @@
 #include <utility>
 
 #include "KeyboardShortcuts/KeyboardShortcuts.h"
+#include "app/Actions.h"
 #include "app/AuxiliaryWindows.h"
 #include "app/CameraMenu.h"
 #include "app/Notifications.h"
 #include "app/PreferenceKeys.h"
 #include "app/ShortcutNames.h"
 #include "appkit/NSStatusBar.h"
-#include "backend/Backend.h"
 #include "base/Log.h"
+#include "foundation/ProcessInfo.h"
 
 namespace vistrel {
 
 namespace {
 
-constexpr backend::Session::Version kFirstWithCenterStage{12, 3, 0};
+constexpr ProcessInfo::OperatingSystemVersion kFirstWithCenterStage{12, 3, 0};
+constexpr const char* kClickedStatusBarButton = "clickedStatusBarButton:";
 constexpr NSEventMask kMouseDowns = maskOf(NSEventType::LeftMouseDown) | maskOf(NSEventType::RightMouseDown);
-
-bool asksForMenu(const NSEvent& event) {
-  const auto flags = event.modifierFlags();
-  return event.type() == NSEventType::RightMouseDown || flags.contains(NSEventModifierFlags::kControl) ||
-         flags.contains(NSEventModifierFlags::kOption);
-}
 
 }  // namespace
 
 AppDelegate::AppDelegate() : defaults_(UserDefaults::standard()) {
-  implement("clickedStatusBarButton:", [this](NSObject*) { clickedStatusBarButton(); });
-  implement("switchCameraInputWithSender:",
-            [this](NSObject* sender) { switchCameraInputWithSender(sender); });
-  implement("openAboutWithSender:", [](NSObject*) { openAboutWindow(); });
-  implement("openPreferencesWithSender:", [](NSObject*) { openPreferencesWindow(); });
-  implement("quitWithSender:", [](NSObject* sender) { NSApplication::shared().terminate(sender); });
+  implement(kClickedStatusBarButton, [this](NSObject*) { clickedStatusBarButton(); });
+  implement(action::kSwitchCameraInput, [this](NSObject* sender) { switchCameraInputWithSender(sender); });
+  implement(action::kOpenAbout, [](NSObject*) { openAboutWindow(); });
+  implement(action::kOpenPreferences, [](NSObject*) { openPreferencesWindow(); });
+  implement(action::kQuit, [](NSObject* sender) { NSApplication::shared().terminate(sender); });
 }
 
 void AppDelegate::applicationDidFinishLaunching() {
@@ -73,8 +68,7 @@ void AppDelegate::readDismissPreference() {
 }
 
 void AppDelegate::switchCenterStageOn() {
-  if (backend::current().session().platformVersion() < kFirstWithCenterStage || !cameras_->selectedDevice())
-    return;
+  if (!ProcessInfo::isOperatingSystemAtLeast(kFirstWithCenterStage) || !cameras_->selectedDevice()) return;
   AVCaptureDevice::setCenterStageControlMode(AVCaptureCenterStageControlMode::Cooperative);
   AVCaptureDevice::setCenterStageEnabled(true);
 }
@@ -109,14 +103,14 @@ void AppDelegate::setUpStatusItem() {
   const auto button = statusBarItem_->button();
   if (!button) return;
   button->setImage(NSImage::imageNamed(preference::entryAt(availableIcons, selectedIconIndex_)));
-  button->setAction("clickedStatusBarButton:");
+  button->setAction(kClickedStatusBarButton);
   button->sendActionOn(kMouseDowns);
   if (menu_) statusBarItem_->setUpcomingMenu(menu_);
 }
 
 void AppDelegate::clickedStatusBarButton() {
   const auto event = NSApplication::shared().currentEvent();
-  if (event && asksForMenu(*event)) {
+  if (event && event->asksForMenu()) {
     openMenu();
     return;
   }

@@ -1,5 +1,6 @@
 #include "app/CameraMenu.h"
 
+#include "app/Actions.h"
 #include "appkit/NSMenu.h"
 #include "camera/CameraManagement.h"
 
@@ -7,7 +8,7 @@ namespace vistrel {
 
 void addCameraItems(NSMenu& menu, const CameraManagement& cameras) {
   for (const auto& device : cameras.availableCameras()) {
-    auto item = std::make_shared<NSMenuItem>(device->localizedName(), "switchCameraInputWithSender:");
+    auto item = std::make_shared<NSMenuItem>(device->localizedName(), action::kSwitchCameraInput);
     item->setState(cameras.isSelected(item->title()) ? NSControlState::On : NSControlState::Off);
     menu.addItem(item);
   }
@@ -15,10 +16,10 @@ void addCameraItems(NSMenu& menu, const CameraManagement& cameras) {
 
 void addCommandItems(NSMenu& menu) {
   menu.addItem(NSMenuItem::separatorItem());
-  menu.addItem(std::make_shared<NSMenuItem>("About Vistrel", "openAboutWithSender:"));
-  menu.addItem(std::make_shared<NSMenuItem>("Preferences…", "openPreferencesWithSender:"));
+  menu.addItem(std::make_shared<NSMenuItem>("About Vistrel", action::kOpenAbout));
+  menu.addItem(std::make_shared<NSMenuItem>("Preferences…", action::kOpenPreferences));
   menu.addItem(NSMenuItem::separatorItem());
-  menu.addItem(std::make_shared<NSMenuItem>("Quit Vistrel", "quitWithSender:"));
+  menu.addItem(std::make_shared<NSMenuItem>("Quit Vistrel", action::kQuit));
 }
 
 }  // namespace vistrel

@@ -4,6 +4,7 @@
 #include "app/PreferenceKeys.h"
 #include "appkit/NSStoryboard.h"
 #include "base/Log.h"
+#include "base/Program.h"
 #include "camera/CameraViewController.h"
 #include "foundation/Bundle.h"
 
@@ -11,6 +12,7 @@ namespace vistrel {
 
 Popover::Popover() : defaults_(UserDefaults::standard()) {
   setDelegate(this);
+  setTitle(program::kName);
   setAnimates(true);
   dataObserver_ = NotificationCenter::defaultCenter().addObserver(
       notification::dataChanged(), nullptr, [this](const Notification&) { updateDataWithSender(); });

@@ -7,6 +7,7 @@
 
 #include "KeyboardShortcuts/KeyboardShortcuts.h"
 #include "appkit/NSMenu.h"
+#include "base/KeyCodes.h"
 #include "linux/keyboard/X11Keyboard.h"
 #include "tests/unit/KeyboardShortcuts/FakeDesktop.h"
 #include "tests/unit/linux/PollReactor.h"
@@ -22,10 +23,10 @@ constexpr std::int64_t kDesktopShortcuts = 300;
 void releaseToAction(benchmark::State& state) {
   vistrel::testing::FakeDesktop desktop;
   const KeyboardShortcuts::Name name("toggle");
-  KeyboardShortcuts::setShortcut(Shortcut(49, 0x100), name);
+  KeyboardShortcuts::setShortcut(Shortcut(kVK_Space, cmdKey), name);
   int runs = 0;
   KeyboardShortcuts::onKeyUp(name, [&runs] { ++runs; });
-  for ([[maybe_unused]] auto _ : state) desktop.tell(49, 0x100, backend::HotKeyPhase::Released);
+  for ([[maybe_unused]] auto _ : state) desktop.tell(kVK_Space, cmdKey, backend::HotKeyPhase::Released);
   if (runs == 0) state.SkipWithError("the action never ran");
 }
 
@@ -45,14 +46,11 @@ void conflictCheck(benchmark::State& state) {
   vistrel::testing::FakeDesktop desktop;
   desktop.realKeyboard = &keyboard;
   desktop.desktopShortcuts.emplace();
-  for (std::int64_t i = 0; i < kDesktopShortcuts; ++i) {
-    desktop.desktopShortcuts->push_back({{"kHISymbolicHotKeyEnabled", true},
-                                         {"kHISymbolicHotKeyCode", i % 100},
-                                         {"kHISymbolicHotKeyModifiers", std::int64_t{0x100}}});
-  }
+  for (std::uint32_t i = 0; i < kDesktopShortcuts; ++i)
+    desktop.desktopShortcuts->push_back({i % 100, cmdKey});
   NSMenu menu;
   for (int i = 0; i < kMenuItems; ++i) menu.addItem(std::make_shared<NSMenuItem>("item", "", "q"));
-  const Shortcut shortcut(0, 0x1800);
+  const Shortcut shortcut(0, controlKey | optionKey);
   for ([[maybe_unused]] auto _ : state) {
     if (shortcut.matchingMenuItem(menu) || shortcut.isTakenBySystem()) state.SkipWithError("a conflict");
   }

@@ -3,14 +3,15 @@
 #include <any>
 #include <utility>
 
+#include "app/Actions.h"
 #include "app/AuxiliaryWindows.h"
 #include "app/CameraMenu.h"
 #include "app/Notifications.h"
 #include "app/PreferenceKeys.h"
 #include "appkit/NSApplication.h"
 #include "appkit/NSWindow.h"
-#include "backend/Backend.h"
 #include "base/Log.h"
+#include "foundation/ProcessInfo.h"
 
 namespace vistrel {
 
@@ -20,7 +21,7 @@ constexpr CGColor kCoralRed{1.0, 0.37, 0.34, 1.0};
 constexpr double kCloseButtonRadius = 6.0;
 constexpr CGColor kDarkBacking{0.0, 0.0, 0.0, 0.8};
 constexpr double kPopupRadius = 5.0;
-constexpr backend::Session::Version kFirstWithCenterStage{12, 3, 0};
+constexpr ProcessInfo::OperatingSystemVersion kFirstWithCenterStage{12, 3, 0};
 
 NSView& connected(const std::shared_ptr<NSView>& view, const char* outlet) {
   if (!view) fatalError(std::string("the outlet ") + outlet + " is not connected");
@@ -43,11 +44,10 @@ std::shared_ptr<CALayer> makeBacking(const CGColor& color, double radius) {
 }  // namespace
 
 CameraViewController::CameraViewController() : defaults_(UserDefaults::standard()) {
-  implement("switchCameraInputWithSender:",
-            [this](NSObject* sender) { switchCameraInputWithSender(sender); });
-  implement("openAboutWithSender:", [](NSObject*) { openAboutWindow(); });
-  implement("openPreferencesWithSender:", [this](NSObject*) { prefsWindow_ = openPreferencesWindow(); });
-  implement("quitWithSender:", [](NSObject* sender) { NSApplication::shared().terminate(sender); });
+  implement(action::kSwitchCameraInput, [this](NSObject* sender) { switchCameraInputWithSender(sender); });
+  implement(action::kOpenAbout, [](NSObject*) { openAboutWindow(); });
+  implement(action::kOpenPreferences, [this](NSObject*) { prefsWindow_ = openPreferencesWindow(); });
+  implement(action::kQuit, [](NSObject* sender) { NSApplication::shared().terminate(sender); });
 }
 
 void CameraViewController::connectOutlet(const std::string& name, const std::shared_ptr<NSView>& view) {
@@ -155,8 +155,7 @@ void CameraViewController::startCaptureSession(const AVCaptureDevice& device) {
   const auto session = std::make_shared<AVCaptureSession>();
   addInput(*session, device);
   choosePreset(*session);
-  if (backend::current().session().platformVersion() >= kFirstWithCenterStage &&
-      device.isCenterStageActive()) {
+  if (ProcessInfo::isOperatingSystemAtLeast(kFirstWithCenterStage) && device.isCenterStageActive()) {
     Log::line("🎭 Center Stage is Active");
   }
   session->startRunning();

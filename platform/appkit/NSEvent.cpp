@@ -94,4 +94,9 @@ std::shared_ptr<NSEvent> NSEvent::filter(std::shared_ptr<NSEvent> event) {
   return event;
 }
 
+bool NSEvent::asksForMenu() const {
+  return type() == NSEventType::RightMouseDown || modifierFlags().contains(NSEventModifierFlags::kControl) ||
+         modifierFlags().contains(NSEventModifierFlags::kOption);
+}
+
 }  // namespace vistrel

@@ -99,6 +99,9 @@ class NSEvent {
   [[nodiscard]] int clickCount() const { return mouse_.clickCount; }
   [[nodiscard]] float pressure() const { return mouse_.pressure; }
   [[nodiscard]] NSWindow* window() const { return window_; }
+  /// Whether a press means a context menu: by the secondary button, or by the primary one with Control or
+  /// Option held.
+  [[nodiscard]] bool asksForMenu() const;
   [[nodiscard]] bool isKeyEvent() const {
     return type() == NSEventType::KeyDown || type() == NSEventType::KeyUp;
   }

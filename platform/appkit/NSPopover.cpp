@@ -57,7 +57,7 @@ void NSPopover::makeWindow() {
   if (!window_) window_ = std::make_shared<PopoverWindow>(*this, Rect{});
   window_->setStyleMask(static_cast<unsigned>(NSWindowStyleMask::Borderless));
   window_->setKind(NSWindowKind::Popover);
-  window_->setTitle("Vistrel");
+  window_->setTitle(title_);
   window_->setAppearance(appearance_);
 }
 

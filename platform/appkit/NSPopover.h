@@ -2,6 +2,8 @@
 
 #include <memory>
 #include <optional>
+#include <string>
+#include <utility>
 
 #include "appkit/NSAppearance.h"
 #include "appkit/NSEvent.h"
@@ -39,6 +41,8 @@ class NSPopover : public NSObject, public backend::OutsidePressClient {
   void setAnimates(bool animates) { animates_ = animates; }
   [[nodiscard]] const std::optional<NSAppearance>& appearance() const { return appearance_; }
   void setAppearance(const NSAppearance& appearance);
+  /// What window lists and screen readers call it.
+  void setTitle(std::string title) { title_ = std::move(title); }
   [[nodiscard]] Size contentSize() const { return contentSize_; }
   void setContentSize(Size size) { contentSize_ = size; }
   [[nodiscard]] NSPopoverBehavior behavior() const { return behavior_; }
@@ -74,6 +78,7 @@ class NSPopover : public NSObject, public backend::OutsidePressClient {
 
   bool animates_ = false;
   std::optional<NSAppearance> appearance_;
+  std::string title_;
   Size contentSize_;
   NSPopoverBehavior behavior_ = NSPopoverBehavior::ApplicationDefined;
   std::shared_ptr<NSViewController> controller_;

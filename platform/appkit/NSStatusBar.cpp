@@ -12,16 +12,19 @@ namespace vistrel {
 
 namespace {
 
-using Flags = NSEventModifierFlags;
-
-constexpr std::uint64_t kMenuModifiers = Flags::kControl | Flags::kOption;
-
 // How far a pointer strays between the press and the release of one click, in points.
 constexpr double kClickSlop = 6;
 
 bool isOnIcon(Point location) {
   const auto icon = backend::current().statusArea().iconFrame();
   return icon && icon->inset(-kClickSlop, -kClickSlop).contains(location);
+}
+
+std::shared_ptr<NSEvent> pressOf(backend::PointerButton button, std::uint64_t modifiers) {
+  const bool isRight = button == backend::PointerButton::Right;
+  return NSEvent::mouseEvent({.type = isRight ? NSEventType::RightMouseDown : NSEventType::LeftMouseDown,
+                              .location = backend::current().session().pointerLocation(),
+                              .modifierFlags = {modifiers}});
 }
 
 }  // namespace
@@ -119,19 +122,16 @@ void NSStatusBar::statusIconPressed(backend::PointerButton button, std::uint64_t
   const bool belongsToClosingPress =
       closingPress_ && closingPress_->isOfClickAt(backend::current().session().pointerLocation());
   closingPress_.reset();
-  const bool asksForMenu = button == backend::PointerButton::Right || (modifiers & kMenuModifiers) != 0;
-  if (belongsToClosingPress && !asksForMenu) return;
   if (button == backend::PointerButton::Middle) return;
-  sendPress(
-      button == backend::PointerButton::Right ? NSEventType::RightMouseDown : NSEventType::LeftMouseDown,
-      modifiers);
+  const auto press = pressOf(button, modifiers);
+  if (!belongsToClosingPress || press->asksForMenu()) send(press);
 }
 
 void NSStatusBar::statusMenuWillOpen() {
   endShowing();
   closingPress_.reset();
   isHostOpening_ = true;
-  sendPress(NSEventType::RightMouseDown, 0);
+  send(pressOf(backend::PointerButton::Right, 0));
   isHostOpening_ = false;
 }
 
@@ -144,13 +144,11 @@ void NSStatusBar::statusMenuItemChosen(std::shared_ptr<NSMenuItem> item) {
   NSMenu::performActionForItem(item, button.get());
 }
 
-void NSStatusBar::sendPress(NSEventType type, std::uint64_t modifiers) {
+void NSStatusBar::send(const std::shared_ptr<NSEvent>& press) {
   if (!item_) return;
   const auto button = item_->button();
-  const Point location = backend::current().session().pointerLocation();
-  const auto event = NSEvent::mouseEvent({.type = type, .location = location, .modifierFlags = {modifiers}});
-  if ((button->actionMask() & maskOf(type)) == 0) return;
-  NSApplication::shared().withCurrentEvent(event, [&] { button->sendAction(); });
+  if ((button->actionMask() & maskOf(press->type())) == 0) return;
+  NSApplication::shared().withCurrentEvent(press, [&] { button->sendAction(); });
 }
 
 }  // namespace vistrel

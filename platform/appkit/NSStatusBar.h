@@ -48,7 +48,7 @@ class NSStatusBar final : public backend::StatusAreaClient {
  private:
   class PressWatch;
   NSStatusBar();
-  void sendPress(NSEventType type, std::uint64_t modifiers);
+  void send(const std::shared_ptr<NSEvent>& press);
   void endShowing();
   [[nodiscard]] bool isPresent(const NSStatusItem& item) const { return item_ == &item; }
 

@@ -20,6 +20,8 @@ namespace vistrel {
 
 namespace {
 
+constexpr const char* kPerformClose = "performClose:";
+
 // A hand that drags a window rests less than this; one that lets go notices nothing of it.
 constexpr std::chrono::milliseconds kRestAfterMoving(300);
 
@@ -48,7 +50,7 @@ std::shared_ptr<NSWindow> NSWindow::create(const Rect& contentRect, unsigned sty
 
 NSWindow::NSWindow(NSWindowKind kind, const Rect& contentRect, unsigned styleMask)
     : kind_(kind), styleMask_(styleMask), frame_(contentRect) {
-  implement("performClose:", [this](NSObject* sender) { performClose(sender); });
+  implement(kPerformClose, [this](NSObject* sender) { performClose(sender); });
   updateCloseButton();
 }
 
@@ -75,7 +77,7 @@ bool NSWindow::isClosable() const {
 void NSWindow::updateCloseButton() {
   if (!closeButton_ && isClosable()) {
     closeButton_ = std::make_shared<NSButton>();
-    closeButton_->setAction("performClose:");
+    closeButton_->setAction(kPerformClose);
     closeButton_->setAccessibilityLabel("Close");
     closeButton_->setWindow(this);
   }

@@ -1,9 +1,7 @@
 #pragma once
 
-#include <any>
 #include <cstdint>
 #include <functional>
-#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -11,7 +9,7 @@
 namespace vistrel::backend {
 
 /// A hot key as the window system takes it: a virtual key code (the platform's `kVK_` numbering, a position
-/// on the keyboard) and hot-key modifier bits (Command 0x100, Shift 0x200, Option 0x800, Control 0x1000).
+/// on the keyboard) and hot-key modifier bits (`cmdKey` and the others of base/KeyCodes.h).
 struct HotKeyCombination {
   std::uint32_t keyCode = 0;
   std::uint32_t modifiers = 0;
@@ -37,9 +35,8 @@ class Keyboard {
   /// The unshifted text of the key at a virtual key code on the layout that types ASCII: empty when the
   /// layout gives the key nothing; none when no keymap can be had.
   [[nodiscard]] virtual std::optional<std::string> displayCharacter(std::uint16_t keyCode) = 0;
-  /// The desktop's own shortcuts, one dictionary each, with "kHISymbolicHotKeyEnabled" (bool),
-  /// "kHISymbolicHotKeyCode" and "kHISymbolicHotKeyModifiers" (std::int64_t); none without a known desktop.
-  [[nodiscard]] virtual std::optional<std::vector<std::map<std::string, std::any>>> symbolicHotKeys() = 0;
+  /// The desktop's own shortcuts that are in force; none without a known desktop.
+  [[nodiscard]] virtual std::optional<std::vector<HotKeyCombination>> symbolicHotKeys() = 0;
   /// The window system's bell.
   virtual void beep() = 0;
   /// Routes every key of the keyboard to this program's focused window, window-manager bindings included,

@@ -124,7 +124,16 @@ enum VirtualKeyCode : std::uint16_t {
   kVK_UpArrow = 126,
 };
 
-/// The Linux event code (input-event-codes.h; an X key code less 8) of the key at a virtual key code; none
+/// Hot-key modifier bits. On this platform Command is the Super key and Option the Alt key.
+inline constexpr std::uint32_t cmdKey = 0x100;
+inline constexpr std::uint32_t shiftKey = 0x200;
+inline constexpr std::uint32_t optionKey = 0x800;
+inline constexpr std::uint32_t controlKey = 0x1000;
+
+/// What X adds to a Linux event code to make a key code of its own.
+inline constexpr std::uint32_t kX11KeyCodeOffset = 8;
+
+/// The Linux event code (input-event-codes.h) of the key at a virtual key code; none
 /// for a key that keyboards on Linux lack or keep to themselves.
 [[nodiscard]] std::optional<std::uint16_t> evdevFromVirtualKeyCode(std::uint32_t keyCode);
 

@@ -1,12 +1,32 @@
 #include "carbon/SymbolicHotKeys.h"
 
+#include <cstdint>
+
 #include "backend/Backend.h"
 
 namespace vistrel {
 
+namespace {
+
+SymbolicHotKeys::value_type dictionaryOf(const backend::HotKeyCombination& hotKey) {
+  return {{kHISymbolicHotKeyEnabled, true},
+          {kHISymbolicHotKeyCode, std::int64_t{hotKey.keyCode}},
+          {kHISymbolicHotKeyModifiers, std::int64_t{hotKey.modifiers}}};
+}
+
+}  // namespace
+
 OSStatus CopySymbolicHotKeys(std::optional<SymbolicHotKeys>* result) {
-  *result = backend::current().keyboard().symbolicHotKeys();
+  const auto hotKeys = backend::current().keyboard().symbolicHotKeys();
+  result->reset();
+  if (!hotKeys) return noErr;
+  result->emplace();
+  for (const auto& hotKey : *hotKeys) (*result)->push_back(dictionaryOf(hotKey));
   return noErr;
 }
+
+bool PushSymbolicHotKeyMode() { return backend::current().keyboard().setKeyboardCaptured(true); }
+
+void PopSymbolicHotKeyMode() { backend::current().keyboard().setKeyboardCaptured(false); }
 
 }  // namespace vistrel

@@ -74,7 +74,7 @@ class SimulatedKeyboard final : public backend::Keyboard {
  public:
   SimulatedKeyboard();
   [[nodiscard]] std::optional<std::string> displayCharacter(std::uint16_t keyCode) override;
-  [[nodiscard]] std::optional<std::vector<std::map<std::string, std::any>>> symbolicHotKeys() override {
+  [[nodiscard]] std::optional<std::vector<backend::HotKeyCombination>> symbolicHotKeys() override {
     return symbolic;
   }
   void beep() override { ++beeps; }
@@ -86,7 +86,7 @@ class SimulatedKeyboard final : public backend::Keyboard {
   /// Unshifted texts by virtual key code; a key that is missing types nothing.
   std::map<std::uint16_t, std::string> layout;
   bool hasLayout = true;
-  std::optional<std::vector<std::map<std::string, std::any>>> symbolic;
+  std::optional<std::vector<backend::HotKeyCombination>> symbolic;
   int beeps = 0;
   bool isCaptured = false;
   bool refusesCapture = false;

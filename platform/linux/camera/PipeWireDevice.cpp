@@ -7,6 +7,7 @@
 #include <array>
 #include <utility>
 
+#include "base/Program.h"
 #include "linux/camera/CameraError.h"
 
 namespace vistrel::camera {
@@ -109,7 +110,7 @@ bool PipeWireDevice::openStream(const ModeChoice& mode) {
   const PipeWireNode* node = graph_->find(nodeId_);
   if (!graph_->isConnected() || !node) return fail(errorOf(CameraError::Gone)), false;
   errorsBefore_ = node->errorCount();
-  stream_.reset(pw_stream_new(graph_->core(), "Vistrel", streamProperties(target_)));
+  stream_.reset(pw_stream_new(graph_->core(), program::kName, streamProperties(target_)));
   if (!stream_) return fail({"PipeWire made no stream for the camera."}), false;
   pw_stream_add_listener(stream_.get(), &listener_, &events, this);
   state_ = PW_STREAM_STATE_CONNECTING;

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <utility>
 
+#include "base/Program.h"
+
 namespace vistrel::camera {
 namespace {
 
@@ -31,7 +33,7 @@ bool PipeWireGraph::connect() {
   if (core_) return true;
   context_.reset(pw_context_new(
       loop_.get(),
-      pw_properties_new(PW_KEY_APP_NAME, "Vistrel", PW_KEY_APP_ID, "org.vistrel.Vistrel", nullptr), 0));
+      pw_properties_new(PW_KEY_APP_NAME, program::kName, PW_KEY_APP_ID, program::kIdentifier, nullptr), 0));
   if (context_) loop_.adoptFrames(*context_);
   if (context_) core_.reset(pw_context_connect(context_.get(), nullptr, 0));
   if (!core_) {

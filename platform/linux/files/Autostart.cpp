@@ -10,6 +10,7 @@
 #include <string_view>
 #include <utility>
 
+#include "base/Program.h"
 #include "linux/files/DesktopEntry.h"
 #include "linux/files/FileTools.h"
 
@@ -126,11 +127,11 @@ Result<void> Autostart::enable(const std::string& path) {
   if (auto made = makeFolders(folders_.ofUser); !made) return made;
   DesktopEntry entry = readEntry(path).value_or(DesktopEntry());
   entry.set("Type", "Application");
-  entry.set("Name", "Vistrel");
+  entry.set("Name", program::kName);
   entry.set("Comment", "A pocket mirror for the desktop");
   entry.set("Exec", DesktopEntry::quotedArgument(program_));
   entry.set("TryExec", program_);
-  entry.set("Icon", "org.vistrel.Vistrel");
+  entry.set("Icon", program::kIdentifier);
   entry.set("Terminal", "false");
   if (entry.value(kHidden)) entry.set(kHidden, "false");
   if (entry.value(kDesktopEnabled)) entry.set(kDesktopEnabled, "true");
@@ -143,7 +144,7 @@ Result<void> Autostart::disable(const std::string& path, const std::string& file
   if (liesOverSystem || (entry && hasForeignKeys(*entry))) {
     if (!entry) entry.emplace();
     entry->set("Type", "Application");
-    if (!entry->value("Name")) entry->set("Name", "Vistrel");
+    if (!entry->value("Name")) entry->set("Name", program::kName);
     entry->set(kHidden, "true");
     if (auto made = makeFolders(folders_.ofUser); !made) return made;
     return replaceFile(path, entry->text());

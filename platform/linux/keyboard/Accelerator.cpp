@@ -4,27 +4,24 @@
 #include <span>
 #include <string>
 
+#include "base/KeyCodes.h"
+
 namespace vistrel::keyboard {
 
 namespace {
 
-constexpr std::int64_t kCommand = 0x100;
-constexpr std::int64_t kShift = 0x200;
-constexpr std::int64_t kOption = 0x800;
-constexpr std::int64_t kControl = 0x1000;
-
 struct Modifier {
   const char* name;
-  std::int64_t bit;
+  std::uint32_t bit;
 };
 
 // In small letters.
-constexpr Modifier kGtkModifiers[] = {{"primary", kControl}, {"control", kControl}, {"ctrl", kControl},
-                                      {"ctl", kControl},     {"shift", kShift},     {"shft", kShift},
-                                      {"alt", kOption},      {"mod1", kOption},     {"meta", kOption},
-                                      {"super", kCommand},   {"mod4", kCommand}};
+constexpr Modifier kGtkModifiers[] = {{"primary", controlKey}, {"control", controlKey}, {"ctrl", controlKey},
+                                      {"ctl", controlKey},     {"shift", shiftKey},     {"shft", shiftKey},
+                                      {"alt", optionKey},      {"mod1", optionKey},     {"meta", optionKey},
+                                      {"super", cmdKey},       {"mod4", cmdKey}};
 constexpr Modifier kQtModifiers[] = {
-    {"ctrl", kControl}, {"shift", kShift}, {"alt", kOption}, {"meta", kCommand}};
+    {"ctrl", controlKey}, {"shift", shiftKey}, {"alt", optionKey}, {"meta", cmdKey}};
 
 // GNOME's name for the key left of the digits, whatever the layout prints there.
 constexpr const char* kAboveTab = "above_tab";
@@ -56,7 +53,7 @@ std::string lowerCased(std::string_view text) {
   return result;
 }
 
-std::optional<std::int64_t> modifierBit(std::span<const Modifier> modifiers, std::string_view name) {
+std::optional<std::uint32_t> modifierBit(std::span<const Modifier> modifiers, std::string_view name) {
   const auto wanted = lowerCased(name);
   for (const auto& modifier : modifiers) {
     if (wanted == modifier.name) return modifier.bit;
@@ -76,7 +73,7 @@ xkb_keysym_t keySymbol(std::span<const KeyName> names, std::string_view name) {
   return xkb_keysym_to_lower(xkb_keysym_from_name(exact.c_str(), XKB_KEYSYM_CASE_INSENSITIVE));
 }
 
-std::optional<Accelerator> withSymbol(xkb_keysym_t symbol, std::int64_t modifiers) {
+std::optional<Accelerator> withSymbol(xkb_keysym_t symbol, std::uint32_t modifiers) {
   if (symbol == XKB_KEY_NoSymbol) return std::nullopt;
   return Accelerator{symbol, modifiers};
 }
@@ -84,7 +81,7 @@ std::optional<Accelerator> withSymbol(xkb_keysym_t symbol, std::int64_t modifier
 }  // namespace
 
 std::optional<Accelerator> parseGtkAccelerator(std::string_view text) {
-  std::int64_t modifiers = 0;
+  std::uint32_t modifiers = 0;
   while (text.starts_with('<')) {
     const auto end = text.find('>');
     if (end == std::string_view::npos) return std::nullopt;
@@ -98,7 +95,7 @@ std::optional<Accelerator> parseGtkAccelerator(std::string_view text) {
 }
 
 std::optional<Accelerator> parseQtAccelerator(std::string_view text) {
-  std::int64_t modifiers = 0;
+  std::uint32_t modifiers = 0;
   // The last key may itself be a plus sign.
   for (auto plus = text.find('+'); plus != std::string_view::npos && plus + 1 < text.size();
        plus = text.find('+')) {

@@ -11,7 +11,7 @@ namespace vistrel::keyboard {
 /// A key combination as desktops write it: a key symbol and hot-key modifier bits.
 struct Accelerator {
   xkb_keysym_t symbol = XKB_KEY_NoSymbol;
-  std::int64_t modifiers = 0;
+  std::uint32_t modifiers = 0;
   std::uint16_t place = 0;  ///< the Linux event code of a key that is meant by its place; then no symbol
   bool operator==(const Accelerator&) const = default;
 };

@@ -12,10 +12,6 @@ namespace vistrel::keyboard {
 
 namespace {
 
-using Dictionaries = std::vector<std::map<std::string, std::any>>;
-
-constexpr std::int64_t kShiftBit = 0x200;
-
 struct DesktopKind {
   const char* name;     ///< in XDG_CURRENT_DESKTOP
   const char* service;  ///< on the session bus while it runs
@@ -58,26 +54,23 @@ std::optional<Keymap::Place> placeOf(const Accelerator& accelerator, Keymap& key
   return keymap.find(accelerator.symbol);
 }
 
-std::optional<Dictionaries::value_type> dictionaryOf(const Accelerator& accelerator, Keymap& keymap) {
+std::optional<backend::HotKeyCombination> hotKeyOf(const Accelerator& accelerator, Keymap& keymap) {
   const auto place = placeOf(accelerator, keymap);
   const auto code = place ? virtualKeyCodeFromEvdev(place->evdevCode) : std::nullopt;
   if (!code) return std::nullopt;
-  const auto modifiers = accelerator.modifiers | (place->isShifted ? kShiftBit : 0);
-  return Dictionaries::value_type{{"kHISymbolicHotKeyEnabled", true},
-                                  {"kHISymbolicHotKeyCode", std::int64_t{*code}},
-                                  {"kHISymbolicHotKeyModifiers", modifiers}};
+  return backend::HotKeyCombination{*code, accelerator.modifiers | (place->isShifted ? shiftKey : 0)};
 }
 
 }  // namespace
 
-std::optional<Dictionaries> readDesktopShortcuts(Keymap& keymap) {
+std::optional<std::vector<backend::HotKeyCombination>> readDesktopShortcuts(Keymap& keymap) {
   const auto accelerators = readPresentDesktop();
   if (!accelerators) return std::nullopt;
-  Dictionaries dictionaries;
+  std::vector<backend::HotKeyCombination> hotKeys;
   for (const auto& accelerator : *accelerators) {
-    if (auto dictionary = dictionaryOf(accelerator, keymap)) dictionaries.push_back(*std::move(dictionary));
+    if (const auto hotKey = hotKeyOf(accelerator, keymap)) hotKeys.push_back(*hotKey);
   }
-  return dictionaries;
+  return hotKeys;
 }
 
 }  // namespace vistrel::keyboard

@@ -1,11 +1,10 @@
 #pragma once
 
-#include <any>
-#include <map>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "backend/Keyboard.h"
 #include "linux/keyboard/Accelerator.h"
 #include "linux/keyboard/Keymap.h"
 
@@ -27,7 +26,6 @@ using Accelerators = std::vector<Accelerator>;
 /// The present desktop's shortcuts, as `backend::Keyboard::symbolicHotKeys` answers them: those of the
 /// desktop that the session names, else of one that runs. A shortcut on a key without virtual key code is
 /// left out.
-[[nodiscard]] std::optional<std::vector<std::map<std::string, std::any>>> readDesktopShortcuts(
-    Keymap& keymap);
+[[nodiscard]] std::optional<std::vector<backend::HotKeyCombination>> readDesktopShortcuts(Keymap& keymap);
 
 }  // namespace vistrel::keyboard

@@ -12,15 +12,14 @@ namespace vistrel::keyboard {
 namespace {
 
 constexpr unsigned kEventKindBits = 0x7F;
-constexpr unsigned kKeyCodeOffset = 8;
 constexpr unsigned kHighestKeyCode = 255;
 /// A keyboard grabbed by a popup of ours takes the release away; a look this often goes unnoticed.
 constexpr std::chrono::milliseconds kHeldKeyInterval(25);
 
 std::optional<xcb_keycode_t> xKeyCode(std::uint32_t virtualKeyCode) {
   const auto evdev = evdevFromVirtualKeyCode(virtualKeyCode);
-  if (!evdev || *evdev + kKeyCodeOffset > kHighestKeyCode) return std::nullopt;
-  return static_cast<xcb_keycode_t>(*evdev + kKeyCodeOffset);
+  if (!evdev || *evdev + kX11KeyCodeOffset > kHighestKeyCode) return std::nullopt;
+  return static_cast<xcb_keycode_t>(*evdev + kX11KeyCodeOffset);
 }
 
 bool isDown(const xcb_query_keymap_reply_t& keys, xcb_keycode_t key) {

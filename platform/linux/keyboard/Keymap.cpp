@@ -5,6 +5,7 @@
 #include <array>
 #include <set>
 
+#include "base/KeyCodes.h"
 #include "linux/keyboard/KeySymbolText.h"
 #include "linux/x11/Xkb.h"
 
@@ -12,7 +13,6 @@ namespace vistrel::keyboard {
 
 namespace {
 
-constexpr xkb_keycode_t kKeyCodeOffset = 8;
 /// A layout of another script may share a few letters with ours.
 constexpr std::size_t kEnoughLetters = 20;
 constexpr std::uint16_t kHighestEvdevCode = 247;
@@ -123,7 +123,7 @@ xkb_keysym_t Keymap::symbol(xkb_keymap* keymap, std::uint16_t evdevCode, xkb_lay
                             xkb_level_index_t level) const {
   const xkb_keysym_t* symbols = nullptr;
   const int count =
-      xkb_keymap_key_get_syms_by_level(keymap, evdevCode + kKeyCodeOffset, layout, level, &symbols);
+      xkb_keymap_key_get_syms_by_level(keymap, evdevCode + kX11KeyCodeOffset, layout, level, &symbols);
   return count == 1 ? symbols[0] : static_cast<xkb_keysym_t>(XKB_KEY_NoSymbol);
 }
 

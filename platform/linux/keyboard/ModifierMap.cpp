@@ -5,15 +5,13 @@
 #include <array>
 #include <span>
 
+#include "base/KeyCodes.h"
+
 namespace vistrel::keyboard {
 
 namespace {
 
-constexpr std::uint32_t kCommandBit = 0x100;
-constexpr std::uint32_t kShiftBit = 0x200;
-constexpr std::uint32_t kOptionBit = 0x800;
-constexpr std::uint32_t kControlBit = 0x1000;
-constexpr std::uint32_t kFourModifiers = kCommandBit | kShiftBit | kOptionBit | kControlBit;
+constexpr std::uint32_t kFourModifiers = cmdKey | shiftKey | optionKey | controlKey;
 constexpr std::size_t kModifierCount = 8;
 
 void note(ModifierMap& map, xcb_keysym_t symbol, std::uint16_t bit) {
@@ -71,10 +69,10 @@ std::optional<std::uint16_t> ModifierMap::mask(std::uint32_t hotKeyModifiers) co
     std::uint32_t hotKeyBit;
     std::uint16_t bit;
   };
-  const std::array<Row, 4> rows = {{{kCommandBit, command},
-                                    {kShiftBit, XCB_MOD_MASK_SHIFT},
-                                    {kOptionBit, option},
-                                    {kControlBit, XCB_MOD_MASK_CONTROL}}};
+  const std::array<Row, 4> rows = {{{cmdKey, command},
+                                    {shiftKey, XCB_MOD_MASK_SHIFT},
+                                    {optionKey, option},
+                                    {controlKey, XCB_MOD_MASK_CONTROL}}};
   if ((hotKeyModifiers & ~kFourModifiers) != 0) return std::nullopt;
   unsigned mask = 0;
   for (const auto& row : rows) {

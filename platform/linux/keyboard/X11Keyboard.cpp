@@ -28,7 +28,7 @@ std::optional<std::string> X11Keyboard::displayCharacter(std::uint16_t keyCode) 
   return keymap_.text(evdev.value_or(0));
 }
 
-std::optional<std::vector<std::map<std::string, std::any>>> X11Keyboard::symbolicHotKeys() {
+std::optional<std::vector<backend::HotKeyCombination>> X11Keyboard::symbolicHotKeys() {
   return readDesktopShortcuts(keymap_);
 }
 

@@ -14,7 +14,7 @@ class X11Keyboard final : public backend::Keyboard {
   X11Keyboard(x11::X11Connection& connection, xcb_connection_t* toolkit);
 
   [[nodiscard]] std::optional<std::string> displayCharacter(std::uint16_t keyCode) override;
-  [[nodiscard]] std::optional<std::vector<std::map<std::string, std::any>>> symbolicHotKeys() override;
+  [[nodiscard]] std::optional<std::vector<backend::HotKeyCombination>> symbolicHotKeys() override;
   void beep() override;
   bool setKeyboardCaptured(bool isCaptured) override;
   /// The toolkit has given the keyboard back, which it takes for its own popups: a captured keyboard is

@@ -7,6 +7,8 @@
 #include <cstdlib>
 #include <string>
 
+#include "base/Program.h"
+
 namespace vistrel::qt {
 
 namespace {
@@ -34,8 +36,8 @@ Result<std::unique_ptr<QApplication>> makeApplication(int& argumentCount, char**
   if (const auto display = findDisplay(); !display) return display.error();
   // Tray menus, global presses and window places exist on X11 only, so a Wayland session serves by XWayland.
   qputenv("QT_QPA_PLATFORM", "xcb");
-  QApplication::setApplicationName("Vistrel");
-  QApplication::setDesktopFileName("org.vistrel.Vistrel");
+  QApplication::setApplicationName(program::kName);
+  QApplication::setDesktopFileName(program::kIdentifier);
   QApplication::setQuitOnLastWindowClosed(false);
   // The one style of Qt's own that draws every control from the palette, light or dark.
   QApplication::setStyle("Fusion");

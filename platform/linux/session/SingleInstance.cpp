@@ -6,11 +6,12 @@
 #include <QVariantMap>
 #include <utility>
 
+#include "base/Program.h"
+
 namespace vistrel::session {
 
 namespace {
 
-constexpr const char* kName = "org.vistrel.Vistrel";
 constexpr const char* kPath = "/org/vistrel/Vistrel";
 constexpr const char* kInterface = "org.freedesktop.Application";
 // A first program that is busy gets the message all the same; the second one does not wait for it.
@@ -25,7 +26,7 @@ constexpr const char* kDescription = R"(<interface name="org.freedesktop.Applica
 </interface>)";
 
 void handOver(const QDBusConnection& bus) {
-  auto message = QDBusMessage::createMethodCall(kName, kPath, kInterface, "Activate");
+  auto message = QDBusMessage::createMethodCall(program::kIdentifier, kPath, kInterface, "Activate");
   message << QVariantMap();
   bus.call(message, QDBus::Block, kHandOverPatience);
 }
@@ -33,13 +34,15 @@ void handOver(const QDBusConnection& bus) {
 }  // namespace
 
 // A connection of its own: the shared one hands on no calls before the main loop runs.
-SingleInstance::SingleInstance() : bus_(QDBusConnection::connectToBus(QDBusConnection::SessionBus, kName)) {}
+SingleInstance::SingleInstance()
+    : bus_(QDBusConnection::connectToBus(QDBusConnection::SessionBus, program::kIdentifier)) {}
 
 // The object stands before the name is asked for: whoever waits for the name may call at once.
 SingleInstance::Role SingleInstance::claim() {
   if (!bus_.isConnected()) return Role::WithoutBus;
   bus_.registerVirtualObject(kPath, this);
-  const auto reply = bus_.interface()->registerService(kName, QDBusConnectionInterface::DontQueueService);
+  const auto reply =
+      bus_.interface()->registerService(program::kIdentifier, QDBusConnectionInterface::DontQueueService);
   if (!reply.isValid()) return Role::WithoutBus;
   if (reply.value() != QDBusConnectionInterface::ServiceRegistered) {
     handOver(bus_);
@@ -47,7 +50,7 @@ SingleInstance::Role SingleInstance::claim() {
   }
   // The bus sends what waited for the name before it answers this, so an activation that is this start is in
   // our queue afterwards; what comes later is a start of its own.
-  (void)bus_.interface()->isServiceRegistered(kName);
+  (void)bus_.interface()->isServiceRegistered(program::kIdentifier);
   QCoreApplication::sendPostedEvents(this);
   isClaimed_ = true;
   return Role::First;

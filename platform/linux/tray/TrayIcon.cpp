@@ -7,11 +7,11 @@
 #include <QWidget>
 #include <utility>
 
+#include "base/Program.h"
+
 namespace vistrel::tray {
 
 namespace {
-
-constexpr const char* kName = "Vistrel";
 
 // Qt asks the desktop's theme which kind of icon to make, and the theme answers once for the whole process.
 // One that offers none gets an icon to be embedded.
@@ -41,7 +41,7 @@ bool deliverAsPress(QObject& icon, const QMouseEvent& event) {
 
 TrayIcon::TrayIcon(TrayHost host, Pressed pressed, TrayMenu::Handlers menuHandlers)
     : menu_(std::move(menuHandlers)), native_(makeNative(host)) {
-  native_->setToolTip(kName);
+  native_->setToolTip(program::kName);
   native_->setContextMenu(&menu_.native());
   menu_.didAttach();
   connect(native_.get(), &QSystemTrayIcon::activated, this, std::move(pressed));
@@ -62,8 +62,8 @@ bool TrayIcon::eventFilter(QObject* watched, QEvent* event) {
   }
   if (event->type() == QEvent::Show && isEmbeddedIcon(*watched)) {
     auto& window = static_cast<QWidget&>(*watched);
-    window.setWindowTitle(kName);
-    window.setAccessibleName(kName);
+    window.setWindowTitle(program::kName);
+    window.setAccessibleName(program::kName);
   }
   return false;
 }

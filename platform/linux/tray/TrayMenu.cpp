@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "appkit/NSMenu.h"
+#include "base/Program.h"
 #include "linux/qt/MenuText.h"
 
 namespace vistrel::tray {
@@ -15,7 +16,7 @@ namespace {
 constexpr std::chrono::milliseconds kSettleTime{250};
 
 // An icon that registers with an empty menu gets the panel's own one instead.
-const MenuRow kPlaceholder{MenuRow::Kind::Item, "Vistrel", {}};
+const MenuRow kPlaceholder{MenuRow::Kind::Item, program::kName, {}};
 
 MenuRow keyOf(const NSMenuItem& item) {
   if (item.isSeparatorItem()) return {MenuRow::Kind::Separator, {}, {}};

@@ -4,6 +4,7 @@
 
 #include "appkit/NSApplication.h"
 #include "backend/Backend.h"
+#include "base/Program.h"
 #include "linux/qt/Icons.h"
 #include "linux/qt/Palettes.h"
 
@@ -30,7 +31,7 @@ NSAppearance appearanceNow() {
 }
 
 void fill(QMessageBox& box, const NSAlert& alert) {
-  box.setWindowTitle("Vistrel");
+  box.setWindowTitle(program::kName);
   box.setTextFormat(Qt::PlainText);
   box.setText(QString::fromStdString(alert.messageText()));
   box.setInformativeText(QString::fromStdString(alert.informativeText()));

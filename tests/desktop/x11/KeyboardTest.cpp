@@ -112,22 +112,26 @@ TEST_F(KeyboardTest, KnowsTheShortcutsOfThePresentDesktop) {
     Combinations free;
   } const rows[] = {
       {"XFCE",
-       {{kVK_ForwardDelete, 0x1800}, {kVK_F4, 0x800}},
-       {{kVK_F9, 0x100}, {kVK_F2, 0x800}, {kVK_F1, 0}}},
-      {"KDE", {{kVK_ANSI_D, 0x1100}}, {{kVK_F9, 0x100}, {kVK_F4, 0x800}}},
+       {{kVK_ForwardDelete, controlKey | optionKey}, {kVK_F4, optionKey}},
+       {{kVK_F9, cmdKey}, {kVK_F2, optionKey}, {kVK_F1, 0}}},
+      {"KDE", {{kVK_ANSI_D, controlKey | cmdKey}}, {{kVK_F9, cmdKey}, {kVK_F4, optionKey}}},
       // Of the window manager, mutter, the shell, the media keys and the user's own.
       {"ubuntu:GNOME",
-       {{kVK_F9, 0x100},
-        {kVK_Tab, 0x800},
-        {kVK_ANSI_Grave, 0x100},
-        {kVK_LeftArrow, 0x100},
-        {kVK_F1, 0x1800},
-        {kVK_ANSI_S, 0x100},
-        {kVK_ANSI_L, 0x100},
+       {{kVK_F9, cmdKey},
+        {kVK_Tab, optionKey},
+        {kVK_ANSI_Grave, cmdKey},
+        {kVK_LeftArrow, cmdKey},
+        {kVK_F1, controlKey | optionKey},
+        {kVK_ANSI_S, cmdKey},
+        {kVK_ANSI_L, cmdKey},
         {kVK_VolumeUp, 0},
-        {kVK_VolumeUp, 0x1000},
-        {kVK_ANSI_K, 0x1800}},
-       {{kVK_F4, 0x800}, {kVK_ANSI_H, 0x100}, {kVK_F7, 0x800}, {kVK_F9, 0}, {kVK_ANSI_J, 0x1B00}}},
+        {kVK_VolumeUp, controlKey},
+        {kVK_ANSI_K, controlKey | optionKey}},
+       {{kVK_F4, optionKey},
+        {kVK_ANSI_H, cmdKey},
+        {kVK_F7, optionKey},
+        {kVK_F9, 0},
+        {kVK_ANSI_J, controlKey | optionKey | shiftKey | cmdKey}}},
   };
   for (const auto& row : rows) {
     ::setenv("XDG_CURRENT_DESKTOP", row.desktop, 1);
@@ -148,7 +152,7 @@ TEST_F(KeyboardTest, FindsTheDesktopThatRuns) {
                          "RequestName", g_variant_new("(su)", "org.kde.kglobalaccel", 0));
   const auto file = settingsFolder() / "kglobalshortcutsrc";
   write(file, "[kwin]\nKill=Meta+Ctrl+D,none,Kill\n");
-  EXPECT_TRUE(Shortcut(kVK_ANSI_D, 0x1100).isTakenBySystem());
+  EXPECT_TRUE(Shortcut(kVK_ANSI_D, controlKey | cmdKey).isTakenBySystem());
   std::filesystem::remove(file);
   EXPECT_FALSE(keyboard.symbolicHotKeys().has_value());
 }

@@ -22,9 +22,7 @@ using keyboard::HotKeyGrabs;
 using keyboard::X11Keyboard;
 using Strings = std::vector<std::string>;
 
-inline constexpr unsigned kKeyCodeOffset = 8;
-inline constexpr std::uint32_t kCommand = 0x100;
-inline constexpr std::uint32_t kControlOption = 0x1800;
+inline constexpr std::uint32_t kControlOption = controlKey | optionKey;
 
 /// Keys and buttons as a user presses them, and a program in front that has its own grabs.
 class User {
@@ -35,7 +33,7 @@ class User {
   User& operator=(const User&) = delete;
 
   void key(std::uint32_t keyCode, std::uint8_t kind) {
-    fake(kind, *evdevFromVirtualKeyCode(keyCode) + kKeyCodeOffset);
+    fake(kind, *evdevFromVirtualKeyCode(keyCode) + kX11KeyCodeOffset);
   }
   void down(std::uint32_t keyCode) { key(keyCode, XCB_KEY_PRESS); }
   void up(std::uint32_t keyCode) { key(keyCode, XCB_KEY_RELEASE); }
@@ -49,7 +47,7 @@ class User {
     sync();
   }
   bool grabKey(std::uint32_t keyCode, std::uint16_t modifiers) {
-    const auto code = static_cast<xcb_keycode_t>(*evdevFromVirtualKeyCode(keyCode) + kKeyCodeOffset);
+    const auto code = static_cast<xcb_keycode_t>(*evdevFromVirtualKeyCode(keyCode) + kX11KeyCodeOffset);
     const auto cookie = xcb_grab_key_checked(connection_, 1, root(), modifiers, code, 1, 1);
     return Reply<xcb_generic_error_t>(xcb_request_check(connection_, cookie)) == nullptr;
   }
@@ -95,7 +93,7 @@ class ServerTest : public ::testing::Test {
   ServerTest() {
     setLayout("us");
     hear();
-    EXPECT_TRUE(grabs.grab(kFence, {kVK_F12, kCommand}));
+    EXPECT_TRUE(grabs.grab(kFence, {kVK_F12, cmdKey}));
   }
   ~ServerTest() override {
     unlock();

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "KeyboardShortcuts/KeyboardShortcuts.h"
+#include "base/KeyCodes.h"
 #include "linux/x11/RawPresses.h"
 #include "tests/desktop/x11/ServerFixture.h"
 #include "tests/unit/KeyboardShortcuts/FakeDesktop.h"
@@ -28,7 +29,7 @@ TEST_F(ServerTest, HearsAPressOnceWhateverIsLocked) {
                     {"fr", kNum, 0},
                     {"ru", 0, 0}};
   ASSERT_TRUE(grabs.grab(1, {kVK_ANSI_Z, kControlOption}));
-  ASSERT_TRUE(grabs.grab(2, {kVK_ANSI_Z, kCommand}));
+  ASSERT_TRUE(grabs.grab(2, {kVK_ANSI_Z, cmdKey}));
   for (const auto& row : rows) {
     setLayout(row.layout);
     lock(row.locks, row.group);
@@ -97,7 +98,7 @@ TEST_F(ServerTest, LeavesATakenCombinationWholly) {
 }
 
 TEST_F(ServerTest, KeepsAHeldKeyWhileTheKeyboardIsReplaced) {
-  ASSERT_TRUE(grabs.grab(1, {kVK_F5, kCommand}));
+  ASSERT_TRUE(grabs.grab(1, {kVK_F5, cmdKey}));
   user.down(kVK_Command);
   user.down(kVK_F5);
   ASSERT_TRUE(reactor.runUntil([&] { return heard == Strings{"down 1"}; }));
@@ -131,7 +132,7 @@ TEST_F(ServerTest, TakesAFreedShortcutWhenItsNameIsEnabledAgain) {
   desktop.realHotKeys = &grabs;
   const Name name("ours");
   const Name fence("fence");
-  setShortcut(Shortcut(kVK_F5, 0x1000), name);
+  setShortcut(Shortcut(kVK_F5, controlKey), name);
   setShortcut(Shortcut(kVK_F6, 0), fence);
   onKeyUp(name, [&] { heard.emplace_back("ours"); });
   onKeyUp(fence, [&] { heard.emplace_back("fence"); });
@@ -154,7 +155,7 @@ TEST_F(ServerTest, TakesAFreedShortcutWhenItsNameIsEnabledAgain) {
 }
 
 TEST_F(ServerTest, FollowsAModifierToAnotherBit) {
-  ASSERT_TRUE(grabs.grab(1, {kVK_F5, kCommand}));
+  ASSERT_TRUE(grabs.grab(1, {kVK_F5, cmdKey}));
   ASSERT_EQ(std::system("xmodmap -e 'clear mod4' -e 'clear mod3' -e 'add mod3 = Super_L'"), 0);
   ASSERT_TRUE(reactor.runUntil([&] {
     user.down(kVK_Command);

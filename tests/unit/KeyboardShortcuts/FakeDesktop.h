@@ -36,7 +36,7 @@ class FakeDesktop final : public backend::Backend,
   bool hasKeymap = true;
   backend::Keyboard* realKeyboard = nullptr;  ///< answers what is not scripted, where there is one
   backend::HotKeys* realHotKeys = nullptr;    ///< takes the grabs instead, where there is one
-  std::optional<std::vector<std::map<std::string, std::any>>> desktopShortcuts;
+  std::optional<std::vector<backend::HotKeyCombination>> desktopShortcuts;
   std::vector<std::function<void()>> queue;
 
   /// What the window system tells of a combination; nothing for one that is not grabbed.
@@ -69,7 +69,7 @@ class FakeDesktop final : public backend::Backend,
     if (realKeyboard) return realKeyboard->displayCharacter(keyCode);
     return hasKeymap ? std::optional(characters[keyCode]) : std::nullopt;
   }
-  std::optional<std::vector<std::map<std::string, std::any>>> symbolicHotKeys() override {
+  std::optional<std::vector<backend::HotKeyCombination>> symbolicHotKeys() override {
     return desktopShortcuts || !realKeyboard ? desktopShortcuts : realKeyboard->symbolicHotKeys();
   }
   void beep() override {}

@@ -11,6 +11,7 @@
 #include "appkit/NSApplication.h"
 #include "appkit/NSMenu.h"
 #include "appkit/NSWindow.h"
+#include "base/KeyCodes.h"
 #include "foundation/UserDefaults.h"
 #include "simulated/SimulatedDesktop.h"
 
@@ -67,9 +68,8 @@ class RecorderTest : public ::testing::Test {
     EXPECT_EQ(recorder->showsCancelButton(), !recorder->stringValue().empty()) << what;
   }
   void takeBySystem(const Shortcut& shortcut) {
-    desktop.keys.symbolic = {{{"kHISymbolicHotKeyEnabled", true},
-                              {"kHISymbolicHotKeyCode", shortcut.carbonKeyCode()},
-                              {"kHISymbolicHotKeyModifiers", shortcut.carbonModifiers()}}};
+    desktop.keys.symbolic = {{static_cast<std::uint32_t>(shortcut.carbonKeyCode()),
+                              static_cast<std::uint32_t>(shortcut.carbonModifiers())}};
   }
 
   simulated::SimulatedDesktop desktop{VISTREL_RESOURCES};
@@ -80,7 +80,7 @@ class RecorderTest : public ::testing::Test {
       NSWindow::create({0, 0, 480, 360}, 3, NSBackingStoreType::Buffered, false);
   std::shared_ptr<RecorderCocoa> recorder = std::make_shared<RecorderCocoa>(
       name, [this](const std::optional<Shortcut>& shortcut) { changes.push_back(shortcut); });
-  const Shortcut commandA{kA, 0x100};
+  const Shortcut commandA{kA, cmdKey};
 };
 
 TEST_F(RecorderTest, DecidesAboutEachKey) {

@@ -8,6 +8,7 @@
 #include "KeyboardShortcuts/MenuItemShortcut.h"
 #include "KeyboardShortcuts/ObjectAssociation.h"
 #include "KeyboardShortcuts/Storage.h"
+#include "base/KeyCodes.h"
 #include "foundation/MainQueue.h"
 #include "foundation/NotificationCenter.h"
 #include "tests/unit/KeyboardShortcuts/FakeDesktop.h"
@@ -20,8 +21,8 @@ using Strings = std::vector<std::string>;
 
 const Name kFirst("first");
 const Name kSecond("second");
-const Shortcut kSpace(49, 0x100);
-const Shortcut kF5(96, 0x800);
+const Shortcut kSpace(kVK_Space, cmdKey);
+const Shortcut kF5(kVK_F5, optionKey);
 
 class RegistryTest : public ::testing::Test {
  protected:
@@ -29,7 +30,7 @@ class RegistryTest : public ::testing::Test {
     return [this, word] { said.push_back(word); };
   }
   Strings take() { return std::exchange(said, {}); }
-  void pressSpace() { desktop.press(49, 0x100); }
+  void pressSpace() { desktop.press(kVK_Space, cmdKey); }
 
   testing::FakeDesktop desktop;
   Strings said;
@@ -47,9 +48,9 @@ TEST_F(RegistryTest, RunsActionsOnPressAndRelease) {
   onKeyUp(kFirst, say("up 2"));
   onKeyDown(kFirst, say("down"));
   EXPECT_EQ(desktop.grabs.size(), 1U);
-  desktop.tell(49, 0x100, HotKeyPhase::Pressed);
+  desktop.tell(kVK_Space, cmdKey, HotKeyPhase::Pressed);
   EXPECT_EQ(take(), (Strings{"changed first", "down"}));
-  desktop.tell(49, 0x100, HotKeyPhase::Released);
+  desktop.tell(kVK_Space, cmdKey, HotKeyPhase::Released);
   EXPECT_EQ(take(), (Strings{"up 1", "up 2"}));
 
   setPaused(true);
@@ -61,12 +62,12 @@ TEST_F(RegistryTest, RunsActionsOnPressAndRelease) {
 
   setShortcut(kF5, kFirst);
   pressSpace();
-  desktop.press(96, 0x800);
+  desktop.press(kVK_F5, optionKey);
   EXPECT_EQ(take(), (Strings{"changed first", "down", "up 1", "up 2"}));
   removeAllHandlers();
   EXPECT_TRUE(desktop.grabs.empty());
   onKeyUp(kFirst, say("new"));
-  desktop.press(96, 0x800);
+  desktop.press(kVK_F5, optionKey);
   EXPECT_EQ(take(), Strings{"new"});
 }
 
@@ -130,14 +131,14 @@ TEST_F(RegistryTest, JudgesByTheStoreAtEachEvent) {
   onKeyDown(kFirst, say("down"));
   onKeyUp(kFirst, say("up"));
   take();
-  desktop.tell(49, 0x100, HotKeyPhase::Pressed);
+  desktop.tell(kVK_Space, cmdKey, HotKeyPhase::Pressed);
   UserDefaults::standard().setString(kF5.encode(), storageKey(kFirst));
-  desktop.tell(49, 0x100, HotKeyPhase::Released);
+  desktop.tell(kVK_Space, cmdKey, HotKeyPhase::Released);
   EXPECT_EQ(take(), Strings{"down"});
 }
 
 TEST_F(RegistryTest, TakesAFreedShortcutWhenEnabledAgain) {
-  desktop.takenByOthers = {{49, 0x100}};
+  desktop.takenByOthers = {{kVK_Space, cmdKey}};
   setShortcut(kSpace, kFirst);
   onKeyUp(kFirst, say("up"));
   take();
@@ -160,7 +161,7 @@ TEST_F(RegistryTest, SurvivesActionsThatChangeShortcuts) {
   take();
   pressSpace();
   EXPECT_EQ(take(), (Strings{"changed first", "last"}));
-  desktop.press(96, 0x800);
+  desktop.press(kVK_F5, optionKey);
   EXPECT_EQ(take(), Strings{"added"});
 }
 
@@ -228,9 +229,9 @@ TEST_F(RegistryTest, NumbersHotKeysAndRefusesWhatIsNotIts) {
   CarbonKeyboardShortcuts::registerShortcut(kSpace, down, up);
   pressSpace();
   EXPECT_EQ(take(), (Strings{"down", "up"}));
-  desktop.takenByOthers = {{96, 0x800}};
+  desktop.takenByOthers = {{kVK_F5, optionKey}};
   EventHotKeyRef hotKey = nullptr;
-  EXPECT_EQ(RegisterEventHotKey(96, 0x800, {}, GetEventDispatcherTarget(), 0, &hotKey), -9878);
+  EXPECT_EQ(RegisterEventHotKey(kVK_F5, optionKey, {}, GetEventDispatcherTarget(), 0, &hotKey), -9878);
 }
 
 TEST_F(RegistryTest, LetsMenuItemsFollowAName) {

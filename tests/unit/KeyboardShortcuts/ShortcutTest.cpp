@@ -5,6 +5,7 @@
 #include "KeyboardShortcuts/ModifierFlags.h"
 #include "KeyboardShortcuts/Storage.h"
 #include "appkit/NSMenu.h"
+#include "base/KeyCodes.h"
 #include "tests/unit/KeyboardShortcuts/FakeDesktop.h"
 
 namespace vistrel::KeyboardShortcuts {
@@ -35,9 +36,9 @@ TEST_F(ShortcutTest, KeepsTheFourModifiersAlone) {
 
 TEST_F(ShortcutTest, ComesFromKeyEventsAlone) {
   NSEvent::Key key{NSEventType::KeyDown, {kCommand | NSEventModifierFlags::kCapsLock}, 49};
-  EXPECT_EQ(Shortcut::fromEvent(*NSEvent::keyEvent(key)), Shortcut(49, 0x100));
+  EXPECT_EQ(Shortcut::fromEvent(*NSEvent::keyEvent(key)), Shortcut(kVK_Space, cmdKey));
   key.type = NSEventType::KeyUp;
-  EXPECT_EQ(Shortcut::fromEvent(*NSEvent::keyEvent(key)), Shortcut(49, 0x100));
+  EXPECT_EQ(Shortcut::fromEvent(*NSEvent::keyEvent(key)), Shortcut(kVK_Space, cmdKey));
   key.type = NSEventType::FlagsChanged;
   EXPECT_EQ(Shortcut::fromEvent(*NSEvent::keyEvent(key)), std::nullopt);
   EXPECT_EQ(Shortcut::fromEvent(*NSEvent::mouseEvent({})), std::nullopt);
@@ -222,23 +223,12 @@ TEST_F(ShortcutTest, FindsTheMenuItemThatHasIt) {
 }
 
 TEST_F(ShortcutTest, KnowsWhatTheDesktopTook) {
-  const auto entry = [](std::any enabled, std::any code, std::any modifiers) {
-    return std::map<std::string, std::any>{{"kHISymbolicHotKeyEnabled", std::move(enabled)},
-                                           {"kHISymbolicHotKeyCode", std::move(code)},
-                                           {"kHISymbolicHotKeyModifiers", std::move(modifiers)}};
-  };
-  using Integer = std::int64_t;
-  EXPECT_FALSE(Shortcut(49, 0x100).isTakenBySystem());
-  desktop.desktopShortcuts = {{entry(false, Integer{49}, Integer{0x100}),
-                               entry(1, Integer{49}, Integer{0x100}),
-                               entry(true, std::string("49"), Integer{0x100}),
-                               entry(true, Integer{49}, {}),
-                               {},
-                               entry(true, Integer{36}, Integer{0x500})}};
-  EXPECT_FALSE(Shortcut(49, 0x100).isTakenBySystem());
-  EXPECT_TRUE(Shortcut(36, 0x100).isTakenBySystem());
-  desktop.desktopShortcuts->push_back(entry(true, Integer{49}, Integer{0x100}));
-  EXPECT_TRUE(Shortcut(49, 0x100).isTakenBySystem());
+  EXPECT_FALSE(Shortcut(kVK_Space, cmdKey).isTakenBySystem());
+  desktop.desktopShortcuts = {{kVK_Return, cmdKey | 0x400}};
+  EXPECT_FALSE(Shortcut(kVK_Space, cmdKey).isTakenBySystem());
+  EXPECT_TRUE(Shortcut(kVK_Return, cmdKey).isTakenBySystem());
+  desktop.desktopShortcuts->push_back({kVK_Space, cmdKey});
+  EXPECT_TRUE(Shortcut(kVK_Space, cmdKey).isTakenBySystem());
 }
 
 }  // namespace
