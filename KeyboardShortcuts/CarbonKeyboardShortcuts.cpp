@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "carbon/SymbolicHotKeys.h"
+#include "foundation/ProcessState.h"
 
 namespace vistrel::CarbonKeyboardShortcuts {
 
@@ -30,10 +31,7 @@ struct State {
   EventHandlerRef eventHandler = nullptr;
 };
 
-State& state() {
-  static State value;
-  return value;
-}
+State& state() { return ProcessState<State>::shared(); }
 
 std::optional<std::uint32_t> asUnsigned32(std::int64_t value) {
   if (value < 0 || value > std::numeric_limits<std::uint32_t>::max()) return std::nullopt;
@@ -136,11 +134,6 @@ OSStatus handleHotKeyEvent(EventRef event, void* /*userData*/) {
     default:
       return eventNotHandledErr;
   }
-}
-
-void resetForNewProcess() {
-  state() = State{};
-  resetEventManagerForNewProcess();
 }
 
 }  // namespace vistrel::CarbonKeyboardShortcuts

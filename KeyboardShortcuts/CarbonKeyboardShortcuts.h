@@ -26,7 +26,4 @@ void unregisterAll();
 /// What the event manager calls; `eventNotHandledErr` for an event that is none of ours.
 OSStatus handleHotKeyEvent(EventRef event, void* userData);
 
-/// Forgets every registration, id and handler, as a new process would. For tests, which live through many.
-void resetForNewProcess();
-
 }  // namespace vistrel::CarbonKeyboardShortcuts

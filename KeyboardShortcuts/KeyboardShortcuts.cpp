@@ -8,6 +8,7 @@
 #include "KeyboardShortcuts/Storage.h"
 #include "base/Log.h"
 #include "foundation/NotificationCenter.h"
+#include "foundation/ProcessState.h"
 
 namespace vistrel::KeyboardShortcuts {
 
@@ -22,10 +23,7 @@ struct State {
   ActionTable keyUpActions;
 };
 
-State& state() {
-  static State value;
-  return value;
-}
+State& state() { return ProcessState<State>::shared(); }
 
 void runActions(const ActionTable& table, const Shortcut& shortcut) {
   if (state().isPaused) return;
@@ -120,11 +118,6 @@ void removeStoredShortcut(const Name& name) {
   writeNoShortcut(name);
   unregister(*shortcut);
   postShortcutChange(name);
-}
-
-void resetForNewProcess() {
-  state() = State{};
-  CarbonKeyboardShortcuts::resetForNewProcess();
 }
 
 }  // namespace vistrel::KeyboardShortcuts

@@ -50,7 +50,4 @@ void storeShortcut(const Shortcut& shortcut, const Name& name);
 /// Does nothing for a name without a readable stored shortcut.
 void removeStoredShortcut(const Name& name);
 
-/// Forgets all state but the store, as a new process would. For tests, which live through many.
-void resetForNewProcess();
-
 }  // namespace vistrel::KeyboardShortcuts

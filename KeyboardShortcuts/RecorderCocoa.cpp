@@ -9,6 +9,7 @@
 #include "appkit/NSMenuItem.h"
 #include "appkit/NSSound.h"
 #include "appkit/NSWindow.h"
+#include "base/KeyCodes.h"
 #include "base/Log.h"
 #include "foundation/MainQueue.h"
 
@@ -18,7 +19,6 @@ namespace {
 
 constexpr double kMinimumWidth = 130;
 constexpr double kClickMargin = 3;
-constexpr std::uint16_t kEscapeKeyCode = 53;
 constexpr CGColor kClearColor{0, 0, 0, 0};
 constexpr NSEventMask kWatchedEvents =
     maskOf(NSEventType::KeyDown) | maskOf(NSEventType::LeftMouseUp) | maskOf(NSEventType::RightMouseUp);
@@ -187,7 +187,7 @@ std::optional<RecorderCocoa::Verdict> RecorderCocoa::handlePlainKey(const NSEven
     endRecording();
     return Verdict::PassOn;
   }
-  if (event.keyCode() == kEscapeKeyCode) {
+  if (event.keyCode() == kVK_Escape) {
     endRecording();
     return Verdict::Swallow;
   }

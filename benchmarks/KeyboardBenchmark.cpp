@@ -9,7 +9,7 @@
 #include "appkit/NSMenu.h"
 #include "base/KeyCodes.h"
 #include "linux/keyboard/X11Keyboard.h"
-#include "tests/unit/KeyboardShortcuts/FakeDesktop.h"
+#include "simulated/SimulatedDesktop.h"
 #include "tests/unit/linux/PollReactor.h"
 
 namespace vistrel::bench {
@@ -18,15 +18,35 @@ namespace {
 using KeyboardShortcuts::Shortcut;
 
 constexpr int kMenuItems = 1000;
-constexpr std::int64_t kDesktopShortcuts = 300;
+constexpr std::uint32_t kDesktopShortcuts = 300;
+
+/// A simulated desktop with the layout of a real keyboard and many shortcuts of its own.
+class BusyDesktop final : public simulated::SimulatedDesktop, backend::Keyboard {
+ public:
+  explicit BusyDesktop(backend::Keyboard& real) : SimulatedDesktop(""), real_(real) {
+    for (std::uint32_t i = 0; i < kDesktopShortcuts; ++i) shortcuts_.push_back({i % 100, cmdKey});
+  }
+  backend::Keyboard& keyboard() override { return *this; }
+  std::optional<std::string> displayCharacter(std::uint16_t keyCode) override {
+    return real_.displayCharacter(keyCode);
+  }
+  std::optional<std::vector<backend::HotKeyCombination>> symbolicHotKeys() override { return shortcuts_; }
+  void beep() override {}
+  bool setKeyboardCaptured(bool) override { return false; }
+
+ private:
+  backend::Keyboard& real_;
+  std::vector<backend::HotKeyCombination> shortcuts_;
+};
 
 void releaseToAction(benchmark::State& state) {
-  vistrel::testing::FakeDesktop desktop;
+  simulated::SimulatedDesktop desktop("");
   const KeyboardShortcuts::Name name("toggle");
   KeyboardShortcuts::setShortcut(Shortcut(kVK_Space, cmdKey), name);
   int runs = 0;
   KeyboardShortcuts::onKeyUp(name, [&runs] { ++runs; });
-  for ([[maybe_unused]] auto _ : state) desktop.tell(kVK_Space, cmdKey, backend::HotKeyPhase::Released);
+  for ([[maybe_unused]] auto _ : state)
+    desktop.simulatedHotKeys.send({kVK_Space, cmdKey}, backend::HotKeyPhase::Released);
   if (runs == 0) state.SkipWithError("the action never ran");
 }
 
@@ -43,11 +63,7 @@ void conflictCheck(benchmark::State& state) {
   x11::X11Connection connection(reactor);
   keyboard::X11Keyboard keyboard(connection, nullptr);
   if (!keyboard.displayCharacter(0)) return state.SkipWithError("no keymap; give it a DISPLAY");
-  vistrel::testing::FakeDesktop desktop;
-  desktop.realKeyboard = &keyboard;
-  desktop.desktopShortcuts.emplace();
-  for (std::uint32_t i = 0; i < kDesktopShortcuts; ++i)
-    desktop.desktopShortcuts->push_back({i % 100, cmdKey});
+  const BusyDesktop busy(keyboard);
   NSMenu menu;
   for (int i = 0; i < kMenuItems; ++i) menu.addItem(std::make_shared<NSMenuItem>("item", "", "q"));
   const Shortcut shortcut(0, controlKey | optionKey);

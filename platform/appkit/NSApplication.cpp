@@ -9,13 +9,11 @@
 #include "backend/Backend.h"
 #include "foundation/MainQueue.h"
 #include "foundation/NotificationCenter.h"
+#include "foundation/ProcessState.h"
 
 namespace vistrel {
 
-NSApplication& NSApplication::shared() {
-  static NSApplication application;
-  return application;
-}
+NSApplication& NSApplication::shared() { return ProcessState<NSApplication>::shared(); }
 
 void NSApplication::reset() {
   delegate_ = nullptr;

@@ -11,6 +11,9 @@
 
 namespace vistrel {
 
+template <class State>
+class ProcessState;
+
 class NSMenu;
 class NSWindow;
 
@@ -89,11 +92,10 @@ class NSApplication final : public NSResponder, public backend::SessionClient {
   void appearanceDidChange() override;
   void terminateRequested() override;
 
-  /// Back to the state of a fresh process; for a process that changes its backend.
-  void reset();
-
  private:
+  friend class ProcessState<NSApplication>;
   NSApplication() = default;
+  void reset();
   void dispatchQueuedEvent();
 
   NSApplicationDelegate* delegate_ = nullptr;

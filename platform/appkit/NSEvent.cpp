@@ -1,4 +1,5 @@
 #include "appkit/NSEvent.h"
+#include "base/KeyCodes.h"
 
 #include <algorithm>
 #include <array>
@@ -34,10 +35,6 @@ std::vector<std::shared_ptr<NSEvent::Monitor>>& monitors() {
 // Virtual key codes of F1 to F20, in order.
 constexpr std::array<std::uint16_t, 20> kFunctionKeyCodes = {122, 120, 99,  118, 96,  97,  98, 100, 101, 109,
                                                              103, 111, 105, 107, 113, 106, 64, 79,  80,  90};
-constexpr std::uint16_t kReturnKeyCode = 36;
-constexpr std::uint16_t kTabKeyCode = 48;
-constexpr std::uint16_t kDeleteKeyCode = 51;
-constexpr std::uint16_t kDeleteForwardKeyCode = 117;
 
 }  // namespace
 
@@ -59,13 +56,13 @@ std::shared_ptr<NSEvent> NSEvent::keyEvent(const Key& key, NSWindow* window) {
 std::optional<NSSpecialKey> NSEvent::specialKey() const {
   if (!isKeyEvent()) return std::nullopt;
   switch (keyCode_) {
-    case kReturnKeyCode:
+    case kVK_Return:
       return NSSpecialKey::CarriageReturn;
-    case kTabKeyCode:
+    case kVK_Tab:
       return NSSpecialKey::Tab;
-    case kDeleteKeyCode:
+    case kVK_Delete:
       return NSSpecialKey::Delete;
-    case kDeleteForwardKeyCode:
+    case kVK_ForwardDelete:
       return NSSpecialKey::DeleteForward;
     default:
       break;

@@ -3,13 +3,11 @@
 #include <utility>
 
 #include "appkit/NSWindow.h"
+#include "base/KeyCodes.h"
 
 namespace vistrel {
 
-namespace {
-constexpr std::uint16_t kSpaceKeyCode = 49;
-constexpr std::uint16_t kDownArrowKeyCode = 125;
-}  // namespace
+namespace {}  // namespace
 
 NSPopUpButton::NSPopUpButton() : NSButton(std::make_unique<NSPopUpButtonCell>()) {}
 
@@ -29,7 +27,7 @@ void NSPopUpButton::keyDown(const NSEvent& event) {
 }
 
 bool NSPopUpButton::takesKey(std::uint16_t keyCode) const {
-  return keyCode == kSpaceKeyCode || keyCode == kDownArrowKeyCode;
+  return keyCode == kVK_Space || keyCode == kVK_DownArrow;
 }
 
 void NSPopUpButton::performClick(NSObject* /*sender*/) {

@@ -7,6 +7,7 @@
 #include "appkit/NSMenu.h"
 #include "appkit/NSStatusItem.h"
 #include "backend/Backend.h"
+#include "foundation/ProcessState.h"
 
 namespace vistrel {
 
@@ -55,10 +56,7 @@ class NSStatusBar::PressWatch final : public backend::OutsidePressClient {
 
 NSStatusBar::NSStatusBar() = default;
 
-NSStatusBar& NSStatusBar::system() {
-  static NSStatusBar bar;
-  return bar;
-}
+NSStatusBar& NSStatusBar::system() { return ProcessState<NSStatusBar>::shared(); }
 
 void NSStatusBar::reset() {
   item_ = nullptr;

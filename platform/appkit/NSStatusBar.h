@@ -8,6 +8,9 @@
 
 namespace vistrel {
 
+template <class State>
+class ProcessState;
+
 class NSMenu;
 class NSStatusItem;
 
@@ -42,12 +45,11 @@ class NSStatusBar final : public backend::StatusAreaClient {
   /// Shows the item's attached menu.
   void openMenu(const NSStatusItem& item);
 
-  /// Back to the state of a fresh process; for a process that changes its backend.
-  void reset();
-
  private:
+  friend class ProcessState<NSStatusBar>;
   class PressWatch;
   NSStatusBar();
+  void reset();
   void send(const std::shared_ptr<NSEvent>& press);
   void endShowing();
   [[nodiscard]] bool isPresent(const NSStatusItem& item) const { return item_ == &item; }

@@ -1,12 +1,11 @@
 #include "appkit/PopoverWindow.h"
 
 #include "appkit/NSPopover.h"
+#include "base/KeyCodes.h"
 
 namespace vistrel {
 
-namespace {
-constexpr std::uint16_t kEscapeKeyCode = 53;
-}
+namespace {}
 
 PopoverWindow::PopoverWindow(NSPopover& popover, const Rect& contentRect)
     : NSWindow(NSWindowKind::Popover, contentRect, static_cast<unsigned>(NSWindowStyleMask::Borderless)),
@@ -21,7 +20,7 @@ void PopoverWindow::dragDidBegin() {
 }
 
 bool PopoverWindow::sendEvent(const NSEvent& event) {
-  const bool isEscape = event.type() == NSEventType::KeyDown && event.keyCode() == kEscapeKeyCode;
+  const bool isEscape = event.type() == NSEventType::KeyDown && event.keyCode() == kVK_Escape;
   if (!isEscape) return NSWindow::sendEvent(event);
   if (popover_ && !popover_->isDetached()) popover_->performClose(this);
   return true;

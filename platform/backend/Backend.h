@@ -28,8 +28,13 @@ class Backend {
   virtual Cameras& cameras() = 0;
 };
 
-/// Makes `backend` the backend of the process; null takes it away. The caller keeps it alive.
+/// Makes `backend` the backend of the process; null takes it away. The caller keeps it alive. What the
+/// process knows of the one before is forgotten first, while that one is still there.
 void install(Backend* backend);
+
+/// Has `forget` called each time before the backend is replaced or taken away, the latest one first. For the
+/// state of which a program has one; see foundation/ProcessState.h.
+void beforeReplacement(void (*forget)());
 
 /// The installed backend. Stops the program when there is none.
 [[nodiscard]] Backend& current();

@@ -8,6 +8,7 @@
 
 #include "backend/Backend.h"
 #include "base/Log.h"
+#include "foundation/ProcessState.h"
 
 namespace vistrel {
 
@@ -62,10 +63,7 @@ struct EventManager {
   backend::HotKeys* heard = nullptr;
 };
 
-EventManager& manager() {
-  static EventManager value;
-  return value;
-}
+EventManager& manager() { return ProcessState<EventManager>::shared(); }
 
 void hotKeyChanged(std::uint32_t token, backend::HotKeyPhase phase) {
   const auto& hotKeys = manager().hotKeys;
@@ -130,7 +128,5 @@ OSStatus UnregisterEventHotKey(EventHotKeyRef hotKey) {
   hotKeys.erase(found);
   return noErr;
 }
-
-void resetEventManagerForNewProcess() { manager() = EventManager{}; }
 
 }  // namespace vistrel

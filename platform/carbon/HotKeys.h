@@ -66,7 +66,4 @@ OSStatus RegisterEventHotKey(std::uint32_t keyCode, std::uint32_t modifiers, Eve
 /// `eventHotKeyInvalidErr` for a hot key that is not in force.
 OSStatus UnregisterEventHotKey(EventHotKeyRef hotKey);
 
-/// Forgets every hot key and handler, as a new process would. For tests, which live through many.
-void resetEventManagerForNewProcess();
-
 }  // namespace vistrel

@@ -6,6 +6,7 @@
 #include "backend/Backend.h"
 #include "base/Json.h"
 #include "base/Log.h"
+#include "foundation/ProcessState.h"
 
 namespace vistrel {
 
@@ -54,10 +55,7 @@ std::string decimalText(double value) {
 
 }  // namespace
 
-UserDefaults& UserDefaults::standard() {
-  static UserDefaults store;
-  return store;
-}
+UserDefaults& UserDefaults::standard() { return ProcessState<UserDefaults>::shared(); }
 
 void UserDefaults::registerDefaults(const std::map<std::string, Value>& values) {
   for (const auto& [key, value] : values) registered_.insert_or_assign(key, value);

@@ -9,6 +9,9 @@
 
 namespace vistrel {
 
+template <class State>
+class ProcessState;
+
 /// The user's preferences: typed values under text keys, kept in one file. Reads never fail: a missing key,
 /// or a value that says nothing about what is asked for, reads as 0, false or nothing. Nothing is lost that
 /// another process writes meanwhile: a write changes its own key only. Main thread only.
@@ -35,11 +38,10 @@ class UserDefaults {
   void setString(std::string value, const std::string& key) { setObject(std::move(value), key); }
   void setObject(Value value, const std::string& key);
 
-  /// Forgets what was read and registered, so that the next use reads the file of the present backend.
-  void reset();
-
  private:
+  friend class ProcessState<UserDefaults>;
   UserDefaults() = default;
+  void reset();
   [[nodiscard]] std::optional<Value> find(const std::string& key) const;
   void load() const;
   void setAside(const std::string& unreadable) const;

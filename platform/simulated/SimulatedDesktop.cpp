@@ -4,34 +4,20 @@
 
 #include "appkit/NSApplication.h"
 #include "appkit/NSMenu.h"
-#include "appkit/NSStatusBar.h"
 #include "appkit/NSWindow.h"
 #include "base/Log.h"
-#include "foundation/UserDefaults.h"
 
 namespace vistrel::simulated {
 
-namespace {
-
-void forgetEarlierProcess() {
-  UserDefaults::standard().reset();
-  NSApplication::shared().reset();
-  NSStatusBar::system().reset();
-}
-
-}  // namespace
-
 SimulatedDesktop::SimulatedDesktop(const std::string& resourceDirectory) : resourceFolder(resourceDirectory) {
   backend::install(this);
-  forgetEarlierProcess();
   Log::setSink([this](std::string_view line) { log_.emplace_back(line); });
 }
 
 SimulatedDesktop::~SimulatedDesktop() {
-  forgetEarlierProcess();
   loop.dropQueued();
-  Log::setSink(nullptr);
   backend::install(nullptr);
+  Log::setSink(nullptr);
 }
 
 void SimulatedDesktop::start() {

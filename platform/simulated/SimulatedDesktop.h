@@ -14,7 +14,7 @@ namespace vistrel::simulated {
 
 /// A desktop without a screen that a test drives in a few words and that tells what is on it. Installs itself
 /// as the backend of the process and collects its log lines. One at a time.
-class SimulatedDesktop final : public backend::Backend {
+class SimulatedDesktop : public backend::Backend {
  public:
   explicit SimulatedDesktop(const std::string& resourceDirectory);
   SimulatedDesktop(const SimulatedDesktop&) = delete;

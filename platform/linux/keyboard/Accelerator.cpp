@@ -1,5 +1,7 @@
 #include "linux/keyboard/Accelerator.h"
 
+#include <linux/input-event-codes.h>
+
 #include <algorithm>
 #include <span>
 #include <string>
@@ -25,7 +27,7 @@ constexpr Modifier kQtModifiers[] = {
 
 // GNOME's name for the key left of the digits, whatever the layout prints there.
 constexpr const char* kAboveTab = "above_tab";
-constexpr std::uint16_t kPlaceAboveTab = 41;
+constexpr std::uint16_t kPlaceAboveTab = KEY_GRAVE;
 
 struct KeyName {
   const char* name;

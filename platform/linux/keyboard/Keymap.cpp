@@ -1,5 +1,6 @@
 #include "linux/keyboard/Keymap.h"
 
+#include <linux/input-event-codes.h>
 #include <xkbcommon/xkbcommon-x11.h>
 
 #include <array>
@@ -23,11 +24,13 @@ struct Range {
 };
 /// The rows of letters on the keyboard, by Linux event codes, with their neighbours: some layouts put a
 /// letter there.
-constexpr std::array<Range, 3> kLetterRows = {{{16, 27}, {30, 40}, {44, 53}}};
+constexpr std::array<Range, 3> kLetterRows = {
+    {{KEY_Q, KEY_RIGHTBRACE}, {KEY_A, KEY_APOSTROPHE}, {KEY_Z, KEY_SLASH}}};
 
 constexpr bool isOnKeypad(std::uint16_t evdevCode) {
-  return evdevCode == 55 || evdevCode == 69 || (evdevCode >= 71 && evdevCode <= 83) || evdevCode == 96 ||
-         evdevCode == 98 || evdevCode == 117;
+  return evdevCode == KEY_KPASTERISK || evdevCode == KEY_NUMLOCK ||
+         (evdevCode >= KEY_KP7 && evdevCode <= KEY_KPDOT) || evdevCode == KEY_KPENTER ||
+         evdevCode == KEY_KPSLASH || evdevCode == KEY_KPEQUAL;
 }
 
 }  // namespace

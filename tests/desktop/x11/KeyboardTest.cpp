@@ -4,8 +4,8 @@
 
 #include "KeyboardShortcuts/CarbonKeyboardShortcuts.h"
 #include "linux/keyboard/SessionBus.h"
+#include "tests/desktop/x11/DesktopWithKeyboard.h"
 #include "tests/desktop/x11/ServerFixture.h"
-#include "tests/unit/KeyboardShortcuts/FakeDesktop.h"
 
 namespace vistrel::x11 {
 namespace {
@@ -18,7 +18,7 @@ class KeyboardTest : public ServerTest {
  protected:
   KeyboardTest() { desktop.realKeyboard = &keyboard; }
 
-  testing::FakeDesktop desktop;
+  simulated::DesktopWithKeyboard desktop;
 };
 
 TEST_F(KeyboardTest, ShowsWhatTheLatinLayoutPrints) {

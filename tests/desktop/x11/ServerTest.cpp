@@ -6,8 +6,8 @@
 #include "KeyboardShortcuts/KeyboardShortcuts.h"
 #include "base/KeyCodes.h"
 #include "linux/x11/RawPresses.h"
+#include "tests/desktop/x11/DesktopWithKeyboard.h"
 #include "tests/desktop/x11/ServerFixture.h"
-#include "tests/unit/KeyboardShortcuts/FakeDesktop.h"
 
 namespace vistrel::x11 {
 namespace {
@@ -128,7 +128,7 @@ TEST_F(ServerTest, KeepsATimerOnlyWhileAKeyIsHeld) {
 TEST_F(ServerTest, TakesAFreedShortcutWhenItsNameIsEnabledAgain) {
   using namespace KeyboardShortcuts;
   ASSERT_TRUE(user.grabKey(kVK_F5, XCB_MOD_MASK_CONTROL));
-  testing::FakeDesktop desktop;
+  simulated::DesktopWithKeyboard desktop;
   desktop.realHotKeys = &grabs;
   const Name name("ours");
   const Name fence("fence");

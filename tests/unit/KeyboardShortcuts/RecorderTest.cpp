@@ -20,21 +20,13 @@ namespace {
 
 using Flags = NSEventModifierFlags;
 
-constexpr std::uint16_t kA = 0;
-constexpr std::uint16_t kSpace = 49;
-constexpr std::uint16_t kTab = 48;
-constexpr std::uint16_t kEscape = 53;
-constexpr std::uint16_t kBackspace = 51;
-constexpr std::uint16_t kDeleteForward = 117;
-constexpr std::uint16_t kF5 = 96;
 constexpr const char* kIdle = "Record Shortcut";
 constexpr const char* kListening = "Press Shortcut";
 
 class RecorderTest : public ::testing::Test {
  protected:
   RecorderTest() {
-    resetForNewProcess();
-    desktop.keys.layout[kA] = "a";
+    desktop.keys.layout[kVK_ANSI_A] = "a";
     window->setContentView(content);
     recorder->setLayout(layoutAt({100, 50, 130, 22}));
     content->addSubview(recorder);
@@ -80,7 +72,7 @@ class RecorderTest : public ::testing::Test {
       NSWindow::create({0, 0, 480, 360}, 3, NSBackingStoreType::Buffered, false);
   std::shared_ptr<RecorderCocoa> recorder = std::make_shared<RecorderCocoa>(
       name, [this](const std::optional<Shortcut>& shortcut) { changes.push_back(shortcut); });
-  const Shortcut commandA{kA, cmdKey};
+  const Shortcut commandA{kVK_ANSI_A, cmdKey};
 };
 
 TEST_F(RecorderTest, DecidesAboutEachKey) {
@@ -94,19 +86,19 @@ TEST_F(RecorderTest, DecidesAboutEachKey) {
     int beeps;
   };
   const Case cases[] = {
-      {"a letter alone", 0, "⌘A", kA, true, true, 1},
+      {"a letter alone", 0, "⌘A", kVK_ANSI_A, true, true, 1},
       {"a letter with lock, keypad and function flags",
-       Flags::kCapsLock | Flags::kNumericPad | Flags::kFunction, "⌘A", kA, true, true, 1},
-      {"a function key alone", Flags::kFunction, "F5", kF5, true, false, 0},
-      {"a letter with a modifier", Flags::kControl | Flags::kCapsLock, "⌃A", kA, true, false, 0},
-      {"three keys", Flags::kControl | Flags::kOption, "⌃⌥⎵", kSpace, true, false, 0},
-      {"Tab alone", 0, "⌘A", kTab, false, false, 0},
-      {"Shift and Tab", Flags::kShift, "⇧⇥", kTab, true, false, 0},
-      {"Escape alone", 0, "⌘A", kEscape, true, false, 0},
-      {"Escape with a modifier", Flags::kCommand, "⌘⎋", kEscape, true, false, 0},
-      {"Backspace", 0, "", kBackspace, true, true, 0},
-      {"Delete", Flags::kFunction, "", kDeleteForward, true, true, 0},
-      {"Delete with a modifier", Flags::kOption, "⌥⌦", kDeleteForward, true, false, 0},
+       Flags::kCapsLock | Flags::kNumericPad | Flags::kFunction, "⌘A", kVK_ANSI_A, true, true, 1},
+      {"a function key alone", Flags::kFunction, "F5", kVK_F5, true, false, 0},
+      {"a letter with a modifier", Flags::kControl | Flags::kCapsLock, "⌃A", kVK_ANSI_A, true, false, 0},
+      {"three keys", Flags::kControl | Flags::kOption, "⌃⌥⎵", kVK_Space, true, false, 0},
+      {"Tab alone", 0, "⌘A", kVK_Tab, false, false, 0},
+      {"Shift and Tab", Flags::kShift, "⇧⇥", kVK_Tab, true, false, 0},
+      {"Escape alone", 0, "⌘A", kVK_Escape, true, false, 0},
+      {"Escape with a modifier", Flags::kCommand, "⌘⎋", kVK_Escape, true, false, 0},
+      {"Backspace", 0, "", kVK_Delete, true, true, 0},
+      {"Delete", Flags::kFunction, "", kVK_ForwardDelete, true, true, 0},
+      {"Delete with a modifier", Flags::kOption, "⌥⌦", kVK_ForwardDelete, true, false, 0},
       {"a key without a place", 0, "⌘A", NSEvent::kNoKeyCode, true, true, 1},
       {"the same with a modifier", Flags::kControl, "⌘A", NSEvent::kNoKeyCode, true, true, 1},
   };
@@ -127,9 +119,9 @@ TEST_F(RecorderTest, DecidesAboutEachKey) {
 
 TEST_F(RecorderTest, TellsOfEachRecordingAndEachClear) {
   record();
-  press(kDeleteForward);
+  press(kVK_ForwardDelete);
   EXPECT_TRUE(changes.empty()) << "nothing is shown, so there is nothing to clear";
-  press(kA, Flags::kCommand);
+  press(kVK_ANSI_A, Flags::kCommand);
   recorder->userChangedText("");
   expectRecording(true, "the clear button was clicked while idle");
   EXPECT_EQ(changes, (std::vector<std::optional<Shortcut>>{commandA, std::nullopt}));
@@ -178,11 +170,11 @@ TEST_F(RecorderTest, RefusesWhatTheMenuOrTheSystemUses) {
   };
   record();
   desktop.loop.onceModal(answer);
-  EXPECT_TRUE(press(kA, Flags::kCommand));
+  EXPECT_TRUE(press(kVK_ANSI_A, Flags::kCommand));
   expectRecording(true, "after the menu's alert");
   NSApplication::shared().setMainMenu(nullptr);
   desktop.loop.onceModal(answer);
-  press(kA, Flags::kCommand);
+  press(kVK_ANSI_A, Flags::kCommand);
   expectRecording(true, "after the system's alert");
   ASSERT_EQ(titles.size(), 2U);
   EXPECT_NE(titles[0].find("“Find 100%…”"), std::string::npos) << titles[0];
@@ -201,7 +193,8 @@ TEST_F(RecorderTest, WaitsForItsOwnAlert) {
   auto& alerts = desktop.windowSystem.alerts;
   desktop.loop.onceModal([&] {
     other->makeFirstResponder(second.get());
-    other->handleEvent(NSEvent::keyEvent({.modifierFlags = {Flags::kCommand}, .keyCode = kA}, other.get()));
+    other->handleEvent(
+        NSEvent::keyEvent({.modifierFlags = {Flags::kCommand}, .keyCode = kVK_ANSI_A}, other.get()));
     EXPECT_TRUE(second->isRecording());
     EXPECT_FALSE(recorder->isRecording()) << "its loop is around this one";
   });
@@ -212,7 +205,7 @@ TEST_F(RecorderTest, WaitsForItsOwnAlert) {
     alerts[1]->respond(NSModalResponse::FirstButton);
   });
   record();
-  press(kA, Flags::kCommand);
+  press(kVK_ANSI_A, Flags::kCommand);
   EXPECT_TRUE(recorder->isRecording());
   EXPECT_FALSE(NSApplication::shared().isModal());
 }
@@ -226,7 +219,7 @@ TEST_F(RecorderTest, LeavesNothingSwitchedOnHoweverItEnds) {
   takeBySystem(commandA);
   record();
   desktop.loop.onceModal([&] { window->close(); });
-  press(kA, Flags::kCommand);
+  press(kVK_ANSI_A, Flags::kCommand);
   expectRecording(false, "the window closed under its alert");
   window->makeKeyAndOrderFront(nullptr);
 
@@ -255,7 +248,7 @@ TEST_F(RecorderTest, ShowsTheShortcutOfItsName) {
   setShortcut(commandA, name);
   EXPECT_EQ(recorder->stringValue(), "⌘A");
   record();
-  recorder->setShortcutName(Name(name.rawValue(), Shortcut(kF5)));
+  recorder->setShortcutName(Name(name.rawValue(), Shortcut(kVK_F5)));
   desktop.loop.settle();
   expectRecording(true, "a name of equal raw value");
   recorder->setShortcutName(Name("unknown"));

@@ -11,7 +11,8 @@
 #include "base/KeyCodes.h"
 #include "foundation/MainQueue.h"
 #include "foundation/NotificationCenter.h"
-#include "tests/unit/KeyboardShortcuts/FakeDesktop.h"
+#include "foundation/UserDefaults.h"
+#include "simulated/SimulatedDesktop.h"
 
 namespace vistrel::KeyboardShortcuts {
 namespace {
@@ -30,9 +31,9 @@ class RegistryTest : public ::testing::Test {
     return [this, word] { said.push_back(word); };
   }
   Strings take() { return std::exchange(said, {}); }
-  void pressSpace() { desktop.press(kVK_Space, cmdKey); }
+  void pressSpace() { desktop.simulatedHotKeys.press({kVK_Space, cmdKey}); }
 
-  testing::FakeDesktop desktop;
+  simulated::SimulatedDesktop desktop{""};
   Strings said;
   ObservationToken observation = NotificationCenter::defaultCenter().addObserver(
       "KeyboardShortcuts_shortcutByNameDidChange", nullptr, [this](const Notification& notification) {
@@ -43,14 +44,14 @@ class RegistryTest : public ::testing::Test {
 
 TEST_F(RegistryTest, RunsActionsOnPressAndRelease) {
   onKeyUp(kFirst, say("up 1"));
-  EXPECT_TRUE(desktop.grabs.empty());
+  EXPECT_TRUE(desktop.simulatedHotKeys.grabs.empty());
   setShortcut(kSpace, kFirst);
   onKeyUp(kFirst, say("up 2"));
   onKeyDown(kFirst, say("down"));
-  EXPECT_EQ(desktop.grabs.size(), 1U);
-  desktop.tell(kVK_Space, cmdKey, HotKeyPhase::Pressed);
+  EXPECT_EQ(desktop.simulatedHotKeys.grabs.size(), 1U);
+  desktop.simulatedHotKeys.send({kVK_Space, cmdKey}, HotKeyPhase::Pressed);
   EXPECT_EQ(take(), (Strings{"changed first", "down"}));
-  desktop.tell(kVK_Space, cmdKey, HotKeyPhase::Released);
+  desktop.simulatedHotKeys.send({kVK_Space, cmdKey}, HotKeyPhase::Released);
   EXPECT_EQ(take(), (Strings{"up 1", "up 2"}));
 
   setPaused(true);
@@ -62,12 +63,12 @@ TEST_F(RegistryTest, RunsActionsOnPressAndRelease) {
 
   setShortcut(kF5, kFirst);
   pressSpace();
-  desktop.press(kVK_F5, optionKey);
+  desktop.simulatedHotKeys.press({kVK_F5, optionKey});
   EXPECT_EQ(take(), (Strings{"changed first", "down", "up 1", "up 2"}));
   removeAllHandlers();
-  EXPECT_TRUE(desktop.grabs.empty());
+  EXPECT_TRUE(desktop.simulatedHotKeys.grabs.empty());
   onKeyUp(kFirst, say("new"));
-  desktop.press(kVK_F5, optionKey);
+  desktop.simulatedHotKeys.press({kVK_F5, optionKey});
   EXPECT_EQ(take(), Strings{"new"});
 }
 
@@ -76,7 +77,7 @@ TEST_F(RegistryTest, SharesAHotKeyBetweenNames) {
   setShortcut(kSpace, kSecond);
   onKeyUp(kFirst, say("first"));
   onKeyUp(kSecond, say("second"));
-  EXPECT_EQ(desktop.grabs.size(), 1U);
+  EXPECT_EQ(desktop.simulatedHotKeys.grabs.size(), 1U);
   take();
   pressSpace();
   EXPECT_EQ(said.size(), 2U);
@@ -85,17 +86,17 @@ TEST_F(RegistryTest, SharesAHotKeyBetweenNames) {
   setShortcut(std::nullopt, kFirst);
   EXPECT_EQ(take(), Strings{"changed first"});
   EXPECT_EQ(getShortcut(kSecond), kSpace);
-  EXPECT_TRUE(desktop.grabs.empty());
+  EXPECT_TRUE(desktop.simulatedHotKeys.grabs.empty());
   enable(kSecond);
   pressSpace();
   EXPECT_EQ(take(), Strings{"second"});
   disable(kSecond);
-  EXPECT_TRUE(desktop.grabs.empty());
+  EXPECT_TRUE(desktop.simulatedHotKeys.grabs.empty());
   EXPECT_EQ(getShortcut(kSecond), kSpace);
 
   setShortcut(kSpace, kFirst);
   setShortcut(kF5, kFirst);
-  EXPECT_EQ(desktop.grabs.size(), 1U);
+  EXPECT_EQ(desktop.simulatedHotKeys.grabs.size(), 1U);
   take();
   pressSpace();
   EXPECT_EQ(take(), Strings{});
@@ -117,7 +118,7 @@ TEST_F(RegistryTest, RemovesAndResets) {
   EXPECT_EQ(take(), (Strings{"changed first", "changed third", "changed first", "changed third"}));
   EXPECT_EQ(getShortcut(kFirst), std::nullopt);
   EXPECT_EQ(UserDefaults::standard().objectForKey(storageKey(kFirst)), UserDefaults::Value(false));
-  EXPECT_EQ(desktop.grabs.size(), 1U);
+  EXPECT_EQ(desktop.simulatedHotKeys.grabs.size(), 1U);
 
   const Name again("first", kF5);
   EXPECT_EQ(again, kFirst);
@@ -131,21 +132,21 @@ TEST_F(RegistryTest, JudgesByTheStoreAtEachEvent) {
   onKeyDown(kFirst, say("down"));
   onKeyUp(kFirst, say("up"));
   take();
-  desktop.tell(kVK_Space, cmdKey, HotKeyPhase::Pressed);
+  desktop.simulatedHotKeys.send({kVK_Space, cmdKey}, HotKeyPhase::Pressed);
   UserDefaults::standard().setString(kF5.encode(), storageKey(kFirst));
-  desktop.tell(kVK_Space, cmdKey, HotKeyPhase::Released);
+  desktop.simulatedHotKeys.send({kVK_Space, cmdKey}, HotKeyPhase::Released);
   EXPECT_EQ(take(), Strings{"down"});
 }
 
 TEST_F(RegistryTest, TakesAFreedShortcutWhenEnabledAgain) {
-  desktop.takenByOthers = {{kVK_Space, cmdKey}};
+  desktop.simulatedHotKeys.taken = {{kVK_Space, cmdKey}};
   setShortcut(kSpace, kFirst);
   onKeyUp(kFirst, say("up"));
   take();
-  EXPECT_TRUE(desktop.grabs.empty());
-  desktop.takenByOthers.clear();
+  EXPECT_TRUE(desktop.simulatedHotKeys.grabs.empty());
+  desktop.simulatedHotKeys.taken.clear();
   enable(kFirst);
-  EXPECT_TRUE(desktop.grabs.empty());
+  EXPECT_TRUE(desktop.simulatedHotKeys.grabs.empty());
   disable(kFirst);
   enable(kFirst);
   pressSpace();
@@ -161,7 +162,7 @@ TEST_F(RegistryTest, SurvivesActionsThatChangeShortcuts) {
   take();
   pressSpace();
   EXPECT_EQ(take(), (Strings{"changed first", "last"}));
-  desktop.press(kVK_F5, optionKey);
+  desktop.simulatedHotKeys.press({kVK_F5, optionKey});
   EXPECT_EQ(take(), Strings{"added"});
 }
 
@@ -188,7 +189,7 @@ TEST_F(RegistryTest, LeavesNumbersThatNoKeyHas) {
     onKeyUp(kFirst, say("up"));
     disable(kFirst);
     enable(kFirst);
-    EXPECT_TRUE(desktop.grabs.empty()) << stored;
+    EXPECT_TRUE(desktop.simulatedHotKeys.grabs.empty()) << stored;
     const Name again("first", kF5);
     EXPECT_EQ(UserDefaults::standard().stringForKey(storageKey(kFirst)), stored);
     setShortcut(std::nullopt, kFirst);
@@ -203,7 +204,7 @@ TEST_F(RegistryTest, NumbersHotKeysAndRefusesWhatIsNotIts) {
   CarbonKeyboardShortcuts::registerShortcut(Shortcut(-1), down, up);
   CarbonKeyboardShortcuts::registerShortcut(kSpace, down, up);
   CarbonKeyboardShortcuts::registerShortcut(kSpace, down, up);
-  EXPECT_EQ(desktop.grabs.size(), 2U);
+  EXPECT_EQ(desktop.simulatedHotKeys.grabs.size(), 2U);
 
   constexpr OSType kOurs = 0x5A554D4F;  // "ZUMO"
   struct {
@@ -225,17 +226,17 @@ TEST_F(RegistryTest, NumbersHotKeysAndRefusesWhatIsNotIts) {
   EXPECT_EQ(CarbonKeyboardShortcuts::handleHotKeyEvent(nullptr, nullptr), -9874);
 
   CarbonKeyboardShortcuts::unregister(kSpace);
-  EXPECT_TRUE(desktop.grabs.empty());
+  EXPECT_TRUE(desktop.simulatedHotKeys.grabs.empty());
   CarbonKeyboardShortcuts::registerShortcut(kSpace, down, up);
   pressSpace();
   EXPECT_EQ(take(), (Strings{"down", "up"}));
-  desktop.takenByOthers = {{kVK_F5, optionKey}};
+  desktop.simulatedHotKeys.taken = {{kVK_F5, optionKey}};
   EventHotKeyRef hotKey = nullptr;
   EXPECT_EQ(RegisterEventHotKey(kVK_F5, optionKey, {}, GetEventDispatcherTarget(), 0, &hotKey), -9878);
 }
 
 TEST_F(RegistryTest, LetsMenuItemsFollowAName) {
-  desktop.characters = {{kVK_ANSI_A, "a"}};
+  desktop.keys.layout = {{kVK_ANSI_A, "a"}};
   const auto item = std::make_shared<NSMenuItem>("Toggle");
   const auto shows = [&](const std::string& key, std::uint64_t mask) {
     EXPECT_EQ(item->keyEquivalent(), key);
@@ -259,7 +260,7 @@ TEST_F(RegistryTest, LetsMenuItemsFollowAName) {
 
   DispatchQueue::performAs("com.apple.xpc.activity.x", [&] { setShortcutFor(item, kSecond); });
   shows("", 0);
-  desktop.turn();
+  desktop.loop.settle();
   shows(" ", NSEventModifierFlags::kCommand);
 }
 

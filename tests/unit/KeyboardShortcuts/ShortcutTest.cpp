@@ -6,7 +6,8 @@
 #include "KeyboardShortcuts/Storage.h"
 #include "appkit/NSMenu.h"
 #include "base/KeyCodes.h"
-#include "tests/unit/KeyboardShortcuts/FakeDesktop.h"
+#include "foundation/UserDefaults.h"
+#include "simulated/SimulatedDesktop.h"
 
 namespace vistrel::KeyboardShortcuts {
 namespace {
@@ -17,7 +18,7 @@ const Name kName("test");
 
 class ShortcutTest : public ::testing::Test {
  protected:
-  testing::FakeDesktop desktop;
+  simulated::SimulatedDesktop desktop{""};
 };
 
 TEST_F(ShortcutTest, KeepsTheFourModifiersAlone) {
@@ -145,7 +146,7 @@ TEST_F(ShortcutTest, ReadsWhatIsStored) {
 }
 
 TEST_F(ShortcutTest, ShowsTheKey) {
-  desktop.characters = {{kVK_ANSI_A, "a"}, {kVK_ANSI_S, "ß"}, {kVK_ANSI_Equal, "^"}, {kVK_Space, "x"}};
+  desktop.keys.layout = {{kVK_ANSI_A, "a"}, {kVK_ANSI_S, "ß"}, {kVK_ANSI_Equal, "^"}, {kVK_Space, "x"}};
   struct {
     Shortcut shortcut;
     std::string shown;
@@ -182,7 +183,7 @@ TEST_F(ShortcutTest, ShowsTheKey) {
     EXPECT_EQ(row.shortcut.description(), row.shown);
     EXPECT_EQ(row.shortcut.keyEquivalentText(), row.menu) << row.shown;
   }
-  desktop.hasKeymap = false;
+  desktop.keys.hasLayout = false;
   EXPECT_EQ(Shortcut(Key::a, {kCommand}).description(), "⌘\uFFFD");
   EXPECT_EQ(Shortcut(Key::a).keyEquivalentText(), "");
   EXPECT_EQ(Shortcut(Key::f1).keyEquivalentText(), "\uF704");
@@ -196,7 +197,7 @@ std::shared_ptr<NSMenuItem> addItem(NSMenu& menu, const std::string& key, std::u
 }
 
 TEST_F(ShortcutTest, FindsTheMenuItemThatHasIt) {
-  desktop.characters = {{kVK_ANSI_Q, "q"}, {kVK_ANSI_W, "w"}, {kVK_ANSI_E, "e\u0301"}};
+  desktop.keys.layout = {{kVK_ANSI_Q, "q"}, {kVK_ANSI_W, "w"}, {kVK_ANSI_E, "e\u0301"}};
   NSMenu menu;
   addItem(menu, "Q", kCommand);
   addItem(menu, "q", kCommand | NSEventModifierFlags::kFunction);
@@ -218,16 +219,16 @@ TEST_F(ShortcutTest, FindsTheMenuItemThatHasIt) {
   EXPECT_EQ(Shortcut(Key::e, {kCommand}).matchingMenuItem(menu), deeper);
   EXPECT_EQ(Shortcut(Key::escape).matchingMenuItem(menu), escape);
   EXPECT_EQ(Shortcut(Key::f1).matchingMenuItem(menu), nullptr);
-  desktop.hasKeymap = false;
+  desktop.keys.hasLayout = false;
   EXPECT_EQ(Shortcut(Key::q, {kCommand}).matchingMenuItem(menu), nullptr);
 }
 
 TEST_F(ShortcutTest, KnowsWhatTheDesktopTook) {
   EXPECT_FALSE(Shortcut(kVK_Space, cmdKey).isTakenBySystem());
-  desktop.desktopShortcuts = {{kVK_Return, cmdKey | 0x400}};
+  desktop.keys.symbolic = {{kVK_Return, cmdKey | 0x400}};
   EXPECT_FALSE(Shortcut(kVK_Space, cmdKey).isTakenBySystem());
   EXPECT_TRUE(Shortcut(kVK_Return, cmdKey).isTakenBySystem());
-  desktop.desktopShortcuts->push_back({kVK_Space, cmdKey});
+  desktop.keys.symbolic->push_back({kVK_Space, cmdKey});
   EXPECT_TRUE(Shortcut(kVK_Space, cmdKey).isTakenBySystem());
 }
 

@@ -8,6 +8,7 @@
 #include "app/ShortcutNames.h"
 #include "appkit/NSAlert.h"
 #include "appkit/NSWindow.h"
+#include "base/KeyCodes.h"
 #include "tests/unit/app/Program.h"
 
 namespace vistrel {
@@ -19,7 +20,6 @@ using Lines = std::vector<std::string>;
 constexpr std::uint64_t kShift = NSEventModifierFlags::kShift;
 constexpr std::uint64_t kCommand = NSEventModifierFlags::kCommand;
 constexpr std::uint64_t kControl = NSEventModifierFlags::kControl;
-constexpr std::uint16_t kEscape = 53;
 
 TEST(Mirror, OpensByEveryWayAndClosesByEveryWay) {
   struct Way {
@@ -33,7 +33,7 @@ TEST(Mirror, OpensByEveryWayAndClosesByEveryWay) {
       {"click elsewhere", [](Program& p) { p.desktop.clickElsewhere(); }},
       {"other application", [](Program& p) { p.desktop.activateOtherApplication(); }},
       {"display change", [](Program& p) { p.desktop.changeDisplays(); }},
-      {"Escape", [](Program& p) { p.desktop.pressKey(kEscape); }},
+      {"Escape", [](Program& p) { p.desktop.pressKey(kVK_Escape); }},
       {"reopen", [](Program& p) { p.desktop.simulatedSession.client().reopen(); }},
       {"menu", [](Program& p) { p.desktop.openMenuFromTray(); }},
       {"menu by Control", [](Program& p) { p.desktop.clickIcon(kControl); }},
@@ -156,10 +156,10 @@ TEST(Mirror, FollowsLightAndDark) {
 
 TEST(Mirror, ShortcutTogglesOnReleaseWithoutAHighlight) {
   Program program;
-  KeyboardShortcuts::resetForNewProcess();
-  KeyboardShortcuts::setShortcut(KeyboardShortcuts::Shortcut(49, 0x1800), shortcutName::toggleShortcutMode());
+  KeyboardShortcuts::setShortcut(KeyboardShortcuts::Shortcut(kVK_Space, controlKey | optionKey),
+                                 shortcutName::toggleShortcutMode());
   program.launchWith({"A"});
-  const backend::HotKeyCombination combination{49, 0x1800};
+  const backend::HotKeyCombination combination{kVK_Space, controlKey | optionKey};
   for (const bool opens : {true, false, true}) {
     EXPECT_TRUE(program.desktop.simulatedHotKeys.send(combination, backend::HotKeyPhase::Pressed));
     EXPECT_NE(program.isShown(), opens);

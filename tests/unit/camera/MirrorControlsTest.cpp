@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "appkit/NSWindow.h"
+#include "base/KeyCodes.h"
 #include "tests/unit/app/Program.h"
 
 namespace vistrel {
@@ -8,8 +9,6 @@ namespace {
 
 using test::Program;
 using Lines = std::vector<std::string>;
-
-constexpr std::uint16_t kEscape = 53;
 
 TEST(MirrorControls, ControlsFollowThePointer) {
   struct Row {
@@ -58,7 +57,7 @@ TEST(MirrorControls, TornOffItIsAWindow) {
   window.client().dragDidBegin();
   EXPECT_EQ(window.window().kind(), NSWindowKind::Detached);
   program.desktop.clickElsewhere();
-  program.desktop.pressKey(kEscape);
+  program.desktop.pressKey(kVK_Escape);
   program.desktop.simulatedSession.client().reopen();
   EXPECT_TRUE(program.isShown());
   window.client().viewClicked(*window.window().closeButton());
@@ -69,12 +68,11 @@ TEST(MirrorControls, TornOffItIsAWindow) {
 }
 
 TEST(MirrorControls, ViewsMenuWorksByKeyboard) {
-  constexpr std::uint16_t kSpace = 49;
   Program program;
   program.launchWith({"A", "B"});
   program.desktop.clickIcon();
   auto& button = program.mirror().availableCamerasPopupButton();
-  program.desktop.pressKey(kSpace);
+  program.desktop.pressKey(kVK_Space);
   EXPECT_FALSE(button.isHidden());
   auto& window = program.desktop.windowSystem.titled("Vistrel");
   ASSERT_EQ(window.openMenu(), &button);

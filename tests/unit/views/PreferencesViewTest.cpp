@@ -25,7 +25,6 @@ using swiftui::View;
 class PreferencesViewTest : public ::testing::Test {
  protected:
   PreferencesViewTest() {
-    KeyboardShortcuts::resetForNewProcess();
     UserDefaults::standard().registerDefaults({{preference::kSelectedMirroring, true}});
     for (const char* name : {"dataChanged", "mirroringChanged"}) {
       observers_.push_back(

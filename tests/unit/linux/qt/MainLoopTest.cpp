@@ -3,8 +3,10 @@
 #include <QCoreApplication>
 #include <stdexcept>
 
+#include "KeyboardShortcuts/KeyboardShortcuts.h"
+#include "base/KeyCodes.h"
 #include "linux/qt/QtMainLoop.h"
-#include "tests/unit/KeyboardShortcuts/FakeDesktop.h"
+#include "simulated/SimulatedDesktop.h"
 
 namespace vistrel::qt {
 namespace {
@@ -14,15 +16,15 @@ TEST(MainLoop, GoesOnWhateverAShortcutsActionThrows) {
   char program[] = "test";
   char* arguments[] = {program, nullptr};
   const QCoreApplication application(argumentCount, arguments);
-  vistrel::testing::FakeDesktop desktop;
+  simulated::SimulatedDesktop desktop{""};
   QtMainLoop loop;
-  const KeyboardShortcuts::Name name("test", KeyboardShortcuts::Shortcut(kVK_Space, 256));
+  const KeyboardShortcuts::Name name("test", KeyboardShortcuts::Shortcut(kVK_Space, cmdKey));
   int calls = 0;
   KeyboardShortcuts::onKeyDown(name, [&] {
     ++calls;
     throw std::runtime_error("broken action");
   });
-  for (int i = 0; i < 2; ++i) loop.post([&] { desktop.press(kVK_Space, 256); });
+  for (int i = 0; i < 2; ++i) loop.post([&] { desktop.simulatedHotKeys.press({kVK_Space, cmdKey}); });
   loop.post([&] { loop.quit(); });
   EXPECT_EQ(loop.run(), 0);
   EXPECT_EQ(calls, 2);
