@@ -83,9 +83,9 @@ void QtStatusArea::mirrorMenu(std::shared_ptr<NSMenu> menu) {
 }
 
 void QtStatusArea::popUpMenu(std::shared_ptr<NSMenu> menu) {
-  popUp_ = std::make_unique<qt::PopUpMenu>(
-      *menu, qt::PopUpMenu::Handlers{.didClose = [this] { tellClosed(); },
-                                     .chosen = [this](auto item) { tellChosen(std::move(item)); }});
+  popUp_ = std::make_unique<IconMenu>(
+      *menu, IconMenu::Handlers{.didClose = [this] { tellClosed(); },
+                                .chosen = [this](auto item) { tellChosen(std::move(item)); }});
   popUp_->show(qt::toQt(iconFrame().value_or(Rect{})));
 }
 

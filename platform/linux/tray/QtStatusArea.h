@@ -5,7 +5,7 @@
 #include <string>
 
 #include "backend/StatusArea.h"
-#include "linux/qt/PopUpMenu.h"
+#include "linux/tray/IconMenu.h"
 #include "linux/tray/TrayHostWatch.h"
 #include "linux/tray/TrayIcon.h"
 #include "linux/tray/TrayImage.h"
@@ -51,7 +51,7 @@ class QtStatusArea final : public backend::StatusArea {
   x11::HostMenuWatch hostMenu_;
   std::unique_ptr<TrayIcon> icon_;
   std::shared_ptr<NSMenu> menu_;
-  std::unique_ptr<qt::PopUpMenu> popUp_;
+  std::unique_ptr<IconMenu> popUp_;
   TrayImage image_;
   bool isShown_ = false;
   bool isHighlighted_ = false;

@@ -1,20 +1,18 @@
 #include "linux/widgets/DeclarativeWidgets.h"
 
-#include <QButtonGroup>
 #include <QCheckBox>
-#include <QComboBox>
 #include <QFrame>
 #include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPainter>
 #include <QRadioButton>
 #include <algorithm>
 
 #include "appkit/NSSearchField.h"
-#include "linux/qt/Icons.h"
+#include "linux/qt/MenuText.h"
 #include "linux/widgets/LinkButton.h"
-#include "linux/widgets/Segment.h"
+#include "linux/widgets/PickerWidgets.h"
+#include "linux/widgets/ScaledPicture.h"
 
 namespace vistrel::widgets {
 
@@ -30,13 +28,8 @@ constexpr int kFormRowGap = 2;
 constexpr int kFormColumnGap = 10;
 constexpr int kStackGap = 3;
 constexpr int kRowGap = 6;
-constexpr int kLargestPicture = 96;
-constexpr int kSmallestPicture = 32;
 constexpr int kLabelColumn = 0;
 constexpr int kControlColumn = 1;
-
-// An ampersand would name a key.
-QString buttonText(QString text) { return text.replace('&', "&&"); }
 
 QString qtText(const std::string& text) { return QString::fromStdString(text); }
 
@@ -67,71 +60,10 @@ QFont fontOf(const View& view, QFont base) {
   return base;
 }
 
-/// A picture that gives way where the window is short of room.
-class Picture final : public QWidget {
- public:
-  Picture(std::shared_ptr<NSImage> image, QWidget* parent) : QWidget(parent), image_(std::move(image)) {
-    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Expanding);
-    setMaximumHeight(kLargestPicture);
-  }
-  [[nodiscard]] QSize sizeHint() const override { return {kLargestPicture, kLargestPicture}; }
-  [[nodiscard]] QSize minimumSizeHint() const override { return {kSmallestPicture, kSmallestPicture}; }
-
- protected:
-  void paintEvent(QPaintEvent* /*event*/) override {
-    if (!image_) return;
-    const int side = std::min(width(), height());
-    const QPointF at((width() - side) / 2.0, (height() - side) / 2.0);
-    const QColor color = palette().color(QPalette::WindowText);
-    QPainter(this).drawPixmap(at, qt::drawn(*image_, {side, side}, devicePixelRatioF(), color));
-  }
-
- private:
-  std::shared_ptr<NSImage> image_;
-};
-
-Segment::Place placeOf(std::size_t index, std::size_t count) {
-  if (count == 1) return Segment::Place::Only;
-  if (index == 0) return Segment::Place::First;
-  return index + 1 == count ? Segment::Place::Last : Segment::Place::Middle;
-}
-
-std::shared_ptr<NSImage> imageOf(const View& view) {
-  const auto* content = std::get_if<swiftui::ImageContent>(&view.content);
-  return content ? content->image : nullptr;
-}
-
-std::string nameOf(const View& view) {
-  const auto* content = std::get_if<swiftui::ImageContent>(&view.content);
-  return content ? content->label : view.text();
-}
-
-// A choice among buttons: a row that looks like one control, or a column of radio buttons.
-QAbstractButton* makeChoice(const PickerContent& picker, std::size_t index, QWidget* parent) {
-  const View& choice = picker.choices[index];
-  const QString name = qtText(nameOf(choice));
-  if (picker.style == PickerStyle::Segmented) {
-    auto* segment = new Segment(imageOf(choice), placeOf(index, picker.choices.size()), parent);
-    segment->setText(imageOf(choice) ? QString() : name);
-    segment->setAccessibleName(name);
-    segment->setToolTip(name);
-    return segment;
-  }
-  auto* button = new QRadioButton(parent);
-  button->setText(buttonText(name));
-  button->setAccessibleName(name);
-  return button;
-}
-
 // Where a line begins in the program's language, whatever the language of the text.
 Qt::Alignment leadingIn(const QWidget& widget) {
   const bool isMirrored = widget.layoutDirection() == Qt::RightToLeft;
   return (isMirrored ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignAbsolute;
-}
-
-int firstLineHeight(const QWidget& column) {
-  const auto* first = column.findChild<QRadioButton*>();
-  return first ? first->sizeHint().height() : column.sizeHint().height();
 }
 
 }  // namespace
@@ -150,7 +82,7 @@ std::string structureOf(const View& view) {
 DeclarativeWidgets::DeclarativeWidgets(const View& view, QWidget& parent) : root_(make(view, &parent)) {}
 
 void DeclarativeWidgets::update() const {
-  for (const auto& refresh : updates_) refresh();
+  for (const auto& refresh : bindings_.updates) refresh();
 }
 
 QWidget* DeclarativeWidgets::make(const View& view, QWidget* parent) {
@@ -168,21 +100,23 @@ QWidget* DeclarativeWidgets::make(const View& view, QWidget* parent) {
   return padded;
 }
 
+// One `make` for each kind of content; a kind without one does not compile.
 QWidget* DeclarativeWidgets::makeContent(const View& view, QWidget* parent) {
-  if (std::holds_alternative<TextContent>(view.content)) return makeText(view, parent);
-  if (const auto* stack = std::get_if<StackContent>(&view.content)) return makeStack(*stack, parent);
-  if (const auto* form = std::get_if<swiftui::FormContent>(&view.content)) return makeForm(*form, parent);
-  if (const auto* picker = std::get_if<PickerContent>(&view.content)) return makePicker(*picker, parent);
-  if (const auto* toggle = std::get_if<swiftui::ToggleContent>(&view.content))
-    return makeToggle(*toggle, parent);
-  if (const auto* link = std::get_if<swiftui::LinkContent>(&view.content)) return makeLink(*link, parent);
-  if (const auto* hosted = std::get_if<swiftui::HostedContent>(&view.content))
-    return makeHosted(*hosted, parent);
-  if (const auto* image = std::get_if<swiftui::ImageContent>(&view.content)) {
-    auto* picture = new Picture(image->image, parent);
-    picture->setAccessibleName(qtText(image->label));
-    return picture;
-  }
+  return std::visit([&](const auto& content) { return make(content, view, parent); }, view.content);
+}
+
+QWidget* DeclarativeWidgets::make(const TextContent& /*text*/, const View& view, QWidget* parent) {
+  return makeText(view, parent);
+}
+
+QWidget* DeclarativeWidgets::make(const swiftui::ImageContent& image, const View& /*view*/, QWidget* parent) {
+  auto* picture = new ScaledPicture(image.image, parent);
+  picture->setAccessibleName(qtText(image.label));
+  return picture;
+}
+
+QWidget* DeclarativeWidgets::make(const swiftui::DividerContent& /*divider*/, const View& /*view*/,
+                                  QWidget* parent) {
   auto* line = new QFrame(parent);
   line->setFrameStyle(static_cast<int>(QFrame::HLine) | static_cast<int>(QFrame::Sunken));
   return line;
@@ -202,7 +136,7 @@ QLabel* DeclarativeWidgets::makeText(const View& view, QWidget* parent) {
     label->setMinimumHeight(label->heightForWidth(int(*view.frameValue.width)));
   }
   if (view.opacityValue < 1) {
-    updates_.emplace_back([label, opacity = view.opacityValue] {
+    bindings_.updates.emplace_back([label, opacity = view.opacityValue] {
       QPalette palette = label->parentWidget()->palette();
       QColor color = palette.color(QPalette::WindowText);
       color.setAlphaF(static_cast<float>(opacity));
@@ -213,7 +147,7 @@ QLabel* DeclarativeWidgets::makeText(const View& view, QWidget* parent) {
   return label;
 }
 
-QWidget* DeclarativeWidgets::makeStack(const StackContent& stack, QWidget* parent) {
+QWidget* DeclarativeWidgets::make(const StackContent& stack, const View& /*view*/, QWidget* parent) {
   auto* widget = new QWidget(parent);
   const bool isRow = stack.axis == swiftui::Axis::Horizontal;
   auto* layout = new QBoxLayout(isRow ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom, widget);
@@ -230,7 +164,7 @@ QWidget* DeclarativeWidgets::makeStack(const StackContent& stack, QWidget* paren
   return widget;
 }
 
-QWidget* DeclarativeWidgets::makeForm(const swiftui::FormContent& form, QWidget* parent) {
+QWidget* DeclarativeWidgets::make(const swiftui::FormContent& form, const View& /*view*/, QWidget* parent) {
   auto* widget = new QWidget(parent);
   auto* grid = new QGridLayout(widget);
   grid->setContentsMargins(0, 0, 0, 0);
@@ -248,7 +182,7 @@ void DeclarativeWidgets::addGap(QGridLayout& grid, double points) {
 // Leading distances and offsets of rows are means to stand in the control column; here the column is one.
 void DeclarativeWidgets::addRow(QGridLayout& grid, const View& row, QWidget* form) {
   if (const auto* picker = std::get_if<PickerContent>(&row.content)) {
-    addLabelled(grid, row, swiftui::Text(picker->label), makePicker(*picker, form));
+    addLabelled(grid, row, swiftui::Text(picker->label), makePicker(*picker, *form, bindings_));
     return;
   }
   const auto* stack = std::get_if<StackContent>(&row.content);
@@ -293,64 +227,30 @@ void DeclarativeWidgets::addLabelled(QGridLayout& grid, const View& row, const V
   if (!isColumn) addGap(grid, row.paddingValue.bottom);
 }
 
-QWidget* DeclarativeWidgets::makePicker(const PickerContent& picker, QWidget* parent) {
-  return picker.style == PickerStyle::Default ? makeMenuPicker(picker, parent)
-                                              : makeButtonPicker(picker, parent);
+QWidget* DeclarativeWidgets::make(const PickerContent& picker, const View& /*view*/, QWidget* parent) {
+  return makePicker(picker, *parent, bindings_);
 }
 
-QWidget* DeclarativeWidgets::makeMenuPicker(const PickerContent& picker, QWidget* parent) {
-  auto* box = new QComboBox(parent);
-  box->setAccessibleName(qtText(picker.label));
-  for (const View& choice : picker.choices)
-    box->addItem(qtText(choice.text()), QVariant::fromValue(choice.tagValue));
-  controls_.push_back(box);
-  updates_.emplace_back(
-      [box, get = picker.selection.get] { box->setCurrentIndex(box->findData(QVariant::fromValue(get()))); });
-  QObject::connect(box, &QComboBox::activated, box, [box, selection = picker.selection](int index) {
-    selection.choose(box->itemData(index).value<std::int64_t>());
-  });
-  return box;
-}
-
-QWidget* DeclarativeWidgets::makeButtonPicker(const PickerContent& picker, QWidget* parent) {
-  const bool isRow = picker.style == PickerStyle::Segmented;
-  auto* widget = new QWidget(parent);
-  auto* layout = new QBoxLayout(isRow ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom, widget);
-  layout->setContentsMargins(0, 0, 0, 0);
-  layout->setSpacing(isRow ? 0 : kStackGap);
-  auto* group = new QButtonGroup(widget);
-  for (std::size_t i = 0; i < picker.choices.size(); ++i) {
-    QAbstractButton* button = makeChoice(picker, i, widget);
-    layout->addWidget(button);
-    group->addButton(button, int(picker.choices[i].tagValue));
-    controls_.push_back(button);
-  }
-  updates_.emplace_back([group, get = picker.selection.get] {
-    if (auto* chosen = group->button(int(get()))) chosen->setChecked(true);
-  });
-  QObject::connect(group, &QButtonGroup::idClicked, widget,
-                   [selection = picker.selection](int tag) { selection.choose(tag); });
-  return widget;
-}
-
-QWidget* DeclarativeWidgets::makeToggle(const swiftui::ToggleContent& toggle, QWidget* parent) {
+QWidget* DeclarativeWidgets::make(const swiftui::ToggleContent& toggle, const View& /*view*/,
+                                  QWidget* parent) {
   const QString name = toggle.label.empty() ? QString() : qtText(nameOf(toggle.label.front()));
-  auto* box = new QCheckBox(buttonText(name), parent);
+  auto* box = new QCheckBox(qt::labelForQtMenu(name), parent);
   box->setAccessibleName(name);
-  controls_.push_back(box);
-  updates_.emplace_back([box, get = toggle.isOn.get] { box->setChecked(get()); });
+  bindings_.controls.push_back(box);
+  bindings_.updates.emplace_back([box, get = toggle.isOn.get] { box->setChecked(get()); });
   QObject::connect(box, &QCheckBox::clicked, box, toggle.isOn.set);
   return box;
 }
 
-QWidget* DeclarativeWidgets::makeLink(const swiftui::LinkContent& link, QWidget* parent) {
+QWidget* DeclarativeWidgets::make(const swiftui::LinkContent& link, const View& /*view*/, QWidget* parent) {
   auto* button = new LinkButton(qtText(link.title), parent);
-  controls_.push_back(button);
+  bindings_.controls.push_back(button);
   QObject::connect(button, &LinkButton::clicked, button, [action = link.action] { action(); });
   return button;
 }
 
-QWidget* DeclarativeWidgets::makeHosted(const swiftui::HostedContent& hosted, QWidget* parent) {
+QWidget* DeclarativeWidgets::make(const swiftui::HostedContent& hosted, const View& /*view*/,
+                                  QWidget* parent) {
   auto* place = new QWidget(parent);
   const Size wanted = hosted.view->intrinsicContentSize();
   // As high as a line of the desktop's own, and wide enough for what the field says while it is empty.

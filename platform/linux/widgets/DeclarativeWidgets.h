@@ -1,10 +1,10 @@
 #pragma once
 
 #include <QWidget>
-#include <functional>
 #include <utility>
 #include <vector>
 
+#include "linux/widgets/PickerWidgets.h"
 #include "swiftui/View.h"
 
 class QGridLayout;
@@ -29,28 +29,28 @@ class DeclarativeWidgets {
   void update() const;
   [[nodiscard]] const std::vector<HostedPlace>& hostedPlaces() const { return hosted_; }
   /// The widgets that can have the keyboard focus.
-  [[nodiscard]] const std::vector<QWidget*>& controls() const { return controls_; }
+  [[nodiscard]] const std::vector<QWidget*>& controls() const { return bindings_.controls; }
 
  private:
   QWidget* make(const swiftui::View& view, QWidget* parent);
   QWidget* makeContent(const swiftui::View& view, QWidget* parent);
   QLabel* makeText(const swiftui::View& view, QWidget* parent);
-  QWidget* makeStack(const swiftui::StackContent& stack, QWidget* parent);
-  QWidget* makeForm(const swiftui::FormContent& form, QWidget* parent);
-  QWidget* makePicker(const swiftui::PickerContent& picker, QWidget* parent);
-  QWidget* makeMenuPicker(const swiftui::PickerContent& picker, QWidget* parent);
-  QWidget* makeButtonPicker(const swiftui::PickerContent& picker, QWidget* parent);
-  QWidget* makeToggle(const swiftui::ToggleContent& toggle, QWidget* parent);
-  QWidget* makeLink(const swiftui::LinkContent& link, QWidget* parent);
-  QWidget* makeHosted(const swiftui::HostedContent& hosted, QWidget* parent);
+  QWidget* make(const swiftui::TextContent& text, const swiftui::View& view, QWidget* parent);
+  QWidget* make(const swiftui::ImageContent& image, const swiftui::View& view, QWidget* parent);
+  QWidget* make(const swiftui::DividerContent& divider, const swiftui::View& view, QWidget* parent);
+  QWidget* make(const swiftui::StackContent& stack, const swiftui::View& view, QWidget* parent);
+  QWidget* make(const swiftui::FormContent& form, const swiftui::View& view, QWidget* parent);
+  QWidget* make(const swiftui::PickerContent& picker, const swiftui::View& view, QWidget* parent);
+  QWidget* make(const swiftui::ToggleContent& toggle, const swiftui::View& view, QWidget* parent);
+  QWidget* make(const swiftui::LinkContent& link, const swiftui::View& view, QWidget* parent);
+  QWidget* make(const swiftui::HostedContent& hosted, const swiftui::View& view, QWidget* parent);
 
   void addRow(QGridLayout& grid, const swiftui::View& row, QWidget* form);
   void addLabelled(QGridLayout& grid, const swiftui::View& row, const swiftui::View& label, QWidget* control);
   static void addGap(QGridLayout& grid, double points);
 
-  std::vector<std::function<void()>> updates_;
+  Bindings bindings_;
   std::vector<HostedPlace> hosted_;
-  std::vector<QWidget*> controls_;
   QWidget* root_;
 };
 

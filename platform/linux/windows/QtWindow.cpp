@@ -171,15 +171,14 @@ void QtWindow::popUpMenu(NSPopUpButton& button) {
   if (!face || !shell_->isVisible()) return;
   if (menu_) menu_->close();
   const auto kept = std::static_pointer_cast<NSPopUpButton>(button.shared_from_this());
-  menu_ = new qt::QtPopUpMenu(*face, button.menu(), button.pullsDown() ? 1 : 0,
-                              [kept](const auto& item) { kept->itemChosen(item); });
+  menu_ = new ButtonMenu(*face, button.menu(), button.pullsDown() ? 1 : 0,
+                         [kept](const auto& item) { kept->itemChosen(item); });
   QObject::connect(menu_, &QMenu::aboutToHide, face, [face] { face->setDown(false); });
   QObject::connect(
       menu_, &QMenu::aboutToHide, &context_, [this] { menuClosed(); }, Qt::QueuedConnection);
   face->setDown(true);
   const QRect anchor(face->mapToGlobal(QPoint(0, 0)), face->size());
-  menu_->popUpBeside(anchor,
-                     wasKeyLast_ ? qt::QtPopUpMenu::OpenedBy::Keyboard : qt::QtPopUpMenu::OpenedBy::Pointer);
+  menu_->popUpBeside(anchor, wasKeyLast_ ? ButtonMenu::OpenedBy::Keyboard : ButtonMenu::OpenedBy::Pointer);
 }
 
 // While a menu is open the pointer is neither in the content nor away from it.

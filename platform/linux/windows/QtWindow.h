@@ -5,8 +5,8 @@
 
 #include "appkit/NSWindow.h"
 #include "backend/Windows.h"
-#include "linux/qt/QtPopUpMenu.h"
 #include "linux/widgets/ViewTree.h"
+#include "linux/windows/ButtonMenu.h"
 #include "linux/windows/Shell.h"
 #include "linux/windows/X11Windows.h"
 
@@ -74,7 +74,7 @@ class QtWindow final : public backend::NativeWindow, private ShellClient, privat
   X11Windows& x11_;
   Shell* shell_;
   widgets::ViewTree tree_;
-  QPointer<qt::QtPopUpMenu> menu_;
+  QPointer<ButtonMenu> menu_;
   // Room around the content; kept when a popover is torn off, so that the content stays where it is.
   QMargins margins_;
   NSWindowKind shownKind_;

@@ -1,29 +1,29 @@
-#include "linux/qt/QtPopUpMenu.h"
+#include "linux/windows/ButtonMenu.h"
 
 #include <QGuiApplication>
 #include <utility>
 
 #include "appkit/NSMenu.h"
 
-namespace vistrel::qt {
+namespace vistrel::windows {
 
-QtPopUpMenu::QtPopUpMenu(QWidget& opener, const std::shared_ptr<NSMenu>& menu, std::size_t first,
-                         MenuItemChosen chosen)
+ButtonMenu::ButtonMenu(QWidget& opener, const std::shared_ptr<NSMenu>& menu, std::size_t first,
+                       qt::MenuItemChosen chosen)
     : QMenu(&opener) {
   setPalette(opener.palette());
   // The press that closes the menu does nothing else, or the button under it would open the menu again.
   setAttribute(Qt::WA_NoMouseReplay);
   setAccessibleName(QString::fromStdString(menu->title()));
-  addRows(*this, *menu, first, [chosen = std::move(chosen)](const auto& item) {
+  qt::addRows(*this, *menu, first, [chosen = std::move(chosen)](const auto& item) {
     QMetaObject::invokeMethod(
         qGuiApp, [chosen, item] { chosen(item); }, Qt::QueuedConnection);
   });
   connect(this, &QMenu::aboutToHide, this, &QObject::deleteLater);
 }
 
-void QtPopUpMenu::popUpBeside(const QRect& anchor, OpenedBy opener) {
-  popup(placeBeside(anchor, sizeHint(), MenuEdge::Right));
+void ButtonMenu::popUpBeside(const QRect& anchor, OpenedBy opener) {
+  popup(qt::placeBeside(anchor, sizeHint(), qt::MenuEdge::Right));
   if (opener == OpenedBy::Keyboard && !actions().isEmpty()) setActiveAction(actions().constFirst());
 }
 
-}  // namespace vistrel::qt
+}  // namespace vistrel::windows
