@@ -20,20 +20,17 @@ enum class NSBezelStyle { Rounded = 1, TexturedRounded = 11 };
 
 enum class NSTextAlignment { Left = 0, Center = 1, Right = 2, Natural = 4 };
 
+/// What draws and presses a button. The desktop's style draws it here: image position and bezel are ignored.
 class NSButtonCell : public NSCell {
  public:
   /// Whom a press tells, and how; the target must outlive the cell's use.
   void setTarget(NSObject* target, Selector action);
   /// As if the user pressed the cell's button.
   void performClick(NSObject* sender);
-  [[nodiscard]] NSCellImagePosition imagePosition() const { return imagePosition_; }
-  void setImagePosition(NSCellImagePosition position) { imagePosition_ = position; }
-  [[nodiscard]] NSBezelStyle bezelStyle() const { return bezelStyle_; }
-  void setBezelStyle(NSBezelStyle style) { bezelStyle_ = style; }
+  static void setImagePosition(NSCellImagePosition /*position*/) {}
+  static void setBezelStyle(NSBezelStyle /*style*/) {}
 
  private:
-  NSCellImagePosition imagePosition_ = NSCellImagePosition::NoImage;
-  NSBezelStyle bezelStyle_ = NSBezelStyle::Rounded;
   NSObject* target_ = nullptr;
   Selector action_;
 };

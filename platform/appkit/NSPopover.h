@@ -30,20 +30,18 @@ class NSPopoverDelegate {
 };
 
 /// A balloon that hangs from a view and may be torn off into a window of its own. A transient one closes at
-/// any press outside it while it is attached. Main thread only.
+/// any press outside it while it is attached. Here it never animates. Main thread only.
 class NSPopover : public NSObject, public backend::OutsidePressClient {
  public:
   NSPopover() = default;
   /// A popover on screen is closed before it is dropped.
   ~NSPopover() override;
 
-  [[nodiscard]] bool animates() const { return animates_; }
-  void setAnimates(bool animates) { animates_ = animates; }
+  static void setAnimates(bool /*animates*/) {}
   [[nodiscard]] const std::optional<NSAppearance>& appearance() const { return appearance_; }
   void setAppearance(const NSAppearance& appearance);
   /// What window lists and screen readers call it.
   void setTitle(std::string title) { title_ = std::move(title); }
-  [[nodiscard]] Size contentSize() const { return contentSize_; }
   void setContentSize(Size size) { contentSize_ = size; }
   [[nodiscard]] NSPopoverBehavior behavior() const { return behavior_; }
   void setBehavior(NSPopoverBehavior behavior) { behavior_ = behavior; }
@@ -76,7 +74,6 @@ class NSPopover : public NSObject, public backend::OutsidePressClient {
   void stopWatching();
   void endHighlight();
 
-  bool animates_ = false;
   std::optional<NSAppearance> appearance_;
   std::string title_;
   Size contentSize_;

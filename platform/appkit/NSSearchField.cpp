@@ -23,11 +23,6 @@ NSSearchField::NSSearchField() {
   cell_ = std::move(cell);
 }
 
-void NSSearchField::setCell(std::unique_ptr<NSCell> cell) {
-  cell_ = std::move(cell);
-  didChange();
-}
-
 bool NSSearchField::showsCancelButton() const {
   const auto* searchCell = dynamic_cast<const NSSearchFieldCell*>(cell_.get());
   return searchCell && searchCell->cancelButtonCell();

@@ -16,7 +16,6 @@ class NSTextView {
   /// `field` is what it edits, and outlives it.
   explicit NSTextView(NSView& field) : field_(field) {}
   /// The color of the caret; a clear one hides it.
-  [[nodiscard]] const CGColor& insertionPointColor() const { return insertionPointColor_; }
   void setInsertionPointColor(const CGColor& color);
   [[nodiscard]] bool isCaretVisible() const { return insertionPointColor_.alpha > 0; }
 
@@ -57,7 +56,6 @@ class NSSearchField : public NSTextField {
   NSSearchField();
 
   [[nodiscard]] NSCell* cell() const { return cell_.get(); }
-  void setCell(std::unique_ptr<NSCell> cell);
   /// Where the cell is a search-field cell: whether it shows the clear button.
   [[nodiscard]] bool showsCancelButton() const;
   void setCancelButtonCell(std::shared_ptr<NSButtonCell> button);

@@ -34,7 +34,7 @@ class NSStatusBar final : public backend::StatusAreaClient {
   /// The popover closed because of a press at that place. Should that press turn out to be a click on the
   /// icon, it must not open the popover again.
   void popoverClosedByPress(Point location);
-  /// A popover opens: what closed an earlier one counts no more.
+  /// A popover is about to open: the press that closed an earlier one is forgotten.
   void popoverWillOpen();
 
   // From items.

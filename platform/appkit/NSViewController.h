@@ -18,10 +18,8 @@ class NSViewController : public NSResponder {
 
   /// The view; loaded, with `viewDidLoad` run, on the first call.
   [[nodiscard]] NSView& view();
-  [[nodiscard]] bool isViewLoaded() const { return isLoaded_; }
   /// The tree that a storyboard made. Set before the first use of `view`.
   void setView(std::shared_ptr<NSView> view);
-  [[nodiscard]] const std::shared_ptr<NSView>& viewTree() const { return view_; }
 
   /// Called by the storyboard for each outlet of its layout, before the view is loaded.
   virtual void connectOutlet(const std::string& name, const std::shared_ptr<NSView>& view);

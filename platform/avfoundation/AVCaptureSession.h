@@ -50,7 +50,6 @@ class AVCaptureSession final : public backend::CameraStreamClient,
   void addInput(std::unique_ptr<AVCaptureDeviceInput> input);
   [[nodiscard]] bool canSetSessionPreset(const std::string& preset) const;
   void setSessionPreset(const std::string& preset) { preset_ = preset; }
-  [[nodiscard]] const std::string& sessionPreset() const { return preset_; }
 
   /// Returns when the session runs or has failed, or after 250 ms; a slow camera goes on starting by itself.
   /// What is meant to be on screen is there before it waits.

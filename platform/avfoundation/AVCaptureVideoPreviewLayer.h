@@ -9,17 +9,15 @@ namespace vistrel {
 
 enum class AVLayerVideoGravity { Resize, ResizeAspect };
 
-/// The way from a session's camera to a layer.
+/// The way from a session's camera to a layer. Here it never mirrors by itself.
 class AVCaptureConnection {
  public:
   [[nodiscard]] bool isVideoMirroringSupported() const { return true; }
-  void setAutomaticallyAdjustsVideoMirroring(bool adjusts) { adjustsMirroring_ = adjusts; }
-  [[nodiscard]] bool automaticallyAdjustsVideoMirroring() const { return adjustsMirroring_; }
+  static void setAutomaticallyAdjustsVideoMirroring(bool /*adjusts*/) {}
   void setVideoMirrored(bool isMirrored) { isMirrored_ = isMirrored; }
   [[nodiscard]] bool isVideoMirrored() const { return isMirrored_; }
 
  private:
-  bool adjustsMirroring_ = true;
   bool isMirrored_ = false;
 };
 

@@ -24,7 +24,7 @@ class SimulatedWindow final : public backend::NativeWindow {
   void viewDidChange(NSView& /*view*/) override {}
   void firstResponderDidChange(NSView* view) override { focused_ = view; }
   void popUpMenu(NSPopUpButton& button) override { openMenu_ = &button; }
-  void activate() override { ++activations_; }
+  void activate() override {}
 
   [[nodiscard]] bool isOnScreen() const { return isOnScreen_; }
   [[nodiscard]] NSWindow& window() const { return window_; }
@@ -32,8 +32,6 @@ class SimulatedWindow final : public backend::NativeWindow {
   [[nodiscard]] NSView* focused() const { return focused_; }
   /// The button whose menu is open; null when none is.
   [[nodiscard]] NSPopUpButton* openMenu() const { return openMenu_; }
-  void closeMenu() { openMenu_ = nullptr; }
-  [[nodiscard]] int activations() const { return activations_; }
 
  private:
   SimulatedWindows& owner_;
@@ -41,7 +39,6 @@ class SimulatedWindow final : public backend::NativeWindow {
   backend::WindowClient& client_;
   NSView* focused_ = nullptr;
   NSPopUpButton* openMenu_ = nullptr;
-  int activations_ = 0;
   bool isOnScreen_ = false;
 };
 

@@ -19,7 +19,6 @@ class NSHostingView final : public NSView {
 
   /// What is shown now, hosted controls filled in. For backends.
   [[nodiscard]] const swiftui::View& content() const { return content_; }
-  [[nodiscard]] swiftui::CustomView& rootView() const { return *root_; }
 
   [[nodiscard]] bool acceptsFirstResponder() const override { return true; }
   void viewWillAppear() override;

@@ -35,7 +35,7 @@ class CaptureDevice {
   virtual ~CaptureDevice() = default;
 
   [[nodiscard]] virtual const std::vector<VideoMode>& modes() const = 0;
-  /// See backend::CameraStream. `client` must outlive the run.
+  /// Begins a run, as backend::CameraStream describes it. `client` must live until `stop`.
   virtual void begin(const ModeChoice& mode, CaptureClient& client) = 0;
   virtual backend::StreamStart awaitStart(std::chrono::milliseconds patience) = 0;
   /// Gives every buffer back and ends the stream; nothing is called afterwards.

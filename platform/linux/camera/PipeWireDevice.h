@@ -19,7 +19,8 @@ struct StreamDeleter {
 /// A camera through a PipeWire stream. Of the buffers only the one with the newest frame is held.
 class PipeWireDevice final : public CaptureDevice, private PipeWireClient {
  public:
-  /// The first start is waited for as much shorter as the opening has `waited`.
+  /// `waited`: what the opening took already. Opening and first start share one patience, so that the first
+  /// start is waited for that much less.
   PipeWireDevice(std::shared_ptr<PipeWireGraph> graph, const PipeWireNode& node,
                  std::chrono::milliseconds waited);
   ~PipeWireDevice() override;

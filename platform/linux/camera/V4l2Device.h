@@ -14,9 +14,9 @@ namespace vistrel::camera {
 /// A camera opened directly. Frames stay in the driver's mapped buffers; only the newest is held.
 class V4l2Device final : public CaptureDevice {
  public:
-  /// Opens the camera at `path`; the error tells whether it is gone, busy or denied. One that does not answer
-  /// within 250 ms goes on opening as part of its start, which waits so much the less, if its modes are
-  /// known; else it has failed.
+  /// Opens the camera at `path`; the error tells whether it is gone, busy or denied. A camera gets 250 ms to
+  /// answer. When it needs longer and its modes are known, it goes on opening in the background and its start
+  /// is waited for without further patience; when they are not known, the opening has failed.
   static Result<std::unique_ptr<CaptureDevice>> open(desktop::Reactor& reactor, V4l2System& system,
                                                      const std::string& path,
                                                      const std::vector<VideoMode>& knownModes);

@@ -12,10 +12,10 @@
 
 namespace vistrel::session {
 
-/// The desktop's preference for light or dark, live: what the Settings portal (`org.freedesktop.appearance`,
-/// `color-scheme`) tells; without one what GNOME's settings tell; where those have no word the palette that
-/// Qt takes from the desktop. Dresses the application: in a palette of ours while the desktop has a word, in
-/// the desktop's own while that palette is the word.
+/// The desktop's preference for light or dark, live. It asks in this order, and the first that answers
+/// counts: the Settings portal (`org.freedesktop.appearance`, `color-scheme`), GNOME's settings, the palette
+/// that Qt takes from the desktop. It also sets the application's palette: one of ours after an answer of the
+/// first two, else it leaves the desktop's.
 class ColorScheme final : public QObject {
   Q_OBJECT
 

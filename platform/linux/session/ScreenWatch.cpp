@@ -22,7 +22,7 @@ bool isSamePlace(const backend::Screen& a, const backend::Screen& b) {
   return a.name == b.name && a.frame == b.frame && a.scale == b.scale;
 }
 
-// Which screen is the primary one, and so the first of Qt's list, is none of these.
+// The order of the screens counts for nothing, and neither does which one is the primary.
 bool areSamePlaces(const std::vector<backend::Screen>& a, const std::vector<backend::Screen>& b) {
   return std::is_permutation(a.begin(), a.end(), b.begin(), b.end(), isSamePlace);
 }

@@ -48,8 +48,9 @@ SingleInstance::Role SingleInstance::claim() {
     handOver(bus_);
     return Role::Second;
   }
-  // The bus sends what waited for the name before it answers this, so an activation that is this start is in
-  // our queue afterwards; what comes later is a start of its own.
+  // The bus may have started us for an `Activate`, which is this start and opens nothing. The bus delivers it
+  // before it answers any further question. So after this question it is in our queue, and is dealt with
+  // here; an `Activate` that comes later is another start.
   (void)bus_.interface()->isServiceRegistered(program::kIdentifier);
   QCoreApplication::sendPostedEvents(this);
   isClaimed_ = true;

@@ -179,7 +179,8 @@ void DeclarativeWidgets::addGap(QGridLayout& grid, double points) {
   if (points > 0) grid.addItem(new QSpacerItem(0, int(points)), grid.rowCount(), kControlColumn);
 }
 
-// Leading distances and offsets of rows are means to stand in the control column; here the column is one.
+// A row's leading padding and offset move it to the control column of its platform. Here that column is one
+// of the grid's, so both are ignored.
 void DeclarativeWidgets::addRow(QGridLayout& grid, const View& row, QWidget* form) {
   if (const auto* picker = std::get_if<PickerContent>(&row.content)) {
     addLabelled(grid, row, swiftui::Text(picker->label), makePicker(*picker, *form, bindings_));

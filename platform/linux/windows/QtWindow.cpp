@@ -111,7 +111,8 @@ void QtWindow::attributesDidChange() {
   if (isOtherKind && shell_->isVisible()) applyKind();
 }
 
-// A widget's own flags would take the window down to change it, and the picture with it.
+// The flags of the native window change in place. QWidget::setWindowFlags would hide the window first, and
+// the picture would flicker.
 void QtWindow::applyKind() {
   QWindow& handle = *shell_->windowHandle();
   const bool isAccessory = window_.kind() == NSWindowKind::Popover;
@@ -247,7 +248,8 @@ bool QtWindow::shellFilter(QEvent& event) {
   const auto translation = translated(event);
   const bool isTaken = translation && client_.handleEvent(translation);
   if (!isTaken && isTab(event) && focused && !shell_->focusWidget()) {
-    // A control that let go of the focus for it is where the walk goes on from.
+    // The control gave up the focus while it handled the key. Tab has to go on from that control, so it gets
+    // the native focus back first.
     const CommandScope scope(*this);
     focused->setFocus(Qt::OtherFocusReason);
   }
