@@ -152,7 +152,8 @@ class Desktop:
         daemon.wait_line("unix:")
         self.bus = Bus(address)
         self.menu_calls = self.start(["dbus-monitor", "--address", address,
-                                      "type='method_call',interface='com.canonical.dbusmenu',member='GetLayout'"])
+                                      "type='method_call',interface='com.canonical.dbusmenu',member='GetLayout'",
+                                      "type='method_call',interface='com.canonical.dbusmenu',member='AboutToShow'"])
 
     def _start_manager(self, manager):
         if manager is None:

@@ -17,7 +17,7 @@ class MenuRules:
     def test_the_chosen_item_acts_once_after_a_dismissal_and_a_reopening(self):
         self.plug()
         vistrel = self.start()
-        vistrel.click(button=3)
+        vistrel.open_menu()
         self.assertEqual(len(vistrel.menu_rows()), 5)
         self.screen.key("Escape")
         vistrel.wait_no_menu()

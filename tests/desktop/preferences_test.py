@@ -21,7 +21,7 @@ class SettingsTest(DesktopTest):
         self.reader = Accessibility(self.desktop)
 
     def open_window(self, vistrel, title):
-        vistrel.click(button=3)
+        vistrel.open_menu()
         rows = vistrel.menu_rows()
         self.screen.click(centre(rows[ROWS[title]]))
         vistrel.wait_no_menu()
@@ -187,7 +187,7 @@ class PreferencesTest(SettingsTest):
                            "the window elsewhere")[0]
         self.close_window("About Vistrel")
         self.assertEqual(self.open_window(vistrel, "About Vistrel"), moved)
-        vistrel.click(button=3)
+        vistrel.open_menu()
         self.screen.click(centre(vistrel.menu_rows()[ROWS["Preferences"]]))
         wait_until(lambda: vistrel.windows(name="Preferences"), "Preferences beside it")
         self.close_window("Preferences")
