@@ -47,6 +47,9 @@ bool take(Options& options, std::string_view option, const std::string& value) {
     options.quality = std::atoi(value.c_str());
   } else if (option == "--black") {
     options.blackFrames = std::atoi(value.c_str());
+  } else if (option == "--memory") {
+    options.memory = memoryKindFromName(value);
+    return options.memory.has_value();
   } else if (option == "--offer") {
     const auto offer = parseOffer(value);
     if (offer) options.offers.push_back(*offer);

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "stage/camera/OwnMemory.h"
 #include "stage/camera/RawPicture.h"
 
 namespace vistrel::stage {
@@ -31,13 +32,17 @@ struct Options {
   int blackFrames = 0;
   Picture picture = Picture::Plain;
   Manner manner = Manner::Willing;
+  std::optional<MemoryKind> memory;  ///< none: the daemon allocates
   bool isObeying = false;
 
   static constexpr const char* kUsage =
       "usage: vistrel-testcam [--name TEXT] [--node NAME] [--offer FORMAT:WIDTHxHEIGHT@RATE[/RATE...]]...\n"
       "                       [--property KEY=VALUE]... [--quality N] [--black FRAMES] [--rich] [--refuse]\n"
-      "                       [--silent] [--obey]\n"
+      "                       [--silent] [--memory KIND] [--obey]\n"
       "FORMAT: mjpeg yuy2 uyvy nv12 i420 yv12 rgb bgr rgbx bgrx.  --rich: detail, 1 to 2 MB at 4K MJPEG.\n"
+      "KIND: dmabuf sealed unsealed short shrinking: the camera allocates its buffers, and how far they can "
+      "be "
+      "trusted.\n"
       "--obey: commands on standard input, one a line, whose end is the end of the camera:\n"
       "  stall  resume  slow MS  rename TEXT  error TEXT  refuse  accept  garbage  black FRAMES  die  quit\n";
 

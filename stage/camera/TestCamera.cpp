@@ -124,6 +124,7 @@ void endLoop(void* loop, int /*signal*/) { pw_main_loop_quit(static_cast<pw_main
 }  // namespace
 
 TestCamera::TestCamera(Options options) : options_(std::move(options)) {
+  if (options_.memory) memory_.emplace(*options_.memory);
   mainLoop_ = pw_main_loop_new(nullptr);
   pw_loop_add_signal(loop(), SIGINT, endLoop, mainLoop_);
   pw_loop_add_signal(loop(), SIGTERM, endLoop, mainLoop_);
@@ -144,6 +145,8 @@ void TestCamera::makeStream() {
     events.version = PW_VERSION_STREAM_EVENTS;
     events.state_changed = stateChanged;
     events.param_changed = parameterChanged;
+    events.add_buffer = bufferAdded;
+    events.remove_buffer = bufferRemoved;
     events.process = frameWanted;
     return events;
   }();
@@ -162,8 +165,9 @@ bool TestCamera::connect() {
   spa_pod_builder_init(&builder, memory.data(), memory.size());
   std::vector<const spa_pod*> formats;
   for (const Offer& offer : options_.offers) formats.push_back(describe(builder, offer));
-  constexpr auto kFlags = static_cast<pw_stream_flags>(PW_STREAM_FLAG_DRIVER | PW_STREAM_FLAG_MAP_BUFFERS);
-  return pw_stream_connect(stream_, PW_DIRECTION_OUTPUT, PW_ID_ANY, kFlags, formats.data(), formats.size()) >=
+  const int buffers = memory_ ? PW_STREAM_FLAG_ALLOC_BUFFERS : PW_STREAM_FLAG_MAP_BUFFERS;
+  const auto flags = static_cast<pw_stream_flags>(PW_STREAM_FLAG_DRIVER | buffers);
+  return pw_stream_connect(stream_, PW_DIRECTION_OUTPUT, PW_ID_ANY, flags, formats.data(), formats.size()) >=
          0;
 }
 
@@ -222,13 +226,13 @@ void TestCamera::announceBuffers() {
   spa_pod_builder builder{};
   spa_pod_builder_init(&builder, memory.data(), memory.size());
   const auto size = static_cast<int>(source_->maximumBytes());
+  const int types = memory_ ? 1 << memory_->dataType() : (1 << SPA_DATA_MemFd) | (1 << SPA_DATA_MemPtr);
   std::array<const spa_pod*, 2> parameters{
       static_cast<const spa_pod*>(spa_pod_builder_add_object(
           &builder, SPA_TYPE_OBJECT_ParamBuffers, SPA_PARAM_Buffers, SPA_PARAM_BUFFERS_buffers,
           SPA_POD_CHOICE_RANGE_Int(8, 2, 32), SPA_PARAM_BUFFERS_blocks, SPA_POD_Int(1),
           SPA_PARAM_BUFFERS_size, SPA_POD_Int(size), SPA_PARAM_BUFFERS_stride, SPA_POD_Int(source_->stride()),
-          SPA_PARAM_BUFFERS_dataType,
-          SPA_POD_CHOICE_FLAGS_Int((1 << SPA_DATA_MemFd) | (1 << SPA_DATA_MemPtr)))),
+          SPA_PARAM_BUFFERS_dataType, SPA_POD_CHOICE_FLAGS_Int(types))),
       static_cast<const spa_pod*>(spa_pod_builder_add_object(
           &builder, SPA_TYPE_OBJECT_ParamMeta, SPA_PARAM_Meta, SPA_PARAM_META_type,
           SPA_POD_Id(SPA_META_Header), SPA_PARAM_META_size, SPA_POD_Int(sizeof(spa_meta_header)))),
@@ -243,6 +247,17 @@ Look TestCamera::nextLook() {
   return Look::Black;
 }
 
+void TestCamera::bufferAdded(void* self, pw_buffer* buffer) {
+  auto& camera = *static_cast<TestCamera*>(self);
+  if (!camera.memory_ || camera.source_ == nullptr) return;
+  if (!camera.memory_->add(*buffer, camera.source_->maximumBytes())) say("ERROR no memory");
+}
+
+void TestCamera::bufferRemoved(void* self, pw_buffer* buffer) {
+  auto& camera = *static_cast<TestCamera*>(self);
+  if (camera.memory_) camera.memory_->remove(*buffer);
+}
+
 void TestCamera::frameWanted(void* self) {
   auto& camera = *static_cast<TestCamera*>(self);
   pw_buffer* const wrapped = pw_stream_dequeue_buffer(camera.stream_);
@@ -250,7 +265,8 @@ void TestCamera::frameWanted(void* self) {
   spa_data& data = wrapped->buffer->datas[0];
   if (data.data != nullptr && camera.source_ != nullptr) {
     const std::int64_t taken = now() - std::int64_t{camera.latency_} * kNanosecondsPerMillisecond;
-    const std::span<std::uint8_t> target(static_cast<std::uint8_t*>(data.data), data.maxsize);
+    const std::size_t room = std::min<std::size_t>(data.maxsize, camera.source_->maximumBytes());
+    const std::span<std::uint8_t> target(static_cast<std::uint8_t*>(data.data), room);
     data.chunk->offset = 0;
     data.chunk->size =
         camera.source_->write(camera.counter_, static_cast<std::uint32_t>(taken / kNanosecondsPerMillisecond),
@@ -260,6 +276,7 @@ void TestCamera::frameWanted(void* self) {
     auto* const header = static_cast<spa_meta_header*>(
         spa_buffer_find_meta_data(wrapped->buffer, SPA_META_Header, sizeof(spa_meta_header)));
     if (header != nullptr) *header = {0, 0, taken, 0, camera.counter_};
+    if (camera.memory_) camera.memory_->wrote(*wrapped);
   }
   pw_stream_queue_buffer(camera.stream_, wrapped);
 }

@@ -2,11 +2,13 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include <pipewire/pipewire.h>
 
 #include "stage/camera/Options.h"
+#include "stage/camera/OwnMemory.h"
 #include "stage/camera/PictureSource.h"
 
 namespace vistrel::stage {
@@ -26,6 +28,8 @@ class TestCamera {
  private:
   static void stateChanged(void* self, pw_stream_state old, pw_stream_state state, const char* error);
   static void parameterChanged(void* self, std::uint32_t id, const spa_pod* parameter);
+  static void bufferAdded(void* self, pw_buffer* buffer);
+  static void bufferRemoved(void* self, pw_buffer* buffer);
   static void frameWanted(void* self);
   static void timerFired(void* self, std::uint64_t expirations);
   static void inputReady(void* self, int descriptor, std::uint32_t mask);
@@ -46,6 +50,7 @@ class TestCamera {
   spa_source* timer_ = nullptr;
   pw_stream* stream_ = nullptr;
   spa_hook listener_{};
+  std::optional<OwnMemory> memory_;
   std::unique_ptr<PictureSource> source_;
   const Offer* drawn_ = nullptr;  ///< what `source_` draws, kept between streams: a camera is ready at once
   spa_fraction rate_{30, 1};

@@ -48,10 +48,13 @@ class MirrorTest(TearingOff, DesktopTest):
     stage = {"size": SIZE}
 
     def test_a_click_shows_the_mirrored_picture_and_the_next_one_ends_it(self):
-        for index, size in enumerate(SIZES):
+        # The daemon allocates the buffers, or the camera does, as the plugin for the kernel's drivers.
+        cameras = (("mjpeg", ()), ("mjpeg", ("--memory", "dmabuf")), ("yuy2", ("--memory", "dmabuf")))
+        for index, (size, (form, options)) in enumerate(zip(SIZES, cameras)):
             with self.subTest(size=size):
                 self.desktop.camera(name="Other", node="z-other")
-                camera = self.desktop.camera(name="Wanted", node="a-wanted", offers=["mjpeg:1280x720@30"])
+                camera = self.desktop.camera(name="Wanted", node="a-wanted", offers=[f"{form}:1280x720@30"],
+                                             options=options)
                 with self.start({"selectedPopoverSize": index, "defaultCameraPreference": "Wanted"}) as vistrel:
                     seen = self.open(vistrel)
                     self.assertTrue(seen["mirrored"] and seen["upright"])

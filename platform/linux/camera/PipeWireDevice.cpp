@@ -13,21 +13,11 @@
 namespace vistrel::camera {
 namespace {
 
-constexpr int kMostPlanes = 3;
-
 bool isDamaged(const spa_buffer& buffer) {
   const auto* header = static_cast<const spa_meta_header*>(
       spa_buffer_find_meta_data(&buffer, SPA_META_Header, sizeof(spa_meta_header)));
-  return (header && (header->flags & SPA_META_HEADER_FLAG_CORRUPTED)) ||
-         (buffer.datas[0].chunk->flags & SPA_CHUNK_FLAG_CORRUPTED);
-}
-
-// The producer's figures are another process's word: they are cut to the memory that is really mapped.
-PlaneMemory memoryOf(const spa_data& data) {
-  if (!data.data || data.maxsize == 0) return {};
-  const std::uint32_t offset = std::min(data.chunk->offset, data.maxsize);
-  const std::uint32_t size = std::min(data.chunk->size, data.maxsize - offset);
-  return {{static_cast<const std::uint8_t*>(data.data) + offset, size}, data.chunk->stride};
+  return (header && (header->flags & SPA_META_HEADER_FLAG_CORRUPTED)) || buffer.n_datas == 0 ||
+         !buffer.datas[0].chunk || (buffer.datas[0].chunk->flags & SPA_CHUNK_FLAG_CORRUPTED);
 }
 
 // Memory of another device has to be made visible to the processor, and given up again.
@@ -103,6 +93,7 @@ bool PipeWireDevice::openStream(const ModeChoice& mode) {
     e.version = PW_VERSION_STREAM_EVENTS;
     e.state_changed = onState;
     e.param_changed = onParam;
+    e.add_buffer = onAddBuffer;
     e.remove_buffer = onRemoveBuffer;
     e.process = onProcess;
     return e;
@@ -133,6 +124,7 @@ void PipeWireDevice::closeStream() {
   if (!stream_) return;
   letGo();
   agreed_.reset();
+  buffers_.clear();
   spa_hook_remove(&listener_);
   stream_.reset();
   state_ = PW_STREAM_STATE_UNCONNECTED;
@@ -164,11 +156,17 @@ void PipeWireDevice::onParam(void* data, std::uint32_t id, const spa_pod* param)
   pw_stream_update_params(device.stream_.get(), offers.data(), offers.size());
 }
 
+void PipeWireDevice::onAddBuffer(void* data, pw_buffer* buffer) {
+  static_cast<PipeWireDevice*>(data)->buffers_.try_emplace(buffer, *buffer->buffer);
+}
+
 void PipeWireDevice::onRemoveBuffer(void* data, pw_buffer* buffer) {
   auto& device = *static_cast<PipeWireDevice*>(data);
-  if (device.held_ != buffer) return;
-  device.held_ = nullptr;
-  device.frame_.reset();
+  if (device.held_ == buffer) {
+    device.held_ = nullptr;
+    device.frame_.reset();
+  }
+  device.buffers_.erase(buffer);
 }
 
 void PipeWireDevice::onProcess(void* data) {
@@ -183,7 +181,7 @@ void PipeWireDevice::onProcess(void* data) {
 }
 
 void PipeWireDevice::hold(pw_buffer* buffer) {
-  const auto frame = frameIn(*buffer->buffer);
+  const auto frame = frameIn(*buffer);
   if (!frame) {
     pw_stream_queue_buffer(stream_.get(), buffer);
     return;
@@ -203,11 +201,12 @@ void PipeWireDevice::letGo() {
   held_ = nullptr;
 }
 
-std::optional<Frame> PipeWireDevice::frameIn(const spa_buffer& buffer) const {
-  if (!agreed_ || buffer.n_datas == 0 || isDamaged(buffer)) return std::nullopt;
-  std::array<PlaneMemory, kMostPlanes> planes;
-  const std::size_t count = std::min<std::size_t>(buffer.n_datas, kMostPlanes);
-  for (std::size_t i = 0; i < count; ++i) planes[i] = memoryOf(buffer.datas[i]);
+std::optional<Frame> PipeWireDevice::frameIn(const pw_buffer& buffer) const {
+  const auto found = buffers_.find(&buffer);
+  if (!agreed_ || found == buffers_.end() || isDamaged(*buffer.buffer)) return std::nullopt;
+  std::array<PlaneMemory, StreamBuffer::kMostBlocks> planes;
+  const std::size_t count = found->second.blockCount();
+  for (std::size_t i = 0; i < count; ++i) planes[i] = found->second.content(i);
   if (planes[0].bytes.empty()) return std::nullopt;
   if (agreed_->format == PixelFormat::Mjpeg) return planes[0].bytes;
   const auto picture = pictureIn({planes.data(), count}, agreed_->format, agreed_->size, agreed_->color);

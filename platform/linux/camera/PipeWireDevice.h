@@ -2,6 +2,7 @@
 
 #include <pipewire/pipewire.h>
 
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -9,6 +10,7 @@
 #include "linux/camera/CaptureDevice.h"
 #include "linux/camera/PipeWireFormats.h"
 #include "linux/camera/PipeWireGraph.h"
+#include "linux/camera/StreamBuffer.h"
 
 namespace vistrel::camera {
 
@@ -34,6 +36,7 @@ class PipeWireDevice final : public CaptureDevice, private PipeWireClient {
  private:
   static void onState(void* data, pw_stream_state old, pw_stream_state state, const char* error);
   static void onParam(void* data, std::uint32_t id, const spa_pod* param);
+  static void onAddBuffer(void* data, pw_buffer* buffer);
   static void onRemoveBuffer(void* data, pw_buffer* buffer);
   static void onProcess(void* data);
 
@@ -47,7 +50,7 @@ class PipeWireDevice final : public CaptureDevice, private PipeWireClient {
   void fail(Error error);
   void hold(pw_buffer* buffer);
   void letGo();
-  [[nodiscard]] std::optional<Frame> frameIn(const spa_buffer& buffer) const;
+  [[nodiscard]] std::optional<Frame> frameIn(const pw_buffer& buffer) const;
 
   std::shared_ptr<PipeWireGraph> graph_;
   std::uint32_t nodeId_;
@@ -63,6 +66,7 @@ class PipeWireDevice final : public CaptureDevice, private PipeWireClient {
   pw_stream_state state_ = PW_STREAM_STATE_UNCONNECTED;
   std::string stateError_;
   std::optional<AgreedFormat> agreed_;
+  std::map<const pw_buffer*, StreamBuffer> buffers_;
   pw_buffer* held_ = nullptr;
   std::optional<Frame> frame_;
 
