@@ -240,6 +240,11 @@ class Desktop:
         """The daemon's process."""
         return self._pipewire[0]
 
+    @property
+    def session_manager(self):
+        """PipeWire's session manager's process."""
+        return self._pipewire[1]
+
     def graph(self, kind):
         """The objects of that kind on the PipeWire graph: "Node", "Link", "Client"."""
         text, objects = self.run("pw-dump").strip(), {}

@@ -1,5 +1,6 @@
 """The mirror: a click opens it with the live picture, and everything that closes it frees the camera."""
 
+import signal
 import unittest
 
 from stage.processes import wait_until
@@ -82,6 +83,19 @@ class MirrorTest(TearingOff, DesktopTest):
         self.open(vistrel)
         vistrel.terminate()
         self.assertEqual(plain(vistrel.lines), [refreshed] * 5 + [STARTED] + [refreshed] * 2 + [STARTED])
+
+    def test_the_camera_lets_go_of_its_device_without_the_session_manager(self):
+        camera = self.desktop.camera()
+        vistrel = self.start()
+        for _ in range(2):
+            self.open(vistrel)
+            since = len(camera.lines)
+            manager = self.desktop.session_manager
+            manager.signal(signal.SIGSTOP)
+            self.addCleanup(manager.signal, signal.SIGCONT)
+            vistrel.click()
+            camera.wait_line("FORMAT none", since)
+            manager.signal(signal.SIGCONT)
 
     def test_the_picture_is_as_the_camera_sends_it_when_the_user_wants_no_mirror(self):
         self.desktop.camera(offers=["nv12:640x480@30"])

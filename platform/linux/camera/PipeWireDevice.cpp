@@ -98,8 +98,9 @@ bool PipeWireDevice::openStream(const ModeChoice& mode) {
     e.process = onProcess;
     return e;
   }();
-  const PipeWireNode* node = graph_->find(nodeId_);
+  PipeWireNode* node = graph_->find(nodeId_);
   if (!graph_->isConnected() || !node) return fail(errorOf(CameraError::Gone)), false;
+  node->keepAwake();
   errorsBefore_ = node->errorCount();
   stream_.reset(pw_stream_new(graph_->core(), program::kName, streamProperties(target_)));
   if (!stream_) return fail({"PipeWire made no stream for the camera."}), false;
@@ -129,6 +130,7 @@ void PipeWireDevice::closeStream() {
   stream_.reset();
   state_ = PW_STREAM_STATE_UNCONNECTED;
   stateError_.clear();
+  if (PipeWireNode* node = graph_->find(nodeId_)) node->suspendWhenIdle();
 }
 
 void PipeWireDevice::fail(Error error) {

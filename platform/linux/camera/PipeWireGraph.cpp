@@ -73,7 +73,7 @@ std::chrono::milliseconds PipeWireGraph::refresh() {
   return std::chrono::ceil<std::chrono::milliseconds>(Clock::now() - start);
 }
 
-const PipeWireNode* PipeWireGraph::find(std::uint32_t globalId) const {
+PipeWireNode* PipeWireGraph::find(std::uint32_t globalId) {
   const auto found =
       std::find_if(nodes_.begin(), nodes_.end(), [&](auto& n) { return n->globalId() == globalId; });
   return found == nodes_.end() ? nullptr : found->get();
@@ -110,7 +110,10 @@ void PipeWireGraph::afterIteration() {
   dropRemoved();
   bindAnnounced();
   bool asked = false;
-  for (auto& node : nodes_) asked = node->askForFormats() || asked;
+  for (auto& node : nodes_) {
+    node->suspendIfDue();
+    asked = node->askForFormats() || asked;
+  }
   if (asked) sync();
   if (answered_ != awaited_) return;
   hangs_ = false;

@@ -40,7 +40,8 @@ class PipeWireGraph : private PipeWireClient {
   /// True while the daemon owes an answer that has been waited for.
   [[nodiscard]] bool hangs() const { return hangs_; }
   [[nodiscard]] const std::vector<std::unique_ptr<PipeWireNode>>& nodes() const { return nodes_; }
-  [[nodiscard]] const PipeWireNode* find(std::uint32_t globalId) const;
+  /// Null when no camera has the identifier (any more).
+  [[nodiscard]] PipeWireNode* find(std::uint32_t globalId);
 
   [[nodiscard]] pw_core* core() const { return core_.get(); }
   [[nodiscard]] PipeWireLoop& loop() { return loop_; }

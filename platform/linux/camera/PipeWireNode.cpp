@@ -1,5 +1,6 @@
 #include "linux/camera/PipeWireNode.h"
 
+#include <spa/node/command.h>
 #include <spa/param/param.h>
 
 #include "linux/camera/PipeWireFormats.h"
@@ -32,6 +33,18 @@ PipeWireNode::~PipeWireNode() {
 const std::string* PipeWireNode::property(std::string_view key) const {
   const auto found = properties_.find(key);
   return found == properties_.end() ? nullptr : &found->second;
+}
+
+void PipeWireNode::suspendWhenIdle() {
+  isSuspendDue_ = true;
+  suspendIfDue();
+}
+
+void PipeWireNode::suspendIfDue() {
+  if (!isSuspendDue_ || !proxy_ || state_ != PW_NODE_STATE_IDLE) return;
+  isSuspendDue_ = false;
+  const spa_command suspend = SPA_NODE_COMMAND_INIT(SPA_NODE_COMMAND_Suspend);
+  pw_node_send_command(proxy_.get(), &suspend);
 }
 
 bool PipeWireNode::askForFormats() {

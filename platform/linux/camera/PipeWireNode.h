@@ -37,6 +37,13 @@ class PipeWireNode {
   [[nodiscard]] int errorCount() const { return errorCount_; }
   [[nodiscard]] const std::string& lastError() const { return lastError_; }
 
+  /// Has the camera let go of its device as soon as nobody reads it any more: the session manager does that
+  /// some seconds later only. A reader of ours that begins before takes it back.
+  void suspendWhenIdle();
+  void keepAwake() { isSuspendDue_ = false; }
+  /// Outside of the library's callbacks: sends what is due by the state that they recorded.
+  void suspendIfDue();
+
   /// Asks for the formats again if they have changed. True when it did, so that the answer must be awaited.
   bool askForFormats();
   /// Everything that was asked for has been answered.
@@ -58,6 +65,7 @@ class PipeWireNode {
   bool hasNewFormats_ = false;
   bool areModesOld_ = false;
   pw_node_state state_ = PW_NODE_STATE_CREATING;
+  bool isSuspendDue_ = false;
   int errorCount_ = 0;
   std::string lastError_;
 };
