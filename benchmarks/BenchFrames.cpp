@@ -4,6 +4,7 @@
 #include <array>
 #include <random>
 
+#include "linux/camera/Picture.h"
 #include "tests/unit/linux/camera/JpegEncoder.h"
 
 namespace vistrel::bench {
@@ -14,24 +15,6 @@ constexpr std::size_t kNoise = 65521;  // of which a row is no multiple
 constexpr int kPlainQuality = 80;
 constexpr int kRichQuality = 75;
 constexpr unsigned kGrain = 12;
-
-std::size_t bytesOf(camera::PixelFormat format, PixelSize size) {
-  using camera::PixelFormat;
-  const auto pixels = static_cast<std::size_t>(size.width) * size.height;
-  switch (format) {
-    case PixelFormat::I420:
-    case PixelFormat::Nv12:
-      return pixels * 3 / 2;
-    case PixelFormat::Yuy2:
-    case PixelFormat::Uyvy:
-      return pixels * 2;
-    case PixelFormat::Bgr24:
-    case PixelFormat::Rgb24:
-      return pixels * 3;
-    default:
-      return pixels * 4;
-  }
-}
 
 void fillRow(std::vector<std::uint8_t>& row, PixelSize size, int y, Scene scene, std::minstd_rand& random) {
   for (int x = 0; x < size.width; ++x) {
@@ -54,7 +37,8 @@ PixelSize glassFor(PixelSize source, PixelSize glass) {
 
 std::vector<std::vector<std::uint8_t>> rawFrames(camera::PixelFormat format, PixelSize size) {
   std::minstd_rand random(1);
-  std::vector<std::vector<std::uint8_t>> frames(kFrames, std::vector<std::uint8_t>(bytesOf(format, size)));
+  std::vector<std::vector<std::uint8_t>> frames(kFrames,
+                                                std::vector<std::uint8_t>(camera::rawBytes(format, size)));
   std::array<std::uint8_t, kNoise> noise{};
   for (auto& byte : noise) byte = static_cast<std::uint8_t>(random() >> 8);
   for (auto& frame : frames)

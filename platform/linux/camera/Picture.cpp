@@ -1,7 +1,6 @@
 #include "linux/camera/Picture.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace vistrel::camera {
 namespace {
@@ -24,25 +23,25 @@ struct Shape {
 };
 
 Shape shapeOf(PixelFormat format, PixelSize size) {
+  const PixelLayout& layout = layoutOf(format);
   const int halfWidth = (size.width + 1) / 2;
   const int halfHeight = (size.height + 1) / 2;
-  switch (format) {
-    case PixelFormat::I420:
-    case PixelFormat::Yv12:
-      return {3, {{{size.width, size.height}, {halfWidth, halfHeight}, {halfWidth, halfHeight}}}};
-    case PixelFormat::Nv12:
-      return {2, {{{size.width, size.height}, {halfWidth * 2, halfHeight}, {}}}};
-    case PixelFormat::Yuy2:
-    case PixelFormat::Uyvy:
-      return {1, {{{halfWidth * 4, size.height}, {}, {}}}};
-    case PixelFormat::Bgr24:
-    case PixelFormat::Rgb24:
-      return {1, {{{size.width * 3, size.height}, {}, {}}}};
-    case PixelFormat::Mjpeg:
-      return {};
-    default:
-      return {1, {{{size.width * 4, size.height}, {}, {}}}};
+  Shape shape{layout.planeCount, {{{size.width * layout.bytes, size.height}, {}, {}}}};
+  switch (layout.family) {
+    case PixelFamily::Planar:
+      shape.planes[1] = shape.planes[2] = {halfWidth, halfHeight};
+      break;
+    case PixelFamily::SemiPlanar:
+      shape.planes[1] = {halfWidth * 2, halfHeight};
+      break;
+    case PixelFamily::Packed:
+      shape.planes[0].rowBytes = halfWidth * layout.bytes;
+      break;
+    case PixelFamily::Rgb:
+    case PixelFamily::Compressed:
+      break;
   }
+  return shape;
 }
 
 std::size_t bytesNeeded(PlaneShape plane, int stride) {
@@ -84,22 +83,11 @@ struct Sample {
   int c = 0;  // chroma or blue
 };
 
-Sample rgbSample(const Picture& p, std::ptrdiff_t x, std::ptrdiff_t y) {
-  const auto* row = p.planes[0].data + y * p.planes[0].stride;
-  switch (p.format) {
-    case PixelFormat::Bgr24:
-      return {row[3 * x + 2], row[3 * x + 1], row[3 * x]};
-    case PixelFormat::Rgb24:
-      return {row[3 * x], row[3 * x + 1], row[3 * x + 2]};
-    case PixelFormat::Bgrx:
-      return {row[4 * x + 2], row[4 * x + 1], row[4 * x]};
-    case PixelFormat::Rgbx:
-      return {row[4 * x], row[4 * x + 1], row[4 * x + 2]};
-    case PixelFormat::Xrgb:
-      return {row[4 * x + 1], row[4 * x + 2], row[4 * x + 3]};
-    default:
-      return {row[4 * x + 3], row[4 * x + 2], row[4 * x + 1]};
-  }
+// The three components of the unit that the pixel is in.
+Sample sampleInUnit(const Picture& p, std::ptrdiff_t unit, std::ptrdiff_t y) {
+  const PixelLayout& layout = layoutOf(p.format);
+  const auto* bytes = p.planes[0].data + y * p.planes[0].stride + unit * layout.bytes;
+  return {bytes[layout.order[0]], bytes[layout.order[1]], bytes[layout.order[2]]};
 }
 
 Sample planarSample(const Picture& p, std::ptrdiff_t x, std::ptrdiff_t y) {
@@ -115,19 +103,13 @@ Sample planarSample(const Picture& p, std::ptrdiff_t x, std::ptrdiff_t y) {
           p.planes[2].data[cy * p.planes[2].stride + cx]};
 }
 
-Sample packedSample(const Picture& p, std::ptrdiff_t x, std::ptrdiff_t y) {
-  const auto* quad = p.planes[0].data + y * p.planes[0].stride + x / 2 * 4;
-  return p.format == PixelFormat::Yuy2 ? Sample{quad[0], quad[1], quad[3]}
-                                       : Sample{quad[1], quad[0], quad[2]};
-}
-
 bool isBlankSample(const Picture& p, int x, int y) {
-  if (p.format >= PixelFormat::Bgrx) {
-    const Sample rgb = rgbSample(p, x, y);
+  const PixelFamily family = layoutOf(p.format).family;
+  if (family == PixelFamily::Rgb) {
+    const Sample rgb = sampleInUnit(p, x, y);
     return rgb.a < kDarkest && rgb.c < kDarkest && (rgb.b < kDarkest || rgb.b > 100);
   }
-  const bool isPacked = p.format == PixelFormat::Yuy2 || p.format == PixelFormat::Uyvy;
-  const Sample yuv = isPacked ? packedSample(p, x, y) : planarSample(p, x, y);
+  const Sample yuv = family == PixelFamily::Packed ? sampleInUnit(p, x / 2, y) : planarSample(p, x, y);
   return yuv.a < kDarkest || (yuv.b < kNoChroma && yuv.c < kNoChroma);
 }
 
@@ -143,11 +125,20 @@ std::optional<Picture> pictureIn(std::span<const PlaneMemory> memory, PixelForma
   const bool hasBlocks = shape.planeCount > 1 && memory.size() >= static_cast<std::size_t>(shape.planeCount);
   if (!(hasBlocks ? takeBlocks(picture, memory, shape) : splitBlock(picture, memory[0], shape)))
     return std::nullopt;
-  if (format == PixelFormat::Yv12) {
-    std::swap(picture.planes[1], picture.planes[2]);
+  const PixelLayout& layout = layoutOf(format);
+  if (layout.family == PixelFamily::Planar) {
+    const auto found = picture.planes;
+    for (std::size_t i = 0; i < found.size(); ++i) picture.planes[i] = found[layout.order[i]];
     picture.format = PixelFormat::I420;
   }
   return picture;
+}
+
+std::size_t rawBytes(PixelFormat format, PixelSize size) {
+  std::size_t bytes = 0;
+  for (const auto& [rowBytes, rows] : shapeOf(format, size).planes)
+    bytes += static_cast<std::size_t>(rowBytes) * static_cast<std::size_t>(rows);
+  return bytes;
 }
 
 bool isBlank(const Picture& picture) {

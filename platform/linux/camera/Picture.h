@@ -39,6 +39,9 @@ struct PlaneMemory {
 [[nodiscard]] std::optional<Picture> pictureIn(std::span<const PlaneMemory> memory, PixelFormat format,
                                                PixelSize size, YuvColor color);
 
+/// The bytes of a raw picture whose rows have no gaps; 0 for a compressed format.
+[[nodiscard]] std::size_t rawBytes(PixelFormat format, PixelSize size);
+
 /// True for a picture that is black or green throughout, as cameras send before their first real one. Looks
 /// at a few samples only.
 [[nodiscard]] bool isBlank(const Picture& picture);

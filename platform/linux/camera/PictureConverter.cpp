@@ -2,6 +2,7 @@
 
 #include <libyuv.h>
 
+#include <array>
 #include <cmath>
 
 namespace vistrel::camera {
@@ -25,10 +26,20 @@ const libyuv::YuvConstants* constantsOf(YuvColor color) {
   }
 }
 
-bool isRgb(PixelFormat format) { return format >= PixelFormat::Bgrx; }
-bool isRgb24(PixelFormat format) { return format == PixelFormat::Bgr24 || format == PixelFormat::Rgb24; }
-bool isPacked(PixelFormat format) { return format == PixelFormat::Yuy2 || format == PixelFormat::Uyvy; }
+bool isRgb(PixelFormat format) { return layoutOf(format).family == PixelFamily::Rgb; }
+bool isPacked(PixelFormat format) { return layoutOf(format).family == PixelFamily::Packed; }
 bool isGrey(const Picture& picture) { return picture.format == PixelFormat::I420 && !picture.planes[1].data; }
+
+// The library's vector code for this overruns its stack where the width is no multiple of its step (libyuv
+// 1904).
+constexpr int kSplitStep = 32;
+
+void split24(const std::uint8_t* row, const std::array<std::uint8_t*, 4>& places, int width) {
+  const int whole = width / kSplitStep * kSplitStep;
+  if (whole > 0) libyuv::SplitRGBPlane(row, 0, places[0], 0, places[1], 0, places[2], 0, whole, 1);
+  for (int x = whole; x < width; ++x)
+    for (int i = 0; i < 3; ++i) places[i][x] = row[3 * x + i];
+}
 
 // How many pixels a chroma sample stands for.
 int stepOf(int pixels, int samples) {
@@ -68,7 +79,8 @@ void PictureConverter::prepare(const Picture& picture, const GlassTarget& target
 PictureConverter::Rows PictureConverter::rowsAt(const Picture& picture, int y) {
   if (isRgb(picture.format)) return rgbRows(picture, y);
   if (isPacked(picture.format)) return packedRows(picture, y);
-  return picture.format == PixelFormat::Nv12 ? semiPlanarRows(picture, y) : planarRows(picture, y);
+  return layoutOf(picture.format).family == PixelFamily::SemiPlanar ? semiPlanarRows(picture, y)
+                                                                    : planarRows(picture, y);
 }
 
 PictureConverter::Rows PictureConverter::planarRows(const Picture& picture, int y) {
@@ -101,41 +113,23 @@ PictureConverter::Rows PictureConverter::packedRows(const Picture& picture, int 
   return {split[0], split[1], split[2]};
 }
 
-// Red, green and blue, whatever their order in memory: the library splits by place, so the rows are handed to
-// it in the order of the bytes.
+// Red, green and blue, whatever their order in memory: the library splits by place, so it is handed the rows
+// in the order of the bytes.
 PictureConverter::Rows PictureConverter::rgbRows(const Picture& picture, int y) {
+  const PixelLayout& layout = layoutOf(picture.format);
   auto& channel = channels_[0];
   const int width = channel.across.samples;
-  const int rowBytes = width * (isRgb24(picture.format) ? 3 : 4);
-  const auto* row = channel.sampler.row(picture.planes[0], rowBytes, channel.down, y);
-  const auto [red, green, blue, unused] = splitRows(width);
-  const auto split24 = [&](auto* first, auto* second, auto* third) {
-    libyuv::SplitRGBPlane(row, 0, first, 0, second, 0, third, 0, width, 1);
-  };
-  const auto split32 = [&](auto* first, auto* second, auto* third, auto* fourth) {
-    libyuv::SplitARGBPlane(row, 0, third, 0, second, 0, first, 0, fourth, 0, width, 1);
-  };
-  switch (picture.format) {
-    case PixelFormat::Rgb24:
-      split24(red, green, blue);
-      break;
-    case PixelFormat::Bgr24:
-      split24(blue, green, red);
-      break;
-    case PixelFormat::Rgbx:
-      split32(red, green, blue, unused);
-      break;
-    case PixelFormat::Xrgb:
-      split32(unused, red, green, blue);
-      break;
-    case PixelFormat::Xbgr:
-      split32(unused, blue, green, red);
-      break;
-    default:
-      split32(blue, green, red, unused);
-      break;
+  const auto* row = channel.sampler.row(picture.planes[0], width * layout.bytes, channel.down, y);
+  const SplitRows rows = splitRows(width);
+  std::array<std::uint8_t*, 4> places{};
+  places.fill(rows[kChannels]);
+  for (std::size_t i = 0; i < kChannels; ++i) places[layout.order[i]] = rows[i];
+  if (layout.bytes == 3) {
+    split24(row, places, width);
+  } else {
+    libyuv::SplitARGBPlane(row, 0, places[2], 0, places[1], 0, places[0], 0, places[3], 0, width, 1);
   }
-  return {red, green, blue};
+  return {rows[0], rows[1], rows[2]};
 }
 
 PictureConverter::SplitRows PictureConverter::splitRows(int width) {

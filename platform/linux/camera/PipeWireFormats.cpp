@@ -8,7 +8,10 @@
 #include <spa/param/video/format-utils.h>
 #include <spa/pod/iter.h>
 
+#include <algorithm>
+#include <iterator>
 #include <optional>
+#include <utility>
 
 namespace vistrel::camera {
 namespace {
@@ -18,37 +21,21 @@ constexpr int kBuffers = 4;
 constexpr int kFewestBuffers = 2;
 constexpr int kMostBuffers = 16;
 
+constexpr std::pair<std::uint32_t, PixelFormat> kFormats[] = {
+    {SPA_VIDEO_FORMAT_I420, PixelFormat::I420}, {SPA_VIDEO_FORMAT_YV12, PixelFormat::Yv12},
+    {SPA_VIDEO_FORMAT_NV12, PixelFormat::Nv12}, {SPA_VIDEO_FORMAT_YUY2, PixelFormat::Yuy2},
+    {SPA_VIDEO_FORMAT_UYVY, PixelFormat::Uyvy}, {SPA_VIDEO_FORMAT_BGRx, PixelFormat::Bgrx},
+    {SPA_VIDEO_FORMAT_BGRA, PixelFormat::Bgrx}, {SPA_VIDEO_FORMAT_RGBx, PixelFormat::Rgbx},
+    {SPA_VIDEO_FORMAT_RGBA, PixelFormat::Rgbx}, {SPA_VIDEO_FORMAT_xRGB, PixelFormat::Xrgb},
+    {SPA_VIDEO_FORMAT_ARGB, PixelFormat::Xrgb}, {SPA_VIDEO_FORMAT_xBGR, PixelFormat::Xbgr},
+    {SPA_VIDEO_FORMAT_ABGR, PixelFormat::Xbgr}, {SPA_VIDEO_FORMAT_BGR, PixelFormat::Bgr24},
+    {SPA_VIDEO_FORMAT_RGB, PixelFormat::Rgb24},
+};
+
 std::optional<PixelFormat> formatOf(std::uint32_t native) {
-  switch (native) {
-    case SPA_VIDEO_FORMAT_I420:
-      return PixelFormat::I420;
-    case SPA_VIDEO_FORMAT_YV12:
-      return PixelFormat::Yv12;
-    case SPA_VIDEO_FORMAT_NV12:
-      return PixelFormat::Nv12;
-    case SPA_VIDEO_FORMAT_YUY2:
-      return PixelFormat::Yuy2;
-    case SPA_VIDEO_FORMAT_UYVY:
-      return PixelFormat::Uyvy;
-    case SPA_VIDEO_FORMAT_BGRx:
-    case SPA_VIDEO_FORMAT_BGRA:
-      return PixelFormat::Bgrx;
-    case SPA_VIDEO_FORMAT_RGBx:
-    case SPA_VIDEO_FORMAT_RGBA:
-      return PixelFormat::Rgbx;
-    case SPA_VIDEO_FORMAT_xRGB:
-    case SPA_VIDEO_FORMAT_ARGB:
-      return PixelFormat::Xrgb;
-    case SPA_VIDEO_FORMAT_xBGR:
-    case SPA_VIDEO_FORMAT_ABGR:
-      return PixelFormat::Xbgr;
-    case SPA_VIDEO_FORMAT_BGR:
-      return PixelFormat::Bgr24;
-    case SPA_VIDEO_FORMAT_RGB:
-      return PixelFormat::Rgb24;
-    default:
-      return std::nullopt;
-  }
+  const auto* found = std::find_if(std::begin(kFormats), std::end(kFormats),
+                                   [native](const auto& known) { return known.first == native; });
+  return found == std::end(kFormats) ? std::nullopt : std::optional(found->second);
 }
 
 // The values of a property: of a list without the default in front of it, of a range with both ends after it.

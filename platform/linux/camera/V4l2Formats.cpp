@@ -1,6 +1,9 @@
 #include "linux/camera/V4l2Formats.h"
 
+#include <algorithm>
+#include <iterator>
 #include <optional>
+#include <utility>
 
 namespace vistrel::camera {
 namespace {
@@ -9,42 +12,23 @@ namespace {
 constexpr std::uint32_t kLongestList = 256;
 constexpr PixelSize kWantedSizes[] = {{3840, 2160}, {1920, 1080}, {1280, 720}};
 
+constexpr std::pair<std::uint32_t, PixelFormat> kFormats[] = {
+    {V4L2_PIX_FMT_YUV420, PixelFormat::I420}, {V4L2_PIX_FMT_YVU420, PixelFormat::Yv12},
+    {V4L2_PIX_FMT_NV12, PixelFormat::Nv12},   {V4L2_PIX_FMT_YUYV, PixelFormat::Yuy2},
+    {V4L2_PIX_FMT_UYVY, PixelFormat::Uyvy},   {V4L2_PIX_FMT_XBGR32, PixelFormat::Bgrx},
+    {V4L2_PIX_FMT_ABGR32, PixelFormat::Bgrx}, {V4L2_PIX_FMT_BGR32, PixelFormat::Bgrx},
+    {V4L2_PIX_FMT_RGBX32, PixelFormat::Rgbx}, {V4L2_PIX_FMT_RGBA32, PixelFormat::Rgbx},
+    {V4L2_PIX_FMT_XRGB32, PixelFormat::Xrgb}, {V4L2_PIX_FMT_ARGB32, PixelFormat::Xrgb},
+    {V4L2_PIX_FMT_RGB32, PixelFormat::Xrgb},  {V4L2_PIX_FMT_BGRX32, PixelFormat::Xbgr},
+    {V4L2_PIX_FMT_BGRA32, PixelFormat::Xbgr}, {V4L2_PIX_FMT_BGR24, PixelFormat::Bgr24},
+    {V4L2_PIX_FMT_RGB24, PixelFormat::Rgb24}, {V4L2_PIX_FMT_MJPEG, PixelFormat::Mjpeg},
+    {V4L2_PIX_FMT_JPEG, PixelFormat::Mjpeg},
+};
+
 std::optional<PixelFormat> formatOf(std::uint32_t code) {
-  switch (code) {
-    case V4L2_PIX_FMT_YUV420:
-      return PixelFormat::I420;
-    case V4L2_PIX_FMT_YVU420:
-      return PixelFormat::Yv12;
-    case V4L2_PIX_FMT_NV12:
-      return PixelFormat::Nv12;
-    case V4L2_PIX_FMT_YUYV:
-      return PixelFormat::Yuy2;
-    case V4L2_PIX_FMT_UYVY:
-      return PixelFormat::Uyvy;
-    case V4L2_PIX_FMT_XBGR32:
-    case V4L2_PIX_FMT_ABGR32:
-    case V4L2_PIX_FMT_BGR32:
-      return PixelFormat::Bgrx;
-    case V4L2_PIX_FMT_RGBX32:
-    case V4L2_PIX_FMT_RGBA32:
-      return PixelFormat::Rgbx;
-    case V4L2_PIX_FMT_XRGB32:
-    case V4L2_PIX_FMT_ARGB32:
-    case V4L2_PIX_FMT_RGB32:
-      return PixelFormat::Xrgb;
-    case V4L2_PIX_FMT_BGRX32:
-    case V4L2_PIX_FMT_BGRA32:
-      return PixelFormat::Xbgr;
-    case V4L2_PIX_FMT_BGR24:
-      return PixelFormat::Bgr24;
-    case V4L2_PIX_FMT_RGB24:
-      return PixelFormat::Rgb24;
-    case V4L2_PIX_FMT_MJPEG:
-    case V4L2_PIX_FMT_JPEG:
-      return PixelFormat::Mjpeg;
-    default:
-      return std::nullopt;
-  }
+  const auto* found = std::find_if(std::begin(kFormats), std::end(kFormats),
+                                   [code](const auto& known) { return known.first == code; });
+  return found == std::end(kFormats) ? std::nullopt : std::optional(found->second);
 }
 
 PixelSize sizeOf(std::uint32_t width, std::uint32_t height) {
