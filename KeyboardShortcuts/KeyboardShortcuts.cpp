@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "KeyboardShortcuts/CarbonKeyboardShortcuts.h"
-#include "KeyboardShortcuts/Storage.h"
+#include "KeyboardShortcuts/Name.h"
 #include "base/Log.h"
 #include "foundation/NotificationCenter.h"
 #include "foundation/ProcessState.h"

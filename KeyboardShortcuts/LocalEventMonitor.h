@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <utility>
 
 #include "appkit/NSEvent.h"
 
@@ -10,13 +11,17 @@ namespace vistrel::KeyboardShortcuts {
 class LocalEventMonitor : public std::enable_shared_from_this<LocalEventMonitor> {
  public:
   /// `callback` answers the event to go on with, or none to swallow it; it may let go of this monitor.
-  LocalEventMonitor(NSEventMask events, NSEvent::Handler callback);
+  LocalEventMonitor(NSEventMask events, NSEvent::Handler callback)
+      : events_(events), callback_(std::move(callback)) {}
   LocalEventMonitor(const LocalEventMonitor&) = delete;
   LocalEventMonitor& operator=(const LocalEventMonitor&) = delete;
-  ~LocalEventMonitor();
+  ~LocalEventMonitor() { NSEvent::removeMonitor(monitor_.lock()); }
 
   /// Once an object. Answers the monitor itself.
-  std::shared_ptr<LocalEventMonitor> start();
+  std::shared_ptr<LocalEventMonitor> start() {
+    monitor_ = NSEvent::addLocalMonitor(events_, callback_);
+    return shared_from_this();
+  }
 
  private:
   NSEventMask events_;

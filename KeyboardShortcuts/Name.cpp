@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "KeyboardShortcuts/KeyboardShortcuts.h"
-#include "KeyboardShortcuts/Storage.h"
+#include "foundation/UserDefaults.h"
 
 namespace vistrel::KeyboardShortcuts {
 
@@ -11,5 +11,22 @@ Name::Name(std::string rawValue, std::optional<Shortcut> defaultShortcut)
     : rawValue_(std::move(rawValue)), defaultShortcut_(defaultShortcut) {
   if (defaultShortcut_ && !hasStoredValue(*this)) storeShortcut(*defaultShortcut_, *this);
 }
+
+std::string storageKey(const Name& name) { return "KeyboardShortcuts_" + name.rawValue(); }
+
+std::optional<Shortcut> readStoredShortcut(const Name& name) {
+  const auto text = UserDefaults::standard().stringForKey(storageKey(name));
+  return text ? Shortcut::decode(*text) : std::nullopt;
+}
+
+bool hasStoredValue(const Name& name) {
+  return UserDefaults::standard().objectForKey(storageKey(name)).has_value();
+}
+
+void writeShortcut(const Shortcut& shortcut, const Name& name) {
+  UserDefaults::standard().setString(shortcut.encode(), storageKey(name));
+}
+
+void writeNoShortcut(const Name& name) { UserDefaults::standard().setBool(false, storageKey(name)); }
 
 }  // namespace vistrel::KeyboardShortcuts

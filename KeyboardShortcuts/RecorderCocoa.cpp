@@ -7,7 +7,6 @@
 #include "appkit/NSAlert.h"
 #include "appkit/NSApplication.h"
 #include "appkit/NSMenuItem.h"
-#include "appkit/NSSound.h"
 #include "appkit/NSWindow.h"
 #include "base/KeyCodes.h"
 #include "base/Log.h"

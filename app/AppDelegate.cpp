@@ -3,12 +3,10 @@
 #include <utility>
 
 #include "KeyboardShortcuts/KeyboardShortcuts.h"
-#include "app/Actions.h"
 #include "app/AuxiliaryWindows.h"
 #include "app/CameraMenu.h"
 #include "app/Notifications.h"
 #include "app/PreferenceKeys.h"
-#include "app/ShortcutNames.h"
 #include "appkit/NSStatusBar.h"
 #include "base/Log.h"
 #include "foundation/ProcessInfo.h"

@@ -1,6 +1,5 @@
 #include "app/CameraMenu.h"
 
-#include "app/Actions.h"
 #include "appkit/NSMenu.h"
 #include "camera/CameraManagement.h"
 

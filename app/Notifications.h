@@ -6,12 +6,27 @@
 namespace vistrel::notification {
 
 /// A preference that the icon, the popover or its closing depend on was written.
-[[nodiscard]] const std::string& dataChanged();
+[[nodiscard]] inline const std::string& dataChanged() {
+  static const std::string name = "dataChanged";
+  return name;
+}
+
 /// The mirroring preference was written; it counts from the next preview on.
-[[nodiscard]] const std::string& mirroringChanged();
+[[nodiscard]] inline const std::string& mirroringChanged() {
+  static const std::string name = "mirroringChanged";
+  return name;
+}
+
 /// The popover was torn off into a window of its own.
-[[nodiscard]] const std::string& windowDetached();
+[[nodiscard]] inline const std::string& windowDetached() {
+  static const std::string name = "windowDetached";
+  return name;
+}
+
 /// The desktop switched between light and dark; on the distributed centre.
-[[nodiscard]] const std::string& interfaceThemeChanged();
+[[nodiscard]] inline const std::string& interfaceThemeChanged() {
+  static const std::string name = "AppleInterfaceThemeChangedNotification";
+  return name;
+}
 
 }  // namespace vistrel::notification

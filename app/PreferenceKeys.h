@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 
+#include "KeyboardShortcuts/Name.h"
 #include "base/Geometry.h"
 
 /// The program's persistent settings: keys, and the tables into which the stored integers point.
@@ -39,3 +40,14 @@ template <class T, std::size_t N>
 }
 
 }  // namespace vistrel::preference
+
+/// The names under which the program stores shortcuts of the user's choice.
+namespace vistrel::shortcutName {
+
+/// Opens the mirror, or closes it; without a default.
+[[nodiscard]] inline const KeyboardShortcuts::Name& toggleShortcutMode() {
+  static const KeyboardShortcuts::Name name("toggleShortcutMode");
+  return name;
+}
+
+}  // namespace vistrel::shortcutName

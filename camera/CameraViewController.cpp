@@ -3,7 +3,6 @@
 #include <any>
 #include <utility>
 
-#include "app/Actions.h"
 #include "app/AuxiliaryWindows.h"
 #include "app/CameraMenu.h"
 #include "app/Notifications.h"

@@ -7,7 +7,6 @@
 #include "LaunchAtLogin/LaunchAtLogin.h"
 #include "app/Notifications.h"
 #include "app/PreferenceKeys.h"
-#include "app/ShortcutNames.h"
 #include "foundation/Bundle.h"
 #include "foundation/NotificationCenter.h"
 

@@ -1,6 +1,8 @@
 #include "appkit/CALayer.h"
 
+#include "appkit/NSApplication.h"
 #include "appkit/NSView.h"
+#include "backend/Backend.h"
 
 namespace vistrel {
 
@@ -21,6 +23,11 @@ void CALayer::setHidden(bool isHidden) {
 
 void CALayer::didChange() {
   if (owner_) owner_->didChange();
+}
+
+void CATransaction::flush() {
+  NSApplication::shared().mapComingWindow();
+  backend::current().windows().flush();
 }
 
 }  // namespace vistrel

@@ -31,4 +31,6 @@ void NSAlert::respond(NSModalResponse response) {
   completion(response);
 }
 
+void NSSound::beep() { backend::current().keyboard().beep(); }
+
 }  // namespace vistrel

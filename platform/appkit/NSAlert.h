@@ -48,4 +48,10 @@ class NSAlert : public NSObject, public std::enable_shared_from_this<NSAlert> {
   Completion completion_;
 };
 
+/// The desktop's alert sound.
+class NSSound {
+ public:
+  static void beep();
+};
+
 }  // namespace vistrel

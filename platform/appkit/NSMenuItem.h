@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "appkit/NSEvent.h"
 #include "foundation/NSObject.h"
@@ -16,8 +17,13 @@ enum class NSControlState { Off = 0, On = 1 };
 /// One row of a menu: plain data, drawn by a backend. Its title is shown as text, on one line.
 class NSMenuItem : public NSObject {
  public:
-  explicit NSMenuItem(std::string title = {}, Selector action = {}, std::string keyEquivalent = {});
-  [[nodiscard]] static std::shared_ptr<NSMenuItem> separatorItem();
+  explicit NSMenuItem(std::string title = {}, Selector action = {}, std::string keyEquivalent = {})
+      : title_(std::move(title)), action_(std::move(action)), keyEquivalent_(std::move(keyEquivalent)) {}
+  [[nodiscard]] static std::shared_ptr<NSMenuItem> separatorItem() {
+    auto item = std::make_shared<NSMenuItem>();
+    item->isSeparator_ = true;
+    return item;
+  }
 
   [[nodiscard]] const std::string& title() const { return title_; }
   void setTitle(std::string title) { title_ = std::move(title); }

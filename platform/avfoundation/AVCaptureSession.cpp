@@ -4,7 +4,7 @@
 #include <optional>
 #include <utility>
 
-#include "appkit/CATransaction.h"
+#include "appkit/CALayer.h"
 #include "backend/Backend.h"
 #include "foundation/NotificationCenter.h"
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <utility>
 
 #include "appkit/CALayer.h"
 #include "avfoundation/AVCaptureSession.h"
@@ -24,7 +25,10 @@ class AVCaptureConnection {
 /// A layer that shows a session's picture. A backend paints it straight from the stream.
 class AVCaptureVideoPreviewLayer final : public CALayer {
  public:
-  explicit AVCaptureVideoPreviewLayer(std::shared_ptr<AVCaptureSession> session);
+  explicit AVCaptureVideoPreviewLayer(std::shared_ptr<AVCaptureSession> session)
+      : session_(std::move(session)) {
+    if (session_->stream()) connection_ = std::make_unique<AVCaptureConnection>();
+  }
 
   [[nodiscard]] AVLayerVideoGravity videoGravity() const { return gravity_; }
   void setVideoGravity(AVLayerVideoGravity gravity) { gravity_ = gravity; }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -23,7 +24,9 @@ class SimulatedTray final : public backend::StatusArea {
 
   [[nodiscard]] backend::StatusAreaClient& client() const { return *client_; }
   /// File name of the icon on screen without its ending; empty when there is none.
-  [[nodiscard]] std::string shownIcon() const;
+  [[nodiscard]] std::string shownIcon() const {
+    return icons.empty() ? std::string() : std::filesystem::path(icons.back()).stem().string();
+  }
 
   /// Every icon that was shown, in order; an empty text for "hidden".
   std::vector<std::string> icons;

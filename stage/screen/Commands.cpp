@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "stage/screen/PictureWatch.h"
-#include "stage/screen/Png.h"
+#include "stage/screen/Screen.h"
 #include "stage/screen/Windows.h"
 
 namespace vistrel::stage {

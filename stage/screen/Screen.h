@@ -46,4 +46,7 @@ class Screen {
   Display* display_;
 };
 
+/// Writes `image` to `path`; false when that fails.
+[[nodiscard]] bool writePng(const Image& image, const std::string& path);
+
 }  // namespace vistrel::stage

@@ -151,4 +151,11 @@ bool isBlank(const Picture& picture) {
   return true;
 }
 
+YuvColor decideColor(PixelFormat format, SourceColor source) {
+  if (format == PixelFormat::Mjpeg) return YuvColor::Bt601Full;
+  const bool isFull = source.range == ColorRange::Full;
+  if (source.matrix == ColorMatrix::Bt709) return isFull ? YuvColor::Bt709Full : YuvColor::Bt709Limited;
+  return isFull ? YuvColor::Bt601Full : YuvColor::Bt601Limited;
+}
+
 }  // namespace vistrel::camera

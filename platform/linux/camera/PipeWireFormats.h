@@ -5,7 +5,7 @@
 
 #include <vector>
 
-#include "linux/camera/Color.h"
+#include "linux/camera/Picture.h"
 #include "linux/camera/VideoMode.h"
 
 namespace vistrel::camera {

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "base/Result.h"
-#include "linux/camera/Color.h"
+#include "linux/camera/Picture.h"
 #include "linux/camera/V4l2System.h"
 #include "linux/camera/VideoMode.h"
 

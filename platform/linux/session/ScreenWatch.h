@@ -1,12 +1,15 @@
 #pragma once
 
+#include <QMargins>
 #include <QObject>
+#include <QRect>
 #include <functional>
 #include <memory>
 #include <vector>
 
 #include "backend/Session.h"
 #include "linux/qt/SingleShot.h"
+#include "linux/x11/PanelStruts.h"
 
 class QScreen;
 
@@ -15,6 +18,10 @@ class X11Connection;
 }
 
 namespace vistrel::session {
+
+/// How far panels reach into a screen from its edges; all in pixels. A strip that leaves nothing of the
+/// screen belongs to a panel of a screen beyond.
+[[nodiscard]] QMargins panelMargins(const QRect& screen, const std::vector<x11::Strut>& struts);
 
 /// The screens, and word of their changes: one for a burst of them, none for a panel that changes its strut.
 class ScreenWatch {

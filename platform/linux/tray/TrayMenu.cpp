@@ -6,7 +6,7 @@
 
 #include "appkit/NSMenu.h"
 #include "base/Program.h"
-#include "linux/qt/MenuText.h"
+#include "linux/qt/MenuRows.h"
 
 namespace vistrel::tray {
 

@@ -9,7 +9,7 @@
 #include <algorithm>
 
 #include "appkit/NSSearchField.h"
-#include "linux/qt/MenuText.h"
+#include "linux/qt/MenuRows.h"
 #include "linux/widgets/LinkButton.h"
 #include "linux/widgets/PickerWidgets.h"
 #include "linux/widgets/ScaledPicture.h"

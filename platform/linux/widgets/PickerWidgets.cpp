@@ -6,7 +6,7 @@
 #include <QRadioButton>
 #include <memory>
 
-#include "linux/qt/MenuText.h"
+#include "linux/qt/MenuRows.h"
 #include "linux/widgets/Segment.h"
 
 namespace vistrel::widgets {

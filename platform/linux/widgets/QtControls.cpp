@@ -8,7 +8,7 @@
 
 #include "appkit/NSWindow.h"
 #include "linux/qt/Icons.h"
-#include "linux/qt/MenuText.h"
+#include "linux/qt/MenuRows.h"
 #include "linux/widgets/MenuButton.h"
 
 namespace vistrel::widgets {

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "KeyboardShortcuts/ModifierFlags.h"
-#include "KeyboardShortcuts/Storage.h"
+#include "KeyboardShortcuts/Name.h"
 #include "appkit/NSMenu.h"
 #include "base/KeyCodes.h"
 #include "foundation/UserDefaults.h"

@@ -5,7 +5,6 @@
 #include "KeyboardShortcuts/KeyboardShortcuts.h"
 #include "app/Notifications.h"
 #include "app/PreferenceKeys.h"
-#include "app/ShortcutNames.h"
 #include "appkit/NSAlert.h"
 #include "appkit/NSWindow.h"
 #include "base/KeyCodes.h"

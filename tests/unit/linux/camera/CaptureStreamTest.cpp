@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "TestJpeg.h"
+#include "JpegEncoder.h"
 #include "tests/unit/linux/PollReactor.h"
 
 namespace vistrel::camera {

@@ -2,7 +2,7 @@
 
 #include <random>
 
-#include "TestJpeg.h"
+#include "JpegEncoder.h"
 #include "linux/camera/JpegDecoder.h"
 
 namespace vistrel::camera {

@@ -1,134 +1,10 @@
-#include <gtest/gtest.h>
-
 #include <cerrno>
-#include <filesystem>
 #include <fstream>
-#include <utility>
 
-#include "ScriptedV4l2.h"
-#include "linux/camera/V4l2Provider.h"
-#include "tests/unit/linux/PollReactor.h"
+#include "tests/unit/linux/camera/V4l2Fixture.h"
 
 namespace vistrel::camera {
 namespace {
-
-namespace fs = std::filesystem;
-using std::chrono::milliseconds;
-
-constexpr PixelSize kSize{64, 48};
-constexpr milliseconds kPatience{250};
-constexpr int kMostTurns = 10000;
-
-class V4l2Test : public testing::Test, public CaptureClient {
- protected:
-  V4l2Test() { fs::create_directories(folder_); }
-  ~V4l2Test() override { fs::remove_all(folder_); }
-
-  std::string node(int number) { return folder_ / ("video" + std::to_string(number)); }
-  std::vector<std::string> names() {
-    std::vector<std::string> names;
-    for (const auto& entry : provider_->cameras()) names.push_back(entry.device.localizedName);
-    return names;
-  }
-  // Waits for its first look, too.
-  void makeProvider() {
-    provider_ = std::make_unique<V4l2Provider>(reactor_, system_, folder_);
-    names();
-  }
-  std::string idOf(int number) {
-    for (const auto& entry : provider_->cameras())
-      if (entry.device.id.starts_with("v4l2:" + node(number))) return entry.device.id;
-    return {};
-  }
-  std::string openError(const std::string& id) {
-    const auto device = provider_->open(id);
-    return device ? "" : device.error().message;
-  }
-  bool waitForOpenCount(int count) {
-    return runUntil([&] { return system_.openCount() == count; });
-  }
-  // Opens and starts the scripted camera.
-  backend::StreamStart start(PixelSize size = kSize) {
-    if (!provider_) makeProvider();
-    device_ = std::move(provider_->open(idOf(0))).value();
-    device_->stop();
-    EXPECT_EQ(system_.openCount(), 1) << "nothing was begun";
-    device_->begin(chooseMode(device_->modes(), size).value(), *this);
-    return device_->awaitStart(kPatience);
-  }
-  // For how long somebody stood waiting since the last time of asking.
-  milliseconds waited() {
-    const auto since = std::exchange(asked_, system_.now());
-    return std::chrono::duration_cast<milliseconds>(asked_ - since);
-  }
-  // Looks again and again, since a thread that ends wakes no loop.
-  bool runUntil(const std::function<bool()>& isDone) {
-    for (int turns = 0; !isDone(); ++turns) {
-      if (turns == kMostTurns) return false;
-      reactor_.turn(milliseconds(1));
-    }
-    return true;
-  }
-  int firstByte() { return std::get<Picture>(device_->frame().value()).planes[0].data[0]; }
-
-  void captureStarted() override { ++started_; }
-  void frameArrived() override { ++arrived_; }
-  void captureFailed(const Error& error) override { failures_.push_back(error.message); }
-
-  const fs::path folder_ = fs::temp_directory_path() / ("v4l2-test-" + std::to_string(::getpid()));
-  desktop::PollReactor reactor_;
-  ScriptedV4l2 system_;
-  std::unique_ptr<V4l2Provider> provider_;
-  std::unique_ptr<CaptureDevice> device_;
-  int started_ = 0;
-  int arrived_ = 0;
-  std::vector<std::string> failures_;
-  V4l2System::Clock::time_point asked_;
-};
-
-TEST_F(V4l2Test, ListsEachUsableCameraOnce) {
-  system_.script[node(0)] = {.card = "UVC"};
-  system_.script[node(1)] = {.card = "UVC", .deviceCaps = V4L2_CAP_META_CAPTURE | V4L2_CAP_STREAMING};
-  system_.script[node(2)] = {.card = "Infrared",
-                             .modes = {{.format = V4L2_PIX_FMT_GREY}, {.format = V4L2_PIX_FMT_Y10}}};
-  system_.script[node(3)] = {.card = std::string(40, 'L'), .place = "usb1", .openResult = -EACCES};
-  system_.script[node(4)] = {.card = "Decoder", .seemsCamera = false, .openResult = -EPERM};
-  system_.script[node(5)] = {.card = "Dead", .openResult = -ENXIO};
-  system_.script[node(6)] = {.card = "<b>&\n", .modes = {{.format = V4L2_PIX_FMT_MJPEG, .rates = {}}}};
-  system_.script[node(7)] = {.card = "Kamera \xd0\x9a\xd0"};
-  system_.script[node(8)] = {.card = "Busy", .seemsCamera = false, .openResult = -EBUSY};
-  system_.script[node(9)] = {.card = "Busy", .index = 1, .openResult = -EBUSY};
-  makeProvider();
-  EXPECT_EQ(names(),
-            (std::vector<std::string>{"UVC", std::string(31, 'L'), "<b>&\n", "Kamera \u041a\ufffd", "Busy"}));
-  EXPECT_EQ(provider_->cameras()[1].path, "usb1");
-  EXPECT_EQ(system_.openCount(), 0);
-}
-
-TEST_F(V4l2Test, NoticesNodesThatComeAndGo) {
-  makeProvider();
-  EXPECT_TRUE(names().empty());
-  system_.script[node(0)] = {.card = "Late"};
-  std::ofstream(node(0)).close();
-  EXPECT_EQ(names(), std::vector<std::string>{"Late"});
-  system_.script.clear();
-  fs::remove(node(0));
-  EXPECT_TRUE(names().empty());
-}
-
-TEST_F(V4l2Test, TakesACameraThatFollowsOnTheSameNodeForAnotherOne) {
-  system_.script[node(0)] = {};
-  std::ofstream(node(0)).close();
-  makeProvider();
-  const auto first = idOf(0);
-  fs::permissions(node(0), fs::perms::owner_read);
-  EXPECT_EQ(idOf(0), first);
-  fs::remove(node(0));
-  std::ofstream(node(0)).close();
-  EXPECT_NE(idOf(0), first);
-  EXPECT_EQ(openError(idOf(0)), "");
-  EXPECT_EQ(openError(first), "The camera is no longer connected.");
-}
 
 TEST_F(V4l2Test, WaitsOnceForOpeningAndStarting) {
   struct Case {
@@ -192,17 +68,6 @@ TEST_F(V4l2Test, RefusesADeviceThatDoesNotAnswerAndWasNeverAsked) {
   system_.holdOpening(false);
   EXPECT_TRUE(waitForOpenCount(0));
   EXPECT_EQ(openError(id), "");
-}
-
-TEST_F(V4l2Test, ListsADeviceThatAnswersLateWhenItDoes) {
-  system_.script[node(0)] = {};
-  system_.holdOpening(true);
-  makeProvider();
-  std::ofstream(node(0)).close();
-  EXPECT_TRUE(names().empty());
-  EXPECT_EQ(waited(), milliseconds(250)) << "for all the looks together";
-  system_.holdOpening(false);
-  EXPECT_TRUE(runUntil([&] { return names() == std::vector<std::string>{"Camera"}; }));
 }
 
 TEST_F(V4l2Test, OpensAnewWithoutWaitingForAStartThatWasStopped) {

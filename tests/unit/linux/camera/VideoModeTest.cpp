@@ -6,7 +6,7 @@
 #include <spa/param/video/raw.h>
 #include <spa/pod/builder.h>
 
-#include "linux/camera/Color.h"
+#include "linux/camera/Picture.h"
 #include "linux/camera/PipeWireFormats.h"
 
 namespace vistrel::camera {

@@ -1,4 +1,4 @@
-#include "linux/session/FreeArea.h"
+#include "linux/session/ScreenWatch.h"
 
 #include <gtest/gtest.h>
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "linux/qt/MenuText.h"
+#include "linux/qt/MenuRows.h"
 #include "linux/tray/MenuPlan.h"
 
 namespace vistrel::tray {

@@ -1,9 +1,0 @@
-#include "appkit/NSSound.h"
-
-#include "backend/Backend.h"
-
-namespace vistrel {
-
-void NSSound::beep() { backend::current().keyboard().beep(); }
-
-}  // namespace vistrel

@@ -1,0 +1,194 @@
+"""The recorder of the global shortcut, with real keys."""
+
+import unittest
+
+from stage.processes import wait_until
+from stage.program import centre
+from tests.desktop.harness import STARTED, STOPPED
+from tests.desktop.settings import SettingsTest
+
+SHORTCUT = "KeyboardShortcuts_toggleShortcutMode"
+
+
+class RecorderTest(SettingsTest):
+    NAME = "Keyboard shortcut:"
+
+    def field(self, vistrel):
+        return self.find(vistrel, self.NAME, "text")
+
+    def record(self, vistrel):
+        self.press(vistrel, self.NAME, "text")
+        self.wait_says(vistrel, "Press Shortcut")
+
+    def wait_says(self, vistrel, hint, text=None):
+        wait_until(lambda: self.field(vistrel)["description"] == hint and text in (None, self.field(vistrel)["text"]),
+                   f"{hint}, {text}")
+
+    def combination(self, *keys):
+        for key in keys[:-1]:
+            self.screen.ask("keydown", key)
+        self.screen.key(keys[-1])
+        for key in reversed(keys[:-1]):
+            self.screen.ask("keyup", key)
+
+    def expect(self, vistrel, text, stored):
+        self.wait_says(vistrel, "Record Shortcut", text)
+        self.assertEqual(vistrel.preferences().get(SHORTCUT), stored)
+
+    def expect_toggle(self, vistrel, camera, *keys):
+        self.combination(*keys)
+        self.screen.live_picture()
+        self.combination(*keys)
+        self.wait_closed(camera)
+
+    def test_a_shortcut_is_recorded_replaced_and_cleared(self):
+        camera = self.desktop.camera()
+        vistrel = self.start({"dismissPreference": 1})
+        self.open_window(vistrel, "Preferences")
+        self.record(vistrel)
+        self.screen.key("a")
+        self.wait_says(vistrel, "Press Shortcut", "")
+        self.combination("Control_L", "Alt_L", "space")
+        space = '{"carbonKeyCode":49,"carbonModifiers":6144}'
+        self.expect(vistrel, "⌃⌥⎵", space)
+        other = self.desktop.start(["xev"])
+        wait_until(lambda: self.screen.focus()["pid"] != vistrel.pid, "the focus on the other application")
+        self.expect_toggle(vistrel, camera, "Control_L", "Alt_L", "space")
+        other.end()
+
+        self.record(vistrel)
+        since = len(vistrel.lines)
+        self.screen.key("Escape")
+        self.expect(vistrel, "⌃⌥⎵", space)
+        self.record(vistrel)
+        self.screen.key("Tab")
+        self.expect(vistrel, "⌃⌥⎵", space)
+        self.record(vistrel)
+        self.combination("Control_L", "Shift_L", "F6")
+        f6 = '{"carbonKeyCode":97,"carbonModifiers":4608}'
+        self.expect(vistrel, "⌃⇧F6", f6)
+        self.record(vistrel)
+        self.combination("Control_L", "Shift_L", "F6")  # heard by the recorder alone
+        self.expect(vistrel, "⌃⇧F6", f6)
+        self.combination("Control_L", "Alt_L", "space")  # nobody's any more
+        self.expect_toggle(vistrel, camera, "Control_L", "Shift_L", "F6")
+        self.assertEqual([line for line in vistrel.lines[since:] if line in (STARTED, STOPPED)], [STARTED])
+
+        self.record(vistrel)
+        self.screen.key("Delete")
+        self.wait_says(vistrel, "Press Shortcut", "")
+        self.assertIs(vistrel.preferences()[SHORTCUT], False)
+        self.screen.key("F7")
+        self.expect(vistrel, "F7", '{"carbonKeyCode":98,"carbonModifiers":0}')
+        x, y, width, height = self.field(vistrel)["place"]
+        self.screen.click((x + width - height // 2, y + height // 2))  # the clear button
+        self.wait_says(vistrel, "Press Shortcut", "")
+        self.assertIs(vistrel.preferences()[SHORTCUT], False)
+        self.screen.key("Escape")
+        self.expect(vistrel, "", False)
+        since = len(vistrel.lines)
+        self.screen.key("F7")  # removed: had it opened the mirror, the click would close it
+        self.open(vistrel)
+        self.assertEqual(vistrel.lines[since:].count(STARTED), 1)
+
+    def test_another_program_gets_its_keys_when_it_takes_the_focus(self):
+        vistrel = self.start()
+        self.open_window(vistrel, "Preferences")
+        self.record(vistrel)
+        other = self.desktop.start(["xev", "-event", "keyboard"])
+        wait_until(lambda: self.screen.focus()["pid"] != vistrel.pid, "the focus on the other application")
+
+        def types():
+            self.screen.key("b")
+            return any("keysym 0x62, b" in line for line in other.lines)
+        wait_until(types, "a key at the other application")
+        other.end()
+
+
+    def test_nothing_opens_while_recording_nor_after_the_removal(self):
+        camera = self.desktop.camera()
+        keys = "Control_L", "Shift_L", "F6"
+        f6 = '{"carbonKeyCode":97,"carbonModifiers":4608}'
+        vistrel = self.start({"dismissPreference": 1, SHORTCUT: f6})
+
+        def in_another_program(work):
+            other = self.desktop.start(["xev"])
+            wait_until(lambda: self.screen.focus()["pid"] != vistrel.pid, "the focus on the other application")
+            work()
+            other.end()
+            wait_until(lambda: self.screen.focus()["pid"] == vistrel.pid, "the focus back in the window")
+
+        self.open_window(vistrel, "Preferences")
+        self.record(vistrel)
+        in_another_program(lambda: self.combination(*keys))
+        self.record(vistrel)
+        self.screen.key("Escape")
+        self.expect(vistrel, "⌃⇧F6", f6)
+        in_another_program(lambda: self.expect_toggle(vistrel, camera, *keys))
+        self.assertEqual(vistrel.lines.count(STARTED), 1)
+
+        self.record(vistrel)
+        self.screen.key("Delete")
+        self.wait_says(vistrel, "Press Shortcut", "")
+        self.screen.key("Escape")
+        self.expect(vistrel, "", False)
+        in_another_program(lambda: self.combination(*keys))
+        self.open(vistrel)  # had the keys opened the mirror, this would close it
+        self.assertEqual(vistrel.lines.count(STARTED), 2)
+
+    def test_it_works_while_a_box_of_ours_has_the_keyboard(self):
+        camera = self.desktop.camera()
+        vistrel = self.start({"dismissPreference": 1, SHORTCUT: '{"carbonKeyCode":97,"carbonModifiers":4608}'})
+        self.open_window(vistrel, "Preferences")
+        self.screen.click(centre(self.size_box(vistrel)["place"]))
+        wait_until(lambda: vistrel.windows(managed=False), "the open box")
+        self.expect_toggle(vistrel, camera, "Control_L", "Shift_L", "F6")
+
+    def test_keys_held_a_while_are_recorded_and_open_nothing(self):
+        vistrel = self.start({"dismissPreference": 1})
+        self.desktop.camera()
+        self.desktop.run("xset", "r", "rate", "20", "100")
+        self.addCleanup(self.desktop.run, "xset", "r", "rate")
+        self.open_window(vistrel, "Preferences")
+        self.record(vistrel)
+        for key in ("Control_L", "Shift_L", "F6"):
+            self.screen.ask("keydown", key)
+        self.wait_says(vistrel, "Record Shortcut", "⌃⇧F6")
+        other = self.desktop.start(["xev"])  # takes far longer to come than a few repeats
+        wait_until(lambda: self.screen.windows(name="Event Tester"), "another window")
+        other.end()
+        for key in ("F6", "Shift_L", "Control_L"):
+            self.screen.ask("keyup", key)
+        self.open(vistrel)  # had the keys opened the mirror, this would close it
+
+
+class RecorderUnderBindingsTest(RecorderTest):
+    stage = {"accessible": True, "manager": "xfwm4"}
+    test_nothing_opens_while_recording_nor_after_the_removal = None
+    test_it_works_while_a_box_of_ours_has_the_keyboard = None
+    test_keys_held_a_while_are_recorded_and_open_nothing = None
+    test_a_shortcut_is_recorded_replaced_and_cleared = None
+    test_another_program_gets_its_keys_when_it_takes_the_focus = None
+
+    def test_the_recorder_sees_and_refuses_what_the_window_manager_keeps(self):
+        vistrel = self.start()
+        self.open_window(vistrel, "Preferences")
+        for has_box in (False, True):
+            self.record(vistrel)
+            if has_box:  # opened by a screen reader, which leaves the focus where it is
+                self.reader.act(self.size_box(vistrel), "ShowMenu")
+                wait_until(lambda: vistrel.windows(managed=False), "the open box")
+                self.screen.key("Escape")
+                wait_until(lambda: not vistrel.windows(managed=False), "the end of the box")
+                self.wait_says(vistrel, "Press Shortcut")
+            self.combination("Alt_L", "F4")  # closes a window here
+            self.press(vistrel, "OK", "push button")
+            self.wait_says(vistrel, "Press Shortcut", "")
+            self.screen.key("Escape")
+            self.expect(vistrel, "", None)
+        self.combination("Alt_L", "F4")
+        wait_until(lambda: not vistrel.windows(name="Preferences"), "the window closed by the window manager")
+
+
+if __name__ == "__main__":
+    unittest.main()
