@@ -17,6 +17,8 @@ namespace {
 
 constexpr ProcessInfo::OperatingSystemVersion kFirstWithCenterStage{12, 3, 0};
 constexpr const char* kClickedStatusBarButton = "clickedStatusBarButton:";
+// In the desktop entry.
+constexpr const char* kPreferencesAction = "preferences";
 constexpr NSEventMask kMouseDowns = maskOf(NSEventType::LeftMouseDown) | maskOf(NSEventType::RightMouseDown);
 
 }  // namespace
@@ -81,6 +83,10 @@ bool AppDelegate::applicationShouldHandleReopen(bool hasVisibleWindows) {
   togglePopover(this);
   NSApplication::shared().activateIgnoringOtherApps(true);
   return true;
+}
+
+void AppDelegate::applicationPerformAction(const std::string& action) {
+  if (action == kPreferencesAction) openPreferencesWindow();
 }
 
 void AppDelegate::applicationWillResignActive() {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 
 #include "app/Popover.h"
 #include "app/PreferenceKeys.h"
@@ -23,6 +24,7 @@ class AppDelegate final : public NSObject, public NSApplicationDelegate, public 
   // NSApplicationDelegate
   void applicationDidFinishLaunching() override;
   bool applicationShouldHandleReopen(bool hasVisibleWindows) override;
+  void applicationPerformAction(const std::string& action) override;
   void applicationWillResignActive() override;
   void applicationWillTerminate() override;
 

@@ -157,6 +157,10 @@ void NSApplication::reopen() {
   if (delegate_) delegate_->applicationShouldHandleReopen(hasWindows);
 }
 
+void NSApplication::actionRequested(const std::string& action) {
+  if (delegate_) delegate_->applicationPerformAction(action);
+}
+
 void NSApplication::didBecomeActive() { isActive_ = true; }
 
 void NSApplication::willResignActive() {

@@ -3,6 +3,7 @@
 #include <deque>
 #include <functional>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "appkit/NSEvent.h"
@@ -26,6 +27,8 @@ class NSApplicationDelegate {
   virtual ~NSApplicationDelegate() = default;
   virtual void applicationDidFinishLaunching() = 0;
   virtual bool applicationShouldHandleReopen(bool hasVisibleWindows) = 0;
+  /// An action of the program's desktop entry, by its name there.
+  virtual void applicationPerformAction(const std::string& action) = 0;
   virtual void applicationWillResignActive() = 0;
   virtual void applicationWillTerminate() = 0;
 };
@@ -86,6 +89,7 @@ class NSApplication final : public NSResponder, public backend::SessionClient {
   // SessionClient
   void didFinishLaunching() override;
   void reopen() override;
+  void actionRequested(const std::string& action) override;
   void didBecomeActive() override;
   void willResignActive() override;
   void screensDidChange() override;

@@ -61,11 +61,17 @@ void NSPopover::makeWindow() {
   window_->setAppearance(appearance_);
 }
 
+PopoverPlace NSPopover::placeAt(const std::optional<Rect>& anchor) const {
+  auto& session = backend::current().session();
+  if (!backend::current().statusArea().hasTray()) {
+    return placeWithoutTray(contentSize_, session.pointerLocation(), session.screens());
+  }
+  return placePopover(contentSize_, anchor, session.pointerLocation(), session.screens());
+}
+
 void NSPopover::showRelativeToRect(const Rect& rect, NSView& view, NSRectEdge /*preferredEdge*/) {
   if (isShown_ || !controller_) return;
-  auto& session = backend::current().session();
-  const auto place =
-      placePopover(contentSize_, anchorOnDesktop(rect, view), session.pointerLocation(), session.screens());
+  const auto place = placeAt(anchorOnDesktop(rect, view));
   anchor_ = view.weak_from_this();
   makeWindow();
   window_->setTip(place.tip);

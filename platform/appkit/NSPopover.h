@@ -8,6 +8,7 @@
 #include "appkit/NSAppearance.h"
 #include "appkit/NSEvent.h"
 #include "appkit/NSWindow.h"
+#include "appkit/ScreenGeometry.h"
 #include "backend/Windows.h"
 #include "foundation/NSObject.h"
 
@@ -68,6 +69,7 @@ class NSPopover : public NSObject, public backend::OutsidePressClient {
   void tearOff();
 
  private:
+  [[nodiscard]] PopoverPlace placeAt(const std::optional<Rect>& anchor) const;
   void makeWindow();
   void appear();
   void watchPresses();

@@ -111,6 +111,17 @@ Rect movedInto(Rect frame, const Rect& room) {
   return frame;
 }
 
+// Trays are at the end of a panel, so that is where one looks.
+Rect cornerOnPanel(const backend::Screen& screen, Size size) {
+  const Rect room = screen.visibleFrame.inset(kScreenMargin, kScreenMargin);
+  const Size fitting = shrunkTo(size, {room.width, room.height});
+  const Panel panel = panelOf(screen);
+  const bool isLeft = panel.thickness > 0 && panel.side == Side::RightOf;
+  const bool isTop = panel.thickness <= 0 || panel.side == Side::Below;
+  return movedInto(
+      {isLeft ? room.x : room.maxX(), isTop ? room.y : room.maxY(), fitting.width, fitting.height}, room);
+}
+
 Point tipLocation(const Rect& anchor, Side side) {
   const Point c = anchor.center();
   switch (side) {
@@ -149,6 +160,10 @@ Rect movedOntoScreen(const Rect& frame, const std::vector<backend::Screen>& scre
   return movedInto(frame, screenAt(frame.center(), screens).visibleFrame);
 }
 
+PopoverPlace placeWithoutTray(Size size, Point pointer, const std::vector<backend::Screen>& screens) {
+  return {cornerOnPanel(screenAt(pointer, screens), size), std::nullopt};
+}
+
 PopoverPlace placePopover(Size size, const std::optional<Rect>& given, Point pointer,
                           const std::vector<backend::Screen>& screens) {
   const backend::Screen& screen = screenAt(given ? given->center() : pointer, screens);
@@ -158,7 +173,7 @@ PopoverPlace placePopover(Size size, const std::optional<Rect>& given, Point poi
   Size available{room.width, room.height};
   (isVertical(side) ? available.height : available.width) -= kPopoverTipLength;
   const Rect frame = movedInto(beside(anchor, side, shrunkTo(size, available)), room);
-  return {frame, {side, tipLocation(anchor, side)}};
+  return {frame, PopoverTip{side, tipLocation(anchor, side)}};
 }
 
 }  // namespace vistrel

@@ -21,7 +21,7 @@ namespace vistrel {
 /// Where a popover lies and where its tip touches the anchor.
 struct PopoverPlace {
   Rect frame;
-  PopoverTip tip;
+  std::optional<PopoverTip> tip;  ///< none where there is nothing to point at
 };
 
 /// Places a popover of `size` beside `anchor`, on the side that points away from the panel, wholly on the
@@ -29,6 +29,11 @@ struct PopoverPlace {
 /// the panel of the pointer's screen, beside the pointer.
 [[nodiscard]] PopoverPlace placePopover(Size size, const std::optional<Rect>& anchor, Point pointer,
                                         const std::vector<backend::Screen>& screens);
+
+/// Places a popover on a desktop that has no tray: without a tip, in the corner of the pointer's screen where
+/// a tray would be, beside the panel if there is one.
+[[nodiscard]] PopoverPlace placeWithoutTray(Size size, Point pointer,
+                                            const std::vector<backend::Screen>& screens);
 
 /// How far a popover stays from its anchor: room for the tip.
 inline constexpr double kPopoverTipLength = 8;

@@ -23,6 +23,8 @@ class SessionClient {
   virtual void didFinishLaunching() = 0;
   /// Somebody started the program again.
   virtual void reopen() = 0;
+  /// Somebody chose one of the program's actions on the desktop, by its name in the desktop entry.
+  virtual void actionRequested(const std::string& action) = 0;
   /// The focus came to one of the program's windows, or left them all. A key grab in between does not count.
   virtual void didBecomeActive() = 0;
   virtual void willResignActive() = 0;

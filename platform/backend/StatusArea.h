@@ -50,6 +50,8 @@ class StatusArea {
   /// Where the icon is, or most likely is: from the host if it tells, else from the last press on it, else
   /// none.
   [[nodiscard]] virtual std::optional<Rect> iconFrame() = 0;
+  /// Whether the desktop has had a place for icons since the program started.
+  [[nodiscard]] virtual bool hasTray() = 0;
 };
 
 }  // namespace vistrel::backend

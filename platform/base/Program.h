@@ -9,4 +9,7 @@ constexpr const char* kName = "Vistrel";
 /// folder (Desktop Entry Specification, D-Bus).
 constexpr const char* kIdentifier = "org.vistrel.Vistrel";
 
+/// The environment variable that the autostart entry sets: nobody waits to see the program then.
+constexpr const char* kAutostartMark = "VISTREL_AUTOSTART";
+
 }  // namespace vistrel::program

@@ -28,6 +28,7 @@ namespace vistrel::desktop {
 struct Desktop::Parts {
   Parts(std::unique_ptr<QApplication> app, std::unique_ptr<session::SingleInstance> one)
       : application(std::move(app)), instance(std::move(one)) {
+    session.setTrayQuestion([this] { return statusArea.hasTray(); });
     session.setScreenHandler([this] { statusArea.forgetIconFrame(); });
   }
 

@@ -21,6 +21,7 @@ class SimulatedTray final : public backend::StatusArea {
   void popUpMenu(std::shared_ptr<NSMenu> menu) override { poppedUp = std::move(menu); }
   void dismissMenu() override { poppedUp.reset(); }
   [[nodiscard]] std::optional<Rect> iconFrame() override { return frame; }
+  [[nodiscard]] bool hasTray() override { return isThere; }
 
   [[nodiscard]] backend::StatusAreaClient& client() const { return *client_; }
   /// File name of the icon on screen without its ending; empty when there is none.
@@ -33,6 +34,7 @@ class SimulatedTray final : public backend::StatusArea {
   bool isHighlighted = false;
   std::shared_ptr<NSMenu> mirrored;
   std::shared_ptr<NSMenu> poppedUp;
+  bool isThere = true;
   std::optional<Rect> frame = Rect{1200, 2, 24, 24};
 
  private:

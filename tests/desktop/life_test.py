@@ -2,6 +2,7 @@
 
 import os
 import pathlib
+import shlex
 import signal
 import subprocess
 import unittest
@@ -33,27 +34,6 @@ class LifeTest(DesktopTest):
         self.desktop.bus.call(IDENTIFIER, PATH, APPLICATION, "Activate", "(a{sv})", {})
         self.screen.live_picture()
         self.assertEqual(len(vistrel.icons()), 1)
-
-    def test_the_bus_starts_the_installed_program_which_opens_at_the_next_start(self):
-        camera = self.desktop.camera()
-        prefix, build = self.desktop.folder / "usr", self.desktop.programs
-        prefix.mkdir()
-        (prefix / "share").symlink_to(self.desktop.folder / "data")  # where the bus looks for what it can start
-        self.desktop.run("cmake", "--install", build, "--prefix", prefix)
-        self.assertNotIn(str(build).encode(), (prefix / "bin" / "vistrel").read_bytes())
-        bus, daemon = self.desktop.bus, "org.freedesktop.DBus"
-        bus.call(daemon, "/org/freedesktop/DBus", daemon, "ReloadConfig")
-        bus.call(IDENTIFIER, PATH, APPLICATION, "Activate", "(a{sv})", {})
-        pid = bus.call(daemon, "/org/freedesktop/DBus", daemon, "GetConnectionUnixProcessID", "(s)", IDENTIFIER)[0]
-        self.addCleanup(lambda: bus.has_owner(IDENTIFIER) and os.kill(pid, signal.SIGKILL))
-        self.assertEqual(os.readlink(f"/proc/{pid}/exe"), str(prefix / "bin" / "vistrel"))
-        wait_until(lambda: bus.property(WATCHER, "/StatusNotifierWatcher", WATCHER, "RegisteredStatusNotifierItems"),
-                   "the icon")
-        self.start_again()  # had the start opened the mirror, this would close it
-        self.screen.live_picture()
-        os.kill(pid, signal.SIGTERM)
-        self.wait_closed(camera)
-        wait_until(lambda: not bus.has_owner(IDENTIFIER), "the end of the program")
 
     def test_a_start_during_the_launch_opens_the_mirror_after_it(self):
         self.desktop.camera()
@@ -145,6 +125,73 @@ class LifeTest(DesktopTest):
             undo(file)
 
 
+class InstalledTest(DesktopTest):
+    stage = {"accessible": True}
+
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        prefix, build = cls.desktop.folder / "usr", cls.desktop.programs
+        prefix.mkdir()
+        (prefix / "share").symlink_to(cls.desktop.folder / "data")  # where the bus looks for what it can start
+        cls.desktop.run("cmake", "--install", build, "--prefix", prefix)
+        cls.program = prefix / "bin" / "vistrel"
+        cls.entry = prefix / "share" / "applications" / f"{IDENTIFIER}.desktop"
+        cls.ask_bus("ReloadConfig")
+
+    @classmethod
+    def ask_bus(cls, method, *arguments):
+        daemon = "org.freedesktop.DBus"
+        return cls.desktop.bus.call(daemon, "/org/freedesktop/DBus", daemon, method, *arguments)
+
+    def ask(self, method, *arguments):
+        self.desktop.bus.call(IDENTIFIER, PATH, APPLICATION, method, *arguments)
+
+    def wait_started(self):
+        """Until the icon of the program, which the bus has started, is there; gives the process."""
+        bus = self.desktop.bus
+        wait_until(lambda: bus.has_owner(IDENTIFIER), "its name on the bus")
+        pid = self.ask_bus("GetConnectionUnixProcessID", "(s)", IDENTIFIER)[0]
+        self.addCleanup(lambda: bus.has_owner(IDENTIFIER) and os.kill(pid, signal.SIGKILL))
+        self.assertEqual(os.readlink(f"/proc/{pid}/exe"), str(self.program))
+        wait_until(lambda: bus.property(WATCHER, "/StatusNotifierWatcher", WATCHER, "RegisteredStatusNotifierItems"),
+                   "the icon")
+        return pid
+
+    def end(self, pid):
+        os.kill(pid, signal.SIGTERM)
+        wait_until(lambda: not self.desktop.bus.has_owner(IDENTIFIER), "the end of the program")
+
+    def test_the_bus_and_the_entry_start_it_and_it_opens_at_the_next_start(self):
+        camera = self.desktop.camera()
+        self.assertNotIn(str(self.desktop.programs).encode(), self.program.read_bytes())
+        for start in (lambda: self.ask("Activate", "(a{sv})", {}),
+                      lambda: self.desktop.start(["gio", "launch", self.entry])):
+            start()
+            pid = self.wait_started()
+            self.start_again()  # had the start opened the mirror, this would close it
+            self.screen.live_picture()
+            self.end(pid)
+            self.wait_closed(camera)
+
+    def test_the_action_of_the_entry_opens_the_preferences_and_starts_it_for_them(self):
+        def choose(action):
+            self.ask("ActivateAction", "(sava{sv})", action, [], {})
+        choose("preferences")
+        pid = self.wait_started()
+        window = wait_until(lambda: self.screen.windows(name="Preferences", pid=pid), "the preferences")[0]
+        icon = self.desktop.run("xprop", "-id", str(window["id"]), "-len", "8", "-notype", "32c", "_NET_WM_ICON")
+        self.assertTrue(icon.startswith("_NET_WM_ICON = 16"), icon)
+        with self.assertRaisesRegex(Exception, "no such action"):
+            choose("sing")
+        self.screen.key("Escape")
+        action = self.entry.read_text().split("[Desktop Action preferences]")[1]
+        command = next(line[5:] for line in action.splitlines() if line.startswith("Exec="))
+        self.desktop.run(*shlex.split(command))  # what desktops run that do not speak with programs
+        wait_until(lambda: len(self.screen.windows(name="Preferences", pid=pid)) == 2, "the preferences again")
+        self.end(pid)
+
+
 class DarkModeTest(DesktopTest):
     def test_it_follows_the_desktop_while_it_runs(self):
         self.desktop.camera()
@@ -230,6 +277,22 @@ class SessionTest(DesktopTest):
 
 class TrayTest(DesktopTest):
     stage = {"host": None}
+
+    def test_without_a_tray_it_opens_by_itself_where_one_would_be_unless_it_started_at_login(self):
+        camera = self.desktop.camera()
+        self.screen.move((40, 700))  # off the picture, so that no control covers its clock
+        nowhere = {"DBUS_SESSION_BUS_ADDRESS": "unix:path=/nowhere"}
+        quiet = self.start(awaits_icon=False, environment=nowhere | {"VISTREL_AUTOSTART": "1"}, complaints=1)
+        wait_until(lambda: len(quiet.lines) == 2, "the end of its launch")
+        vistrel = self.start(awaits_icon=False, complaints=1)
+        x, y, width, _ = self.screen.live_picture()["place"]
+        self.assertEqual((x + width, y), (1280 - 4, 4))
+        self.assertIn("finds no tray", vistrel.process.errors[0])
+        self.assertNotIn(STARTED, quiet.lines)
+        self.screen.key("Escape")
+        self.wait_closed(camera)
+        self.start_again()
+        self.screen.live_picture()
 
     def test_a_tray_that_comes_late_or_is_restarted_gets_one_icon(self):
         camera = self.desktop.camera()

@@ -129,7 +129,8 @@ Result<void> Autostart::enable(const std::string& path) {
   entry.set("Type", "Application");
   entry.set("Name", program::kName);
   entry.set("Comment", "A pocket mirror for the desktop");
-  entry.set("Exec", DesktopEntry::quotedArgument(program_));
+  entry.set("Exec",
+            "env " + std::string(program::kAutostartMark) + "=1 " + DesktopEntry::quotedArgument(program_));
   entry.set("TryExec", program_);
   entry.set("Icon", program::kIdentifier);
   entry.set("Terminal", "false");

@@ -23,6 +23,14 @@ QPixmap drawn(const NSImage& image, QSize size, double scale, const QColor& colo
   return pixmap;
 }
 
+QIcon applicationIcon() {
+  const auto image = NSImage::imageNamed("AppIconPreview");
+  QIcon icon;
+  if (!image) return icon;
+  for (const int size : {16, 32, 48, 64}) icon.addPixmap(drawn(*image, {size, size}, 1, {}));
+  return icon;
+}
+
 const QPixmap& DrawnIcon::pixmap(const NSImage& image, QSize size, double scale, const QColor& color) {
   const Key wanted{image.path(), size, scale, color};
   if (std::exchange(key_, wanted) != wanted) pixmap_ = drawn(image, size, scale, color);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QColor>
+#include <QIcon>
 #include <QPixmap>
 #include <QSize>
 #include <string>
@@ -12,6 +13,9 @@ namespace vistrel::qt {
 /// The picture drawn as large as fits into `size` points at `scale` physical pixels a point; a template in
 /// `color`. Empty when the file cannot be read.
 [[nodiscard]] QPixmap drawn(const NSImage& image, QSize size, double scale, const QColor& color);
+
+/// The program's own icon.
+[[nodiscard]] QIcon applicationIcon();
 
 /// The same for what is painted again and again: drawn once, until one of the arguments is another.
 class DrawnIcon {

@@ -6,14 +6,31 @@
 #include <QEvent>
 #include <QSessionManager>
 #include <QUrl>
+#include <QWindow>
+#include <algorithm>
 #include <utility>
 
+#include "base/Log.h"
 #include "linux/qt/Geometry.h"
 #include "linux/session/SingleInstance.h"
+#include "linux/session/StartReason.h"
 
 namespace vistrel::session {
 
 using backend::SessionClient;
+
+namespace {
+
+// Panels that start together with the program have come by then.
+constexpr std::chrono::milliseconds kTrayPatience{3000};
+
+bool isAnyWindowOnScreen() {
+  const auto windows = QGuiApplication::topLevelWindows();
+  return std::any_of(windows.begin(), windows.end(),
+                     [](const QWindow* window) { return window->isVisible(); });
+}
+
+}  // namespace
 
 QtSession::QtSession(desktop::Reactor& reactor, x11::X11Connection& x11, SingleInstance& instance)
     : reactor_(reactor),
@@ -48,7 +65,27 @@ void QtSession::launchWhenReady() {
 // Whoever starts the program while it is launching waits for the mirror until then.
 void QtSession::launch() {
   report(&SessionClient::didFinishLaunching);
-  instance_.setReopenHandler([this] { report(&SessionClient::reopen); });
+  instance_.setReopenHandler([this] {
+    waiting_.reset();
+    report(&SessionClient::reopen);
+  });
+  instance_.setActionHandler([this](const std::string& action) {
+    waiting_.reset();
+    if (client_) client_->actionRequested(action);
+  });
+  waitForTray();
+}
+
+// Who started the program sees nothing of it on a desktop without a tray, so the mirror opens by itself.
+void QtSession::waitForTray() {
+  if (!isStartedBySomebody(instance_.wasActivated())) return;
+  waiting_ = std::make_unique<qt::SingleShot>(kTrayPatience, [this] {
+    waiting_.reset();
+    if (hasTray_() || isAnyWindowOnScreen()) return;
+    Log::warning(
+        "Vistrel finds no tray for its icon and opens the mirror; start it again to open or close it");
+    report(&SessionClient::reopen);
+  });
 }
 
 void QtSession::report(Report what) {

@@ -4,6 +4,7 @@
 
 #include "backend/Session.h"
 #include "linux/Reactor.h"
+#include "linux/qt/SingleShot.h"
 #include "linux/session/ActivationWatch.h"
 #include "linux/session/ColorScheme.h"
 #include "linux/session/ScreenWatch.h"
@@ -26,6 +27,8 @@ class QtSession final : public QObject, public backend::Session {
   [[nodiscard]] Version platformVersion() override { return {12, 0, 0}; }
   bool openUrl(const std::string& url) override;
 
+  /// Answers whether the desktop has a place for the icon.
+  void setTrayQuestion(std::function<bool()> question) { hasTray_ = std::move(question); }
   /// Told of changed screens before the client is.
   void setScreenHandler(std::function<void()> handler) { screenHandler_ = std::move(handler); }
 
@@ -36,12 +39,15 @@ class QtSession final : public QObject, public backend::Session {
   void report(Report what);
   void launchWhenReady();
   void launch();
+  void waitForTray();
   void watchEndOfSession();
 
   desktop::Reactor& reactor_;
   SingleInstance& instance_;
   backend::SessionClient* client_ = nullptr;
   std::function<void()> screenHandler_;
+  std::function<bool()> hasTray_;
+  std::unique_ptr<qt::SingleShot> waiting_;
   bool isReady_ = false;
   bool isLaunched_ = false;
   ScreenWatch screenWatch_;

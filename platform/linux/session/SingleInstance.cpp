@@ -4,6 +4,8 @@
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QVariantMap>
+#include <algorithm>
+#include <array>
 #include <utility>
 
 #include "base/Program.h"
@@ -16,6 +18,9 @@ constexpr const char* kPath = "/org/vistrel/Vistrel";
 constexpr const char* kInterface = "org.freedesktop.Application";
 // A first program that is busy gets the message all the same; the second one does not wait for it.
 constexpr int kHandOverPatience = 500;
+
+// As in the desktop entry.
+constexpr std::array kActions = {"preferences"};
 
 constexpr const char* kDescription = R"(<interface name="org.freedesktop.Application">
   <method name="Activate"><arg type="a{sv}" direction="in"/></method>
@@ -65,15 +70,34 @@ void SingleInstance::setReopenHandler(std::function<void()> handler) {
 void SingleInstance::activate() {
   if (reopen_) return reopen_();
   isReopenDue_ = isClaimed_;
+  wasActivated_ = wasActivated_ || !isClaimed_;
+}
+
+void SingleInstance::setActionHandler(std::function<void(const std::string&)> handler) {
+  action_ = std::move(handler);
+  if (!action_) return;
+  for (const auto& action : std::exchange(actionsDue_, {})) action_(action);
+}
+
+bool SingleInstance::activateAction(const QDBusMessage& message, const QDBusConnection& connection) {
+  const std::string action = message.arguments().value(0).toString().toStdString();
+  if (std::find(kActions.begin(), kActions.end(), action) == kActions.end()) {
+    return connection.send(message.createErrorReply(QDBusError::InvalidArgs, "Vistrel has no such action"));
+  }
+  if (message.isReplyRequired()) connection.send(message.createReply());
+  if (action_) {
+    action_(action);
+  } else {
+    actionsDue_.push_back(action);
+  }
+  return true;
 }
 
 QString SingleInstance::introspect(const QString& /*path*/) const { return kDescription; }
 
 bool SingleInstance::handleMessage(const QDBusMessage& message, const QDBusConnection& connection) {
   if (message.interface() != kInterface) return false;
-  if (message.member() == "ActivateAction") {
-    return connection.send(message.createErrorReply(QDBusError::InvalidArgs, "Vistrel has no such action"));
-  }
+  if (message.member() == "ActivateAction") return activateAction(message, connection);
   if (message.member() != "Activate" && message.member() != "Open") return false;
   if (message.isReplyRequired()) connection.send(message.createReply());
   activate();

@@ -3,6 +3,8 @@
 #include <QDBusConnection>
 #include <QDBusVirtualObject>
 #include <functional>
+#include <string>
+#include <vector>
 
 namespace vistrel::session {
 
@@ -18,16 +20,24 @@ class SingleInstance final : public QDBusVirtualObject {
   [[nodiscard]] Role claim();
   /// Who is told that the program was started again; at once when it was while nobody was told.
   void setReopenHandler(std::function<void()> handler);
+  /// Who is told of the actions of the desktop entry that somebody chose; at once of those chosen before.
+  void setActionHandler(std::function<void(const std::string&)> handler);
+  /// Whether the message that the bus started the program for asks for the program itself.
+  [[nodiscard]] bool wasActivated() const { return wasActivated_; }
 
   [[nodiscard]] QString introspect(const QString& path) const override;
   bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override;
 
  private:
   void activate();
+  bool activateAction(const QDBusMessage& message, const QDBusConnection& connection);
 
   QDBusConnection bus_;
   std::function<void()> reopen_;
+  std::function<void(const std::string&)> action_;
+  std::vector<std::string> actionsDue_;
   bool isClaimed_ = false;
+  bool wasActivated_ = false;
   bool isReopenDue_ = false;
 };
 

@@ -11,6 +11,7 @@
 #include "appkit/NSPopUpButton.h"
 #include "appkit/NSView.h"
 #include "linux/qt/Geometry.h"
+#include "linux/qt/Icons.h"
 #include "linux/qt/Palettes.h"
 #include "linux/widgets/QtControls.h"
 #include "linux/windows/NativeEvents.h"
@@ -116,6 +117,9 @@ void QtWindow::attributesDidChange() {
 void QtWindow::applyKind() {
   QWindow& handle = *shell_->windowHandle();
   const bool isAccessory = window_.kind() == NSWindowKind::Popover;
+  // Lists of windows show it where no desktop entry is installed. The popover, in no list, does not wait for
+  // it.
+  if (!isAccessory) handle.setIcon(qt::applicationIcon());
   if (hasChrome()) handle.setFlags(isAccessory ? kPopoverFlags : kDetachedFlags);
   x11_.setListed(handle, isAccessory ? X11Windows::ListedAs::Accessory : X11Windows::ListedAs::Window);
 }

@@ -49,11 +49,26 @@ TEST(ScreenGeometry, PopoverHangsFromThePanelOnItsOwnScreen) {
         {"main", {0, 0, 1280, 800}, c.visible, 1, true},
         {"other", {1280, 0, 1280, 800}, {1280, 0, 1280, 800}, 2, false}};
     const auto place = placePopover(c.size, c.icon, {640, 400}, screens);
-    EXPECT_EQ(place.tip.side, c.side);
+    ASSERT_TRUE(place.tip);
+    EXPECT_EQ(place.tip->side, c.side);
     EXPECT_NEAR(place.frame.x, c.frame.x, 1);
     EXPECT_NEAR(place.frame.y, c.frame.y, 1);
     EXPECT_NEAR(place.frame.width, c.frame.width, 2);
     EXPECT_NEAR(place.frame.height, c.frame.height, 2);
+  }
+}
+
+TEST(ScreenGeometry, WithoutATrayItLiesWhereATrayWouldBe) {
+  const std::vector<std::pair<Rect, Point>> cases = {{{0, 0, 1280, 800}, {850, 4}},
+                                                     {{0, 28, 1280, 772}, {850, 32}},
+                                                     {{0, 0, 1280, 772}, {850, 528}},
+                                                     {{40, 0, 1240, 800}, {44, 556}},
+                                                     {{0, 0, 1240, 800}, {810, 556}}};
+  for (const auto& [visible, place] : cases) {
+    const auto found =
+        placeWithoutTray({426, 240}, {640, 400}, {{"main", {0, 0, 1280, 800}, visible, 1, true}});
+    EXPECT_EQ(found.frame, (Rect{place.x, place.y, 426, 240}));
+    EXPECT_FALSE(found.tip);
   }
 }
 

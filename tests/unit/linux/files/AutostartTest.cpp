@@ -100,7 +100,7 @@ TEST_F(AutostartTest, WritesOneEntryAndTakesItAwayAgain) {
     const auto written = DesktopEntry::parse(read(entry()));
     ASSERT_TRUE(written);
     EXPECT_EQ(written->value("TryExec"), program);
-    EXPECT_EQ(written->value("Exec"), DesktopEntry::quotedArgument(program));
+    EXPECT_EQ(written->value("Exec"), "env VISTREL_AUTOSTART=1 " + DesktopEntry::quotedArgument(program));
     ASSERT_TRUE(place.setEnabled(kLabel, false));
     EXPECT_FALSE(fs::exists(entry())) << program;
     EXPECT_TRUE(place.setEnabled(kLabel, false)) << "twice is nothing";
@@ -108,7 +108,7 @@ TEST_F(AutostartTest, WritesOneEntryAndTakesItAwayAgain) {
   EXPECT_EQ(DesktopEntry::quotedArgument("/a $b%\\c"), R"("/a \$b%%\\c")");
   auto place = autostart("/a b\\c");
   ASSERT_TRUE(place.setEnabled(kLabel, true));
-  EXPECT_NE(read(entry()).find("Exec=\"/a b\\\\\\\\c\"\n"), std::string::npos)
+  EXPECT_NE(read(entry()).find("Exec=env VISTREL_AUTOSTART=1 \"/a b\\\\\\\\c\"\n"), std::string::npos)
       << "escaped twice: " << read(entry());
   EXPECT_EQ(std::distance(fs::directory_iterator(user()), fs::directory_iterator()), 1)
       << "nothing left over";
