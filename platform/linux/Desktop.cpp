@@ -15,6 +15,7 @@
 #include "linux/qt/LoopReactor.h"
 #include "linux/qt/QtMainLoop.h"
 #include "linux/qt/X11Toolkit.h"
+#include "linux/session/Lid.h"
 #include "linux/session/QtSession.h"
 #include "linux/session/SingleInstance.h"
 #include "linux/tray/QtStatusArea.h"
@@ -29,6 +30,7 @@ struct Desktop::Parts {
   Parts(std::unique_ptr<QApplication> app, std::unique_ptr<session::SingleInstance> one)
       : application(std::move(app)), instance(std::move(one)) {
     session.setTrayQuestion([this] { return statusArea.hasTray(); });
+    cameras.setLidQuestion([this] { return lid.isClosed(); });
     session.setScreenHandler([this] { statusArea.forgetIconFrame(); });
   }
 
@@ -47,6 +49,7 @@ struct Desktop::Parts {
   windows::QtWindowSystem windows{presses};
   session::QtSession session{reactor, x11, *instance};
   tray::QtStatusArea statusArea{session, x11};
+  session::Lid lid;
   camera::CameraCenter cameras{reactor};
 };
 

@@ -5,6 +5,8 @@ import re
 import signal
 import unittest
 
+from gi.repository import GLib
+
 from stage.processes import wait_until
 from stage.program import centre
 from tests.desktop.harness import FAILED, REFRESHED, SAVING, STARTED, DesktopTest
@@ -112,6 +114,30 @@ class CameraFaultTest(DesktopTest):
         vistrel = self.start()
         listed = next(line for line in vistrel.lines if line.startswith(REFRESHED))
         self.assertEqual(re.findall(r"AVCaptureDevice: (.*?) \[", listed), ["In the lid", "Second", "Tenth", "Another"])
+
+    def test_behind_a_closed_lid_the_built_in_camera_is_not_listed(self):
+        name, path, mock = "org.freedesktop.login1", "/org/freedesktop/login1", "org.freedesktop.DBus.Mock"
+        manager, bus = name + ".Manager", self.desktop.bus
+        login = self.desktop.start(["/usr/bin/python3", "-m", "dbusmock", name, path, manager])
+        self.addCleanup(login.end)
+        wait_until(lambda: bus.has_owner(name), "the scripted logind")
+
+        def shut(is_closed, method="UpdateProperties"):
+            bus.call(name, path, mock, method, "(sa{sv})", manager, {"LidClosed": GLib.Variant("b", is_closed)})
+        shut(True, "AddProperties")
+        lid = self.desktop.camera(name="Lid", node="a", options=["--property", "api.libcamera.location=front"])
+        dock = self.desktop.camera(name="Dock", node="b")
+        system = {"DBUS_SYSTEM_BUS_ADDRESS": self.desktop.environment["DBUS_SESSION_BUS_ADDRESS"]}
+        vistrel = self.start(environment=system)
+        for is_closed, shown in ((True, dock), (False, lid), (True, dock)):
+            shut(is_closed)
+            since = len(vistrel.lines)
+            self.open(vistrel)
+            self.assertEqual(self.desktop.readers(shown), 1)
+            listed = vistrel.lines[vistrel.wait_line(lambda line: line.startswith(REFRESHED), since)]
+            self.assertEqual(("Lid" in listed, "Dock" in listed), (not is_closed, True))
+            vistrel.click()
+            self.wait_closed(shown)
 
     def test_a_renamed_camera_is_listed_by_its_new_name(self):
         camera = self.desktop.camera()

@@ -50,8 +50,12 @@ CameraCenter::~CameraCenter() { graph_->setLostHandler(nullptr); }
 std::vector<backend::CameraDevice> CameraCenter::devices() {
   auto entries = provider_->cameras();
   std::sort(entries.begin(), entries.end(), isListedBefore);
+  const auto isBuiltIn = [](const CameraEntry& entry) { return entry.device.isBuiltIn; };
+  const bool isLidClosed =
+      isLidClosed_ && std::any_of(entries.begin(), entries.end(), isBuiltIn) && isLidClosed_();
   std::vector<backend::CameraDevice> devices;
   devices.reserve(entries.size());
+  for (auto& entry : entries) entry.device.isSuspended = isLidClosed && entry.device.isBuiltIn;
   for (auto& entry : entries) devices.push_back(std::move(entry.device));
   return devices;
 }

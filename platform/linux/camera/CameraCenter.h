@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -23,6 +24,9 @@ class CameraCenter final : public backend::Cameras {
   explicit CameraCenter(desktop::Reactor& reactor);
   ~CameraCenter() override;
 
+  /// Answers whether the lid is closed, behind which a built-in camera sees nothing.
+  void setLidQuestion(std::function<bool()> question) { isLidClosed_ = std::move(question); }
+
   [[nodiscard]] std::vector<backend::CameraDevice> devices() override;
   Result<std::unique_ptr<backend::CameraStream>> open(const std::string& id) override;
 
@@ -32,6 +36,7 @@ class CameraCenter final : public backend::Cameras {
   void watchForDaemon();
 
   desktop::Reactor& reactor_;
+  std::function<bool()> isLidClosed_;
   std::shared_ptr<PipeWireGraph> graph_;
   std::unique_ptr<CameraProvider> provider_;
   std::unique_ptr<FileWatch> daemonWatch_;
