@@ -2,6 +2,9 @@
 
 #include <memory>
 #include <string>
+#include <utility>
+
+#include "foundation/Bundle.h"
 
 namespace vistrel {
 
@@ -11,7 +14,11 @@ inline constexpr const char* NSImageNameSmartBadgeTemplate = "NSSmartBadgeTempla
 class NSImage {
  public:
   /// The image of that name in the main bundle ("images/NAME.svg"); null when there is none.
-  [[nodiscard]] static std::shared_ptr<NSImage> imageNamed(const std::string& name);
+  [[nodiscard]] static std::shared_ptr<NSImage> imageNamed(const std::string& name) {
+    const std::string resource = "images/" + name + ".svg";
+    if (!Bundle::main().resource(resource)) return nullptr;
+    return std::make_shared<NSImage>(name, Bundle::main().resourcePath() + "/" + resource);
+  }
 
   NSImage(std::string name, std::string path) : name_(std::move(name)), path_(std::move(path)) {}
   [[nodiscard]] const std::string& name() const { return name_; }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "backend/Session.h"
+#include "backend/Backend.h"
 
 namespace vistrel {
 
@@ -9,7 +9,9 @@ class ProcessInfo {
  public:
   using OperatingSystemVersion = backend::Session::Version;
   /// Whether the platform is of that version or a later one.
-  [[nodiscard]] static bool isOperatingSystemAtLeast(const OperatingSystemVersion& version);
+  [[nodiscard]] static bool isOperatingSystemAtLeast(const OperatingSystemVersion& version) {
+    return backend::current().session().platformVersion() >= version;
+  }
 };
 
 }  // namespace vistrel

@@ -4,7 +4,6 @@
 
 #include "KeyboardShortcuts/CarbonKeyboardShortcuts.h"
 #include "linux/keyboard/SessionBus.h"
-#include "tests/desktop/x11/DesktopWithKeyboard.h"
 #include "tests/desktop/x11/ServerFixture.h"
 
 namespace vistrel::x11 {
@@ -18,7 +17,7 @@ class KeyboardTest : public ServerTest {
  protected:
   KeyboardTest() { desktop.realKeyboard = &keyboard; }
 
-  simulated::DesktopWithKeyboard desktop;
+  DesktopWithKeyboard desktop;
 };
 
 TEST_F(KeyboardTest, ShowsWhatTheLatinLayoutPrints) {

@@ -13,6 +13,7 @@
 #include "linux/keyboard/HotKeyGrabs.h"
 #include "linux/keyboard/X11Keyboard.h"
 #include "linux/x11/Xkb.h"
+#include "simulated/SimulatedDesktop.h"
 #include "tests/unit/linux/PollReactor.h"
 
 // Against a real X server, the one of DISPLAY; its keyboard is changed at will.
@@ -154,6 +155,18 @@ class ServerTest : public ::testing::Test {
   User user;
   X11Keyboard keyboard{connection, user.get()};
   Strings heard;
+};
+
+/// A simulated desktop with the keyboard or the hot keys of a real one.
+class DesktopWithKeyboard final : public simulated::SimulatedDesktop {
+ public:
+  DesktopWithKeyboard() : SimulatedDesktop("") {}
+
+  backend::HotKeys& hotKeys() override { return realHotKeys ? *realHotKeys : simulatedHotKeys; }
+  backend::Keyboard& keyboard() override { return realKeyboard ? *realKeyboard : keys; }
+
+  backend::Keyboard* realKeyboard = nullptr;
+  backend::HotKeys* realHotKeys = nullptr;
 };
 
 }  // namespace vistrel::x11

@@ -6,7 +6,6 @@
 #include "KeyboardShortcuts/KeyboardShortcuts.h"
 #include "base/KeyCodes.h"
 #include "linux/x11/RawPresses.h"
-#include "tests/desktop/x11/DesktopWithKeyboard.h"
 #include "tests/desktop/x11/ServerFixture.h"
 
 namespace vistrel::x11 {
@@ -128,7 +127,7 @@ TEST_F(ServerTest, KeepsATimerOnlyWhileAKeyIsHeld) {
 TEST_F(ServerTest, TakesAFreedShortcutWhenItsNameIsEnabledAgain) {
   using namespace KeyboardShortcuts;
   ASSERT_TRUE(user.grabKey(kVK_F5, XCB_MOD_MASK_CONTROL));
-  simulated::DesktopWithKeyboard desktop;
+  DesktopWithKeyboard desktop;
   desktop.realHotKeys = &grabs;
   const Name name("ours");
   const Name fence("fence");
