@@ -101,7 +101,9 @@ void AVCaptureSession::lookForFrames(Look look) {
   } else if (look == Look::First) {
     armWatchdog(0ms, Look::Second);
   } else {
-    streamDidFail({"the camera sends no pictures"});
+    const bool isUnusable = input_->stream().sendsUnusableFrames();
+    streamDidFail(
+        {isUnusable ? "the camera sends pictures that cannot be shown" : "the camera sends no pictures"});
   }
 }
 

@@ -59,8 +59,10 @@ class CameraStream {
   /// Ends the stream and closes the device within 100 ms. The client hears nothing afterwards.
   virtual void stop() = 0;
 
-  /// For how long no frame has come, shown or not: since the last one, or since `begin`.
+  /// For how long no frame has come that could be shown: since the last one, or since `begin`.
   [[nodiscard]] virtual std::chrono::milliseconds silence() const = 0;
+  /// Whether frames came in that time, of which none could be shown.
+  [[nodiscard]] virtual bool sendsUnusableFrames() const = 0;
 
   /// Drops the picture, so that the glass shows a neutral surface instead of a frozen one.
   virtual void clearPicture() = 0;

@@ -17,10 +17,16 @@ Log::Sink& sink() {
   return value;
 }
 
-void write(std::FILE* stream, std::string_view text) {
-  std::fwrite(text.data(), 1, text.size(), stream);
-  std::fputc('\n', stream);
-  std::fflush(stream);
+void writeAndWait(Log::Stream stream, std::string_view line) {
+  std::FILE* file = stream == Log::Stream::Output ? stdout : stderr;
+  std::fwrite(line.data(), 1, line.size(), file);
+  std::fputc('\n', file);
+  std::fflush(file);
+}
+
+Log::Writer& writer() {
+  static Log::Writer value = writeAndWait;
+  return value;
 }
 
 void reportFailure(std::string_view what, const char* reason) {
@@ -34,11 +40,13 @@ void Log::line(std::string_view text) {
   if (sink()) {
     sink()(line);
   } else {
-    write(stdout, line);
+    writer()(Stream::Output, line);
   }
 }
 
-void Log::warning(std::string_view text) { write(stderr, unicode::onOneLine(text)); }
+void Log::warning(std::string_view text) { writer()(Stream::Error, unicode::onOneLine(text)); }
+
+void Log::setWriter(Writer newWriter) { writer() = newWriter ? std::move(newWriter) : writeAndWait; }
 
 void Log::setSink(Sink newSink) { sink() = std::move(newSink); }
 

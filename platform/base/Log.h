@@ -15,6 +15,12 @@ class Log {
   /// Says something once on standard error that the user should know about their set-up.
   static void warning(std::string_view text);
 
+  enum class Stream { Output, Error };
+  /// Writes each line, without its line feed; an empty function restores the C library's streams, which wait
+  /// for whoever reads them.
+  using Writer = std::function<void(Stream stream, std::string_view line)>;
+  static void setWriter(Writer writer);
+
   /// Where lines go instead of the standard output; an empty function restores it.
   using Sink = std::function<void(std::string_view)>;
   static void setSink(Sink sink);

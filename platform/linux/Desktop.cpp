@@ -8,6 +8,7 @@
 #include "linux/files/Autostart.h"
 #include "linux/files/PreferencesFile.h"
 #include "linux/files/ResourceFolder.h"
+#include "linux/files/StandardStreams.h"
 #include "linux/keyboard/HotKeyGrabs.h"
 #include "linux/keyboard/PopupKeys.h"
 #include "linux/keyboard/X11Keyboard.h"
@@ -55,7 +56,7 @@ struct Desktop::Parts {
 
 namespace {
 
-bool mayGoOn(session::SingleInstance& instance) {
+bool mayGoOn(session::SingleInstance& instance, int& exitStatus) {
   switch (instance.claim()) {
     case session::SingleInstance::Role::First:
       return true;
@@ -64,6 +65,10 @@ bool mayGoOn(session::SingleInstance& instance) {
     case session::SingleInstance::Role::WithoutBus:
       Log::warning("Vistrel finds no session bus: starting it twice makes two of it");
       return true;
+    case session::SingleInstance::Role::Unanswered:
+      Log::warning("Vistrel runs already and does not answer: end that process and start it again");
+      exitStatus = 1;
+      return false;
   }
   return false;
 }
@@ -71,6 +76,8 @@ bool mayGoOn(session::SingleInstance& instance) {
 }  // namespace
 
 std::unique_ptr<Desktop> Desktop::open(int& argumentCount, char** arguments, int& exitStatus) {
+  files::holdStandardStreams();
+  Log::setWriter(files::writeLogLine);
   auto application = qt::makeApplication(argumentCount, arguments);
   if (!application) {
     Log::warning(application.error().message);
@@ -79,7 +86,7 @@ std::unique_ptr<Desktop> Desktop::open(int& argumentCount, char** arguments, int
   }
   auto instance = std::make_unique<session::SingleInstance>();
   exitStatus = 0;
-  if (!mayGoOn(*instance)) return nullptr;
+  if (!mayGoOn(*instance, exitStatus)) return nullptr;
   auto parts = std::make_unique<Parts>(std::move(application).value(), std::move(instance));
   return std::unique_ptr<Desktop>(new Desktop(std::move(parts)));
 }

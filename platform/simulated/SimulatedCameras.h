@@ -67,6 +67,7 @@ class SimulatedStream final : public backend::CameraStream {
   backend::StreamStart awaitStart(std::chrono::milliseconds patience) override;
   void stop() override;
   [[nodiscard]] std::chrono::milliseconds silence() const override { return owner_.loop_.now() - lastFrame_; }
+  [[nodiscard]] bool sendsUnusableFrames() const override { return false; }
   void clearPicture() override { hasPicture_ = false; }
 
   void sendFrame();

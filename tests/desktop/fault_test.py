@@ -56,6 +56,13 @@ class CameraFaultTest(DesktopTest):
                 wait_until(lambda: not vistrel.windows(), "the end of the window")
                 self.desktop.unplug_all()
 
+    def test_a_camera_whose_pictures_cannot_be_shown_is_said_to_be_one(self):
+        camera = self.desktop.camera(offers=["mjpeg:1280x720@30"])
+        vistrel = self.start()
+        camera.tell("garbage")
+        vistrel.click()
+        vistrel.wait_line(FAILED + "the camera sends pictures that cannot be shown")
+
     def test_a_hung_camera_holds_up_no_window(self):
         camera = self.desktop.camera()
         vistrel = self.start()

@@ -63,6 +63,43 @@ class LifeTest(DesktopTest):
         self.desktop.camera()
         self.open(self.start(complaints=1, environment={"DBUS_SESSION_BUS_ADDRESS": "unix:path=/nowhere"}))
 
+    def test_what_it_is_started_with_may_be_missing_or_broken(self):
+        self.desktop.camera()
+        loop = self.desktop.folder / "loop"
+        loop.symlink_to(loop)
+        for prefix, environment in ((["sh", "-c", 'exec "$0" <&- >&-'], {}), ([], {"XDG_RUNTIME_DIR": str(loop)})):
+            with self.subTest(environment=environment), \
+                    Program(self.desktop, {}, prefix=prefix, environment=environment) as vistrel:  # libraries complain
+                vistrel.click()
+                wait_until(vistrel.windows, "the mirror")
+                self.assertEqual(vistrel.terminate(), 0)
+
+    def test_a_first_instance_that_hangs_is_said_and_one_that_dies_is_followed(self):
+        first = Program(self.desktop, {})
+        self.addCleanup(first.process.signal, signal.SIGKILL)
+        first.process.signal(signal.SIGSTOP)
+        second = Program(self.desktop, awaits_icon=False)
+        self.assertEqual((second.process.wait(), len(second.process.errors)), (1, 1))
+        third = Program(self.desktop, awaits_icon=False)
+        self.addCleanup(third.process.end)
+        first.process.signal(signal.SIGKILL)
+        third.icon()
+        self.assertEqual(third.terminate(), 0)
+
+    def test_a_lock_that_somebody_holds_is_no_obstacle(self):
+        camera = self.desktop.camera()
+        vistrel = self.start({}, complaints=1)
+        folder = vistrel.file.parent
+        folder.mkdir(parents=True, exist_ok=True)
+        holder = self.desktop.start(["sh", "-c", 'exec 9<"$0" && flock 9 && echo locked && exec sleep 1000', folder])
+        self.addCleanup(holder.end)
+        holder.wait_line("locked")
+        vistrel.open_menu()
+        vistrel.choose(0)
+        wait_until(lambda: vistrel.process.errors, "the line about the lock")
+        self.open(vistrel)
+        self.assertEqual(self.desktop.readers(camera), 1)
+
     def test_a_preferences_file_that_makes_no_sense_is_set_aside(self):
         self.desktop.camera()
         for text in ("", "{", "[]", "\0\1", '{"a": 1} x'):

@@ -1,5 +1,6 @@
 """The icon and its menu, under tray hosts that draw the menu themselves and under ones that leave it to the program."""
 
+import signal
 import unittest
 
 from stage.desktop import WATCHER, GLib
@@ -131,8 +132,15 @@ class ScriptedHostTest(DesktopTest):
                  "ProtocolVersion": GLib.Variant("i", 0), "RegisteredStatusNotifierItems": GLib.Variant("as", [])}
         bus.call(WATCHER, path, mock, "AddProperties", "(sa{sv})", WATCHER, facts)
         self.cameras = [self.desktop.camera(name=name, node=f"scripted-{name[0]}") for name in CAMERAS]
+        # At a busy login the watcher takes its time; that starts open and close the mirror tells that it held up nothing.
+        self.watcher.signal(signal.SIGSTOP)
         self.vistrel = self.start(awaits_icon=False)
         wait_until(lambda: len(self.vistrel.lines) == 2, "the end of the launch")
+        self.start_again()
+        self.screen.live_picture()
+        self.start_again()
+        self.screen.wait_no_picture()
+        self.watcher.signal(signal.SIGCONT)
         # The watcher was first, as at the start of a desktop; now comes the host.
         bus.call(WATCHER, path, mock, "UpdateProperties", "(sa{sv})", WATCHER,
                  {"IsStatusNotifierHostRegistered": GLib.Variant("b", True)})

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <system_error>
 
 #include "linux/camera/CaptureStream.h"
 #include "linux/camera/DeviceLocation.h"
@@ -69,7 +70,8 @@ Result<std::unique_ptr<backend::CameraStream>> CameraCenter::open(const std::str
 
 void CameraCenter::connect(int attempts) {
   retry_.reset();
-  const bool mayRun = std::filesystem::exists(daemonSocket());
+  std::error_code unreachable;
+  const bool mayRun = std::filesystem::exists(daemonSocket(), unreachable);
   if (mayRun && graph_->connect()) {
     daemonWatch_.reset();
     provider_ = std::make_unique<PipeWireProvider>(graph_);

@@ -85,15 +85,25 @@ bool CaptureStream::paint(const GlassTarget& target) {
 
 void CaptureStream::captureStarted() { client_->streamDidStart(); }
 
+// Only what can be shown is a sign of life.
 void CaptureStream::frameArrived() {
-  lastFrame_ = std::chrono::steady_clock::now();
+  hasUnusableFrames_ = true;
   if (decoder_) {
+    // While the glass is covered a good picture waits in vain, and nothing is decoded.
+    if (hasUnpaintedPicture_) noteUsable();
     hasUndecodedFrame_ = true;
     return decodeNewest();
   }
   const auto frame = device_->frame();
-  if (const auto* picture = frame ? std::get_if<Picture>(&*frame) : nullptr; picture && isFitToShow(*picture))
-    offerPicture();
+  if (const auto* picture = frame ? std::get_if<Picture>(&*frame) : nullptr; picture) {
+    noteUsable();
+    if (isFitToShow(*picture)) offerPicture();
+  }
+}
+
+void CaptureStream::noteUsable() {
+  lastFrame_ = std::chrono::steady_clock::now();
+  hasUnusableFrames_ = false;
 }
 
 void CaptureStream::captureFailed(const Error& error) {
@@ -112,6 +122,7 @@ void CaptureStream::decodeNewest() {
 }
 
 void CaptureStream::frameDecoded(DecodeThread::Outcome outcome) {
+  if (outcome == DecodeThread::Outcome::Decoded) noteUsable();
   if (outcome == DecodeThread::Outcome::Decoded && isFitToShow(decoder_->picture())) {
     hasUnpaintedPicture_ = true;
     return offerPicture();
@@ -158,6 +169,7 @@ void CaptureStream::reset() {
   mode_.reset();
   showing_ = Showing::Nothing;
   firstFrame_.reset();
+  hasUnusableFrames_ = false;
   hasUndecodedFrame_ = false;
   hasUnpaintedPicture_ = false;
 }

@@ -25,6 +25,7 @@ class CaptureStream final : public backend::CameraStream, public GlassSource, pr
   backend::StreamStart awaitStart(std::chrono::milliseconds patience) override;
   void stop() override;
   [[nodiscard]] std::chrono::milliseconds silence() const override;
+  [[nodiscard]] bool sendsUnusableFrames() const override { return hasUnusableFrames_; }
   void clearPicture() override;
 
   [[nodiscard]] PixelSize pictureSize() const override;
@@ -39,6 +40,7 @@ class CaptureStream final : public backend::CameraStream, public GlassSource, pr
   void frameArrived() override;
   void captureFailed(const Error& error) override;
 
+  void noteUsable();
   void decodeNewest();
   void frameDecoded(DecodeThread::Outcome outcome);
   /// Passes the first good frame and everything after it; false while the frames are black or green.
@@ -65,6 +67,7 @@ class CaptureStream final : public backend::CameraStream, public GlassSource, pr
 
   std::unique_ptr<DecodeThread> decoder_;
   bool hasUndecodedFrame_ = false;
+  bool hasUnusableFrames_ = false;
   bool hasUnpaintedPicture_ = false;
 };
 

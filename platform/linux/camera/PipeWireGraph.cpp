@@ -31,6 +31,7 @@ PipeWireGraph::~PipeWireGraph() {
 
 bool PipeWireGraph::connect() {
   if (core_) return true;
+  if (!loop_.get()) return false;
   context_.reset(pw_context_new(
       loop_.get(),
       pw_properties_new(PW_KEY_APP_NAME, program::kName, PW_KEY_APP_ID, program::kIdentifier, nullptr), 0));

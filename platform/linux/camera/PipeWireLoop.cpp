@@ -8,7 +8,9 @@ namespace vistrel::camera {
 PipeWireLoop::PipeWireLoop(desktop::Reactor& reactor)
     : reactor_(reactor), self_(std::make_shared<PipeWireLoop*>(this)) {
   pw_init(nullptr, nullptr);
+  // None where the library's plugins are missing or no descriptor is left.
   loop_ = pw_loop_new(nullptr);
+  if (!loop_) return;
   pw_loop_enter(loop_);
   registration_ = reactor.watch(pw_loop_get_fd(loop_), [this] { turn(); });
 }
@@ -16,8 +18,10 @@ PipeWireLoop::PipeWireLoop(desktop::Reactor& reactor)
 PipeWireLoop::~PipeWireLoop() {
   *self_ = nullptr;
   registration_.reset();
-  pw_loop_leave(loop_);
-  pw_loop_destroy(loop_);
+  if (loop_) {
+    pw_loop_leave(loop_);
+    pw_loop_destroy(loop_);
+  }
   pw_deinit();
 }
 
@@ -41,6 +45,7 @@ void PipeWireLoop::forEach(void (PipeWireClient::*method)()) {
 }
 
 bool PipeWireLoop::iterate(int timeoutMs) {
+  if (!loop_) return false;
   const int events = pw_loop_iterate(loop_, timeoutMs);
   forEach(&PipeWireClient::afterIteration);
   return events > 0 || events == -EINTR;

@@ -32,6 +32,7 @@ class PipeWireLoop {
   PipeWireLoop(const PipeWireLoop&) = delete;
   PipeWireLoop& operator=(const PipeWireLoop&) = delete;
 
+  /// Null where the library could make none: then there are no cameras through PipeWire.
   [[nodiscard]] pw_loop* get() const { return loop_; }
   /// Passes the frames of the context's streams on from the main loop too, where the library allows it.
   void adoptFrames(pw_context& context);

@@ -20,8 +20,9 @@ class Kernel final : public V4l2System {
   std::vector<std::string> nodes() override {
     std::vector<std::string> paths;
     std::error_code error;
-    for (const auto& entry : fs::directory_iterator("/dev", error))
-      if (entry.path().filename().string().starts_with("video")) paths.push_back(entry.path().string());
+    fs::directory_iterator entry("/dev", error);
+    for (; !error && entry != fs::directory_iterator(); entry.increment(error))
+      if (entry->path().filename().string().starts_with("video")) paths.push_back(entry->path().string());
     return paths;
   }
 

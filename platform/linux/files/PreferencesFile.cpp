@@ -5,7 +5,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstdio>
+#include <cerrno>
+#include <chrono>
+#include <thread>
 #include <utility>
 
 #include "base/Program.h"
@@ -20,10 +22,21 @@ namespace {
 
 constexpr int kMostSetAside = 1000;
 
+// Another process of ours holds the lock for a moment; one that hangs may not hold us up.
+constexpr std::chrono::milliseconds kLockPatience{200};
+constexpr std::chrono::milliseconds kBetweenAttempts{5};
+
 // The folder itself is what is locked, so that no second file is needed.
 Result<FileDescriptor> lockFolder(const std::string& folder) {
   FileDescriptor handle(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (!handle || ::flock(handle.get(), LOCK_EX) != 0) return systemError(folder);
+  if (!handle) return systemError(folder);
+  const auto deadline = std::chrono::steady_clock::now() + kLockPatience;
+  while (::flock(handle.get(), LOCK_EX | LOCK_NB) != 0) {
+    if (errno != EWOULDBLOCK && errno != EINTR) return systemError(folder);
+    if (std::chrono::steady_clock::now() >= deadline)
+      return Error{folder + ": another process has locked it for too long"};
+    std::this_thread::sleep_for(kBetweenAttempts);
+  }
   return handle;
 }
 
@@ -48,6 +61,7 @@ Result<void> PreferencesFile::editPreferences(const Edit& edit) {
   if (!present) return present.error();
   const auto wanted = edit(present.value());
   if (!wanted || wanted == present.value()) return {};
+  if (wanted->size() >= kTooLarge) return Error{path() + ": would be larger than 1 MiB"};
   return replaceFile(path(), *wanted);
 }
 

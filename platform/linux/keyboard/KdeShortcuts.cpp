@@ -1,21 +1,17 @@
-#include <cstdlib>
-#include <fstream>
-#include <iterator>
+#include <cstddef>
 #include <sstream>
 #include <string>
 #include <string_view>
 
+#include "linux/files/FileTools.h"
 #include "linux/keyboard/DesktopShortcuts.h"
 
 namespace vistrel::keyboard {
 
 namespace {
 
-std::string configurationFolder() {
-  if (const char* folder = std::getenv("XDG_CONFIG_HOME"); folder && *folder == '/') return folder;
-  const char* home = std::getenv("HOME");
-  return std::string(home ? home : "") + "/.config";
-}
+// KDE's own is some tens of kilobytes.
+constexpr std::size_t kLargest = 1 << 20;
 
 /// The part of a value up to its first comma: the shortcuts in force, with tabs (written "\t") between; the
 /// default and a description follow. "\\," is a comma of the text and "\\\\" a backslash.
@@ -51,9 +47,9 @@ Accelerators parseKdeShortcuts(const std::string& text) {
 }
 
 std::optional<Accelerators> readKdeShortcuts() {
-  std::ifstream file(configurationFolder() + "/kglobalshortcutsrc");
-  if (!file) return std::nullopt;
-  return parseKdeShortcuts({std::istreambuf_iterator<char>(file), {}});
+  const auto text = files::readFile(files::configurationFolder() + "/kglobalshortcutsrc", kLargest);
+  if (!text || !text.value()) return std::nullopt;
+  return parseKdeShortcuts(*text.value());
 }
 
 }  // namespace vistrel::keyboard

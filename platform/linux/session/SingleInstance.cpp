@@ -2,10 +2,12 @@
 
 #include <QCoreApplication>
 #include <QDBusConnectionInterface>
+#include <QDBusError>
 #include <QDBusMessage>
 #include <QVariantMap>
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <utility>
 
 #include "base/Program.h"
@@ -16,8 +18,11 @@ namespace {
 
 constexpr const char* kPath = "/org/vistrel/Vistrel";
 constexpr const char* kInterface = "org.freedesktop.Application";
-// A first program that is busy gets the message all the same; the second one does not wait for it.
-constexpr int kHandOverPatience = 500;
+// A busy program answers when it gets to it; one that does not in this time hangs.
+constexpr int kHandOverPatience = 5000;
+// Between two starts of the program by hand. What comes closer together was one wish.
+constexpr std::chrono::milliseconds kOneWish{100};
+constexpr int kMostClaims = 5;
 
 // As in the desktop entry.
 constexpr std::array kActions = {"preferences"};
@@ -30,10 +35,18 @@ constexpr const char* kDescription = R"(<interface name="org.freedesktop.Applica
   </method>
 </interface>)";
 
-void handOver(const QDBusConnection& bus) {
+enum class HandOver { Done, NoOwner, NoAnswer };
+
+HandOver handOver(const QDBusConnection& bus) {
   auto message = QDBusMessage::createMethodCall(program::kIdentifier, kPath, kInterface, "Activate");
   message << QVariantMap();
-  bus.call(message, QDBus::Block, kHandOverPatience);
+  message.setAutoStartService(false);
+  const auto reply = bus.call(message, QDBus::Block, kHandOverPatience);
+  if (reply.type() == QDBusMessage::ReplyMessage) return HandOver::Done;
+  const auto error = QDBusError(reply).type();
+  const bool isGone = error == QDBusError::ServiceUnknown || error == QDBusError::Disconnected ||
+                      !bus.interface()->isServiceRegistered(program::kIdentifier);
+  return isGone ? HandOver::NoOwner : HandOver::NoAnswer;
 }
 
 }  // namespace
@@ -46,12 +59,15 @@ SingleInstance::SingleInstance()
 SingleInstance::Role SingleInstance::claim() {
   if (!bus_.isConnected()) return Role::WithoutBus;
   bus_.registerVirtualObject(kPath, this);
-  const auto reply =
-      bus_.interface()->registerService(program::kIdentifier, QDBusConnectionInterface::DontQueueService);
-  if (!reply.isValid()) return Role::WithoutBus;
-  if (reply.value() != QDBusConnectionInterface::ServiceRegistered) {
-    handOver(bus_);
-    return Role::Second;
+  for (int claims = 1;; ++claims) {
+    const auto reply =
+        bus_.interface()->registerService(program::kIdentifier, QDBusConnectionInterface::DontQueueService);
+    if (!reply.isValid()) return Role::WithoutBus;
+    if (reply.value() == QDBusConnectionInterface::ServiceRegistered) break;
+    // A first program that ends meanwhile leaves the name to us.
+    const HandOver outcome = handOver(bus_);
+    if (outcome == HandOver::Done) return Role::Second;
+    if (outcome == HandOver::NoAnswer || claims == kMostClaims) return Role::Unanswered;
   }
   // The bus may have started us for an `Activate`, which is this start and opens nothing. The bus delivers it
   // before it answers any further question. So after this question it is in our queue, and is dealt with
@@ -68,6 +84,10 @@ void SingleInstance::setReopenHandler(std::function<void()> handler) {
 }
 
 void SingleInstance::activate() {
+  const bool isNewWish = !lastActivation_.isValid() || lastActivation_.elapsed() >= kOneWish.count();
+  // The one that the bus started us for is no wish of its own.
+  if (isClaimed_) lastActivation_.start();
+  if (!isNewWish) return;
   if (reopen_) return reopen_();
   isReopenDue_ = isClaimed_;
   wasActivated_ = wasActivated_ || !isClaimed_;

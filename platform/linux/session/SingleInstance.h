@@ -2,6 +2,7 @@
 
 #include <QDBusConnection>
 #include <QDBusVirtualObject>
+#include <QElapsedTimer>
 #include <functional>
 #include <string>
 #include <vector>
@@ -12,7 +13,8 @@ namespace vistrel::session {
 /// answers as `org.freedesktop.Application` (Desktop Entry Specification, D-Bus activation).
 class SingleInstance final : public QDBusVirtualObject {
  public:
-  enum class Role { First, Second, WithoutBus };
+  /// `Unanswered`: another program has the name and does not answer.
+  enum class Role { First, Second, WithoutBus, Unanswered };
 
   SingleInstance();
 
@@ -34,6 +36,7 @@ class SingleInstance final : public QDBusVirtualObject {
 
   QDBusConnection bus_;
   std::function<void()> reopen_;
+  QElapsedTimer lastActivation_;
   std::function<void(const std::string&)> action_;
   std::vector<std::string> actionsDue_;
   bool isClaimed_ = false;

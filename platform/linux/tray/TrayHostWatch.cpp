@@ -5,7 +5,7 @@
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
-#include <QDBusReply>
+#include <QDBusPendingReply>
 #include <QGuiApplication>
 #include <utility>
 
@@ -20,8 +20,6 @@ using std::chrono::milliseconds;
 
 constexpr const char* kWatcher = "org.kde.StatusNotifierWatcher";
 constexpr const char* kWatcherPath = "/StatusNotifierWatcher";
-// In milliseconds.
-constexpr int kAnswerPatience = 250;
 // A panel that speaks both ways announces the embedding first, and is gone for a while when it is restarted.
 constexpr milliseconds kPatience{1000};
 
@@ -33,20 +31,16 @@ bool hasEmbeddingHost() {
   return reply && reply->owner != XCB_NONE;
 }
 
-// A watcher may be there before any host is, and Qt asks it once for the whole process: not too early.
-bool hasBusHost() {
+bool hasWatcher() {
   const auto bus = QDBusConnection::sessionBus();
-  if (!bus.interface() || !bus.interface()->isServiceRegistered(kWatcher)) return false;
+  return bus.interface() && bus.interface()->isServiceRegistered(kWatcher);
+}
+
+QDBusPendingCall askWatcher() {
   auto question =
       QDBusMessage::createMethodCall(kWatcher, kWatcherPath, "org.freedesktop.DBus.Properties", "Get");
   question << kWatcher << "IsStatusNotifierHostRegistered";
-  const QDBusReply<QVariant> answer = bus.call(question, QDBus::Block, kAnswerPatience);
-  return answer.isValid() && answer.value().toBool();
-}
-
-TrayHost present() {
-  if (hasBusHost()) return TrayHost::Bus;
-  return hasEmbeddingHost() ? TrayHost::Embedding : TrayHost::None;
+  return QDBusConnection::sessionBus().asyncCall(question);
 }
 
 }  // namespace
@@ -72,7 +66,33 @@ bool TrayHostWatch::nativeEventFilter(const QByteArray& /*type*/, void* message,
   return false;
 }
 
+// A watcher may be there before any host is, and at a busy login it may take its time: no answer is none, and
+// is asked for again.
 void TrayHostWatch::look() {
+  again_.reset();
+  answer_.reset();
+  hasBusHost_ = false;
+  if (hasWatcher()) {
+    answer_ = std::make_unique<QDBusPendingCallWatcher>(askWatcher());
+    QObject::connect(answer_.get(), &QDBusPendingCallWatcher::finished, this, [this] { answered(); });
+  }
+  consider();
+}
+
+void TrayHostWatch::answered() {
+  const QDBusPendingReply<QVariant> reply = *answer_;
+  answer_.release()->deleteLater();  // it is the one that calls
+  hasBusHost_ = reply.isValid() && reply.value().toBool();
+  if (reply.isError()) again_ = std::make_unique<qt::SingleShot>(kPatience, [this] { look(); });
+  consider();
+}
+
+TrayHost TrayHostWatch::present() const {
+  if (hasBusHost_) return TrayHost::Bus;
+  return hasEmbeddingHost() ? TrayHost::Embedding : TrayHost::None;
+}
+
+void TrayHostWatch::consider() {
   const TrayHost host = present();
   settling_.reset();
   if (host == TrayHost::None || host == known_) return;

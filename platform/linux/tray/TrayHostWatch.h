@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QAbstractNativeEventFilter>
+#include <QDBusPendingCallWatcher>
 #include <QDBusServiceWatcher>
 #include <QObject>
 #include <functional>
@@ -30,11 +31,17 @@ class TrayHostWatch final : public QObject, public QAbstractNativeEventFilter {
   void look();
 
  private:
+  void answered();
+  [[nodiscard]] TrayHost present() const;
+  void consider();
   void settle();
 
   std::function<void(TrayHost)> handler_;
   QDBusServiceWatcher busHosts_;
   TrayHost known_ = TrayHost::None;
+  bool hasBusHost_ = false;
+  std::unique_ptr<QDBusPendingCallWatcher> answer_;
+  std::unique_ptr<qt::SingleShot> again_;
   std::unique_ptr<qt::SingleShot> settling_;
 };
 

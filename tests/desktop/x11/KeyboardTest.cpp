@@ -1,3 +1,5 @@
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -153,6 +155,8 @@ TEST_F(KeyboardTest, FindsTheDesktopThatRuns) {
   write(file, "[kwin]\nKill=Meta+Ctrl+D,none,Kill\n");
   EXPECT_TRUE(Shortcut(kVK_ANSI_D, controlKey | cmdKey).isTakenBySystem());
   std::filesystem::remove(file);
+  EXPECT_FALSE(keyboard.symbolicHotKeys().has_value());
+  ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
   EXPECT_FALSE(keyboard.symbolicHotKeys().has_value());
 }
 
