@@ -1,12 +1,12 @@
-// Decoding MJPEG for a glass, beside the floor: the library's own decoding of the same frame at one eighth,
-// with nothing kept of it.
+// Decoding MJPEG for a glass, beside the library's own decoding of the same frame at the same scale, and at
+// one eighth with nothing kept of it.
 #include <benchmark/benchmark.h>
 
 #include <string>
 
 #include "benchmarks/BareDecoder.h"
 #include "benchmarks/BenchFrames.h"
-#include "linux/camera/JpegDecoder.h"
+#include "linux/camera/FrameDecoder.h"
 #include "linux/camera/PictureConverter.h"
 
 namespace vistrel::bench {
@@ -19,9 +19,10 @@ void floorOf(benchmark::State& state, PixelSize source, Scene scene) {
   state.counters["bytes"] = static_cast<double>(jpeg.size());
 }
 
+template <class Decoder>
 void decode(benchmark::State& state, PixelSize source, PixelSize glass, Scene scene) {
   const auto jpeg = jpegFrame(source, scene);
-  camera::JpegDecoder decoder;
+  Decoder decoder;
   camera::OwnedPicture picture;
   for ([[maybe_unused]] auto _ : state)
     if (!decoder.decode(jpeg, glass, picture)) state.SkipWithError("the frame was not decoded");
@@ -30,7 +31,7 @@ void decode(benchmark::State& state, PixelSize source, PixelSize glass, Scene sc
 
 void paint(benchmark::State& state, PixelSize source, PixelSize glass, Scene scene) {
   const auto jpeg = jpegFrame(source, scene);
-  camera::JpegDecoder decoder;
+  camera::FrameDecoder decoder;
   camera::OwnedPicture picture;
   if (!decoder.decode(jpeg, glass, picture)) return state.SkipWithError("the frame was not decoded");
   std::vector<std::uint8_t> pixels(static_cast<std::size_t>(glass.width) * 4 * glass.height);
@@ -54,7 +55,10 @@ const bool kRegistered = [] {
       for (const PixelSize wide : kGlasses) {
         const PixelSize glass = glassFor(source, wide);
         const std::string name = frame + "/" + std::to_string(glass.height);
-        add("jpeg_decode/" + name, [=](benchmark::State& s) { decode(s, source, glass, scene); });
+        add("jpeg_library/" + name,
+            [=](benchmark::State& s) { decode<camera::JpegDecoder>(s, source, glass, scene); });
+        add("jpeg_decode/" + name,
+            [=](benchmark::State& s) { decode<camera::FrameDecoder>(s, source, glass, scene); });
         if (scene == Scene::Plain)
           add("jpeg_paint/" + name, [=](benchmark::State& s) { paint(s, source, glass, scene); });
       }

@@ -23,7 +23,7 @@ struct DecodeThread::Shared {
   enum class Slot { Empty, Waiting, Decoded, Damaged };
 
   void run();
-  void work(JpegDecoder& decoder);
+  void work(FrameDecoder& decoder);
 
   desktop::FileDescriptor wakeUp{::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
   std::atomic<bool> shallEnd = false;
@@ -40,14 +40,14 @@ struct DecodeThread::Shared {
 };
 
 void DecodeThread::Shared::run() {
-  JpegDecoder decoder(shallEnd);
+  FrameDecoder decoder(shallEnd);
   work(decoder);
   const std::lock_guard lock(mutex);
   hasEnded = true;
   changed.notify_all();
 }
 
-void DecodeThread::Shared::work(JpegDecoder& decoder) {
+void DecodeThread::Shared::work(FrameDecoder& decoder) {
   std::unique_lock lock(mutex);
   while (true) {
     changed.wait(lock, [this] { return slot == Slot::Waiting || shallEnd; });

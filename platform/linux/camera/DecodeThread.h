@@ -7,7 +7,7 @@
 #include <thread>
 
 #include "linux/Reactor.h"
-#include "linux/camera/JpegDecoder.h"
+#include "linux/camera/FrameDecoder.h"
 
 namespace vistrel::camera {
 

@@ -3,10 +3,13 @@
 #include <array>
 #include <csetjmp>
 #include <cstdio>
+#include <utility>
 
 // The library's header needs the two above it.
 #include <jerror.h>
 #include <jpeglib.h>
+
+#include "linux/camera/JpegHeader.h"
 
 // libjpeg reports a fatal error by a jump out of its own frames. Between `setjmp` in `decode` and the library
 // there are only functions of this file, and none of them holds an object with a destructor.
@@ -19,6 +22,7 @@ struct JpegDecoder::State {
   jpeg_source_mgr source{};
   std::jmp_buf fatal{};
   bool isDamaged = false;
+  bool hasEnded = false;
   PixelSize glass;
   OwnedPicture* out = nullptr;
   const std::atomic<bool>* isCalledOff = nullptr;
@@ -30,7 +34,7 @@ constexpr int kComponents = 3;
 constexpr int kMostRowsPerStep = 4 * 2 * DCTSIZE;
 // Rows are padded so that the decoder may write whole blocks.
 constexpr int kRowPadding = 64;
-constexpr JDIMENSION kLargestSide = 16384;
+constexpr std::array<JOCTET, 2> kEndMarker = {0xff, JPEG_EOI};
 
 using State = JpegDecoder::State;
 
@@ -50,33 +54,38 @@ void onMessage(j_common_ptr codec, int level) {
 void sayNothing(j_common_ptr) {}
 void startSource(j_decompress_ptr) {}
 
-// All of the frame is in memory: asking for more means that it was cut short.
+// All of the frame is in memory. The library asks for more where the end marker is missing, and even in front
+// of the last codes: it gets that marker, which ends a picture that was cut short with a warning.
 boolean endOfFrame(j_decompress_ptr codec) {
-  giveUp(reinterpret_cast<j_common_ptr>(codec));
-  return FALSE;
+  const auto common = reinterpret_cast<j_common_ptr>(codec);
+  if (std::exchange(stateOf(common).hasEnded, true)) giveUp(common);
+  codec->src->next_input_byte = kEndMarker.data();
+  codec->src->bytes_in_buffer = kEndMarker.size();
+  return TRUE;
 }
 
 void skipBytes(j_decompress_ptr codec, long count) {
   if (count <= 0) return;
-  if (static_cast<std::size_t>(count) > codec->src->bytes_in_buffer) endOfFrame(codec);
+  if (static_cast<std::size_t>(count) > codec->src->bytes_in_buffer)
+    giveUp(reinterpret_cast<j_common_ptr>(codec));
   codec->src->next_input_byte += count;
   codec->src->bytes_in_buffer -= static_cast<std::size_t>(count);
 }
 
-unsigned denominatorFor(const jpeg_decompress_struct& codec, PixelSize glass) {
-  for (unsigned d = 8; d > 1; d /= 2) {
-    const bool isWideEnough = (codec.image_width + d - 1) / d >= static_cast<unsigned>(glass.width);
-    const bool isHighEnough = (codec.image_height + d - 1) / d >= static_cast<unsigned>(glass.height);
-    if (isWideEnough && isHighEnough) return d;
-  }
-  return 1;
+// What follows takes chroma planes of one size, and none finer than luma.
+bool hasUsualSampling(const jpeg_decompress_struct& codec) {
+  const auto* c = codec.comp_info;
+  const bool isLumaFinest =
+      c[0].h_samp_factor == codec.max_h_samp_factor && c[0].v_samp_factor == codec.max_v_samp_factor;
+  return isLumaFinest && (codec.num_components == 1 || (c[1].h_samp_factor == c[2].h_samp_factor &&
+                                                        c[1].v_samp_factor == c[2].v_samp_factor));
 }
 
 bool canShow(jpeg_decompress_struct& codec) {
   const bool isYuv = codec.jpeg_color_space == JCS_YCbCr && codec.num_components == kComponents;
   const bool isGrey = codec.jpeg_color_space == JCS_GRAYSCALE && codec.num_components == 1;
-  const bool isSane = codec.image_width <= kLargestSide && codec.image_height <= kLargestSide;
-  return (isYuv || isGrey) && isSane && !jpeg_has_multiple_scans(&codec);
+  const bool isSane = codec.image_width <= kLargestJpegSide && codec.image_height <= kLargestJpegSide;
+  return (isYuv || isGrey) && isSane && hasUsualSampling(codec) && !jpeg_has_multiple_scans(&codec);
 }
 
 int scaledRowsPerStep(const jpeg_component_info& component) {
@@ -139,14 +148,13 @@ bool decodeWhole(State& state) {
   codec.raw_data_out = TRUE;
   codec.out_color_space = codec.jpeg_color_space;
   codec.scale_num = 1;
-  codec.scale_denom = denominatorFor(codec, state.glass);
+  const PixelSize size = {static_cast<int>(codec.image_width), static_cast<int>(codec.image_height)};
+  codec.scale_denom = static_cast<unsigned>(reductionFor(size, state.glass));
   jpeg_start_decompress(&codec);
-  if (codec.comp_info[0].h_samp_factor != codec.max_h_samp_factor) return false;
   layOut(state);
   readPlanes(state);
-  const bool isWhole = !state.isDamaged && codec.output_scanline >= codec.output_height;
-  if (isWhole) jpeg_finish_decompress(&codec);
-  return isWhole && !state.isDamaged;
+  // What follows the picture is of no interest: the next frame begins anew.
+  return !state.isDamaged && codec.output_scanline >= codec.output_height;
 }
 
 }  // namespace
@@ -173,6 +181,7 @@ JpegDecoder::~JpegDecoder() { jpeg_destroy_decompress(&state_->codec); }
 bool JpegDecoder::decode(std::span<const std::uint8_t> jpeg, PixelSize glass, OwnedPicture& out) {
   State& state = *state_;
   state.isDamaged = false;
+  state.hasEnded = false;
   state.glass = glass;
   state.out = &out;
   state.source.next_input_byte = jpeg.data();

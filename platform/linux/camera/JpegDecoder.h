@@ -7,17 +7,10 @@
 
 #include "base/Geometry.h"
 #include "linux/camera/Picture.h"
-#include "linux/camera/Scratch.h"
 
 namespace vistrel::camera {
 
-/// A picture that owns its memory, which is kept for the next one.
-struct OwnedPicture {
-  Scratch memory;
-  Picture picture;
-};
-
-/// Decodes baseline JPEG (ITU-T T.81), as cameras send it, to planar YUV. Belongs to one thread at a time.
+/// Decodes JPEG (ITU-T T.81) by libjpeg, at every scale, to planar YUV. Belongs to one thread at a time.
 class JpegDecoder {
  public:
   /// While `isCalledOff` is set, which any thread may do, decoding gives up within a few rows.
@@ -27,7 +20,8 @@ class JpegDecoder {
   JpegDecoder& operator=(const JpegDecoder&) = delete;
 
   /// Decodes at 1, 1/2, 1/4 or 1/8 of the size: the smallest that is not below `glass`. False for anything
-  /// that is damaged, cut short, called off or no picture of a camera; `out` is undefined then.
+  /// that is damaged, cut short, called off or no picture of a camera; `out` is undefined then. The end
+  /// marker may be missing.
   bool decode(std::span<const std::uint8_t> jpeg, PixelSize glass, OwnedPicture& out);
 
   struct State;

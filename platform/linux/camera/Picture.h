@@ -8,6 +8,7 @@
 
 #include "base/Geometry.h"
 #include "linux/camera/PixelFormat.h"
+#include "linux/camera/Scratch.h"
 
 namespace vistrel::camera {
 
@@ -42,6 +43,12 @@ struct Picture {
   PixelSize chromaSize;
   std::array<Plane, 3> planes;
   YuvColor color = YuvColor::Bt601Limited;
+};
+
+/// A picture that owns its memory, which is kept for the next one.
+struct OwnedPicture {
+  Scratch memory;
+  Picture picture;
 };
 
 /// A block of memory with the distance of its rows; stride 0 means rows without gaps.

@@ -26,6 +26,7 @@ std::vector<std::uint8_t> encodeJpeg(const JpegShape& shape, const FillRow& fill
     codec.comp_info[0].h_samp_factor = shape.lumaPerChromaX;
     codec.comp_info[0].v_samp_factor = shape.lumaPerChromaY;
   }
+  if (shape.adjust) shape.adjust(codec);
   jpeg_start_compress(&codec, TRUE);
   std::vector<std::uint8_t> row(static_cast<std::size_t>(codec.input_components) *
                                 static_cast<std::size_t>(shape.size.width));

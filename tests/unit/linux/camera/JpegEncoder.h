@@ -6,6 +6,8 @@
 
 #include "base/Geometry.h"
 
+struct jpeg_compress_struct;
+
 namespace vistrel::camera {
 
 /// A baseline JPEG as cameras send them, made from rows of interleaved Y, Cb, Cr (or of grey alone).
@@ -15,6 +17,7 @@ struct JpegShape {
   int lumaPerChromaX = 2;  ///< 2 and 1: 4:2:2
   int lumaPerChromaY = 1;
   int quality = 75;
+  std::function<void(jpeg_compress_struct&)> adjust = {};  ///< for what no camera sends, or few do
 };
 using FillRow = std::function<void(int y, std::vector<std::uint8_t>& row)>;
 [[nodiscard]] std::vector<std::uint8_t> encodeJpeg(const JpegShape& shape, const FillRow& fill);
