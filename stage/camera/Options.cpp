@@ -1,5 +1,6 @@
 #include "stage/camera/Options.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
@@ -50,6 +51,10 @@ bool take(Options& options, std::string_view option, const std::string& value) {
   } else if (option == "--memory") {
     options.memory = memoryKindFromName(value);
     return options.memory.has_value();
+  } else if (option == "--transform") {
+    const auto transform = transformFromName(value);
+    options.transform = transform.value_or(Transform::None);
+    return transform.has_value();
   } else if (option == "--offer") {
     const auto offer = parseOffer(value);
     if (offer) options.offers.push_back(*offer);
@@ -62,6 +67,13 @@ bool take(Options& options, std::string_view option, const std::string& value) {
     return false;
   }
   return true;
+}
+
+/// JPEG is put together from rows of blocks, and the detail of a rich picture is laid over rows.
+bool canBeTurned(const Options& options) {
+  const bool isRaw = std::all_of(options.offers.begin(), options.offers.end(),
+                                 [](const Offer& offer) { return offer.raw.has_value(); });
+  return options.transform == Transform::None || (isRaw && options.picture == Picture::Plain);
 }
 
 bool takeFlag(Options& options, std::string_view option) {
@@ -91,7 +103,7 @@ std::optional<Options> Options::parse(std::span<char*> arguments) {
   if (options.offers.empty())
     for (const auto& [width, height] : {std::pair{1280, 720}, {640, 480}, {1920, 1080}})
       options.offers.push_back({PixelFormat::Yuy2, "yuy2", width, height, {30}});
-  return options;
+  return canBeTurned(options) ? std::optional(options) : std::nullopt;
 }
 
 }  // namespace vistrel::stage

@@ -42,11 +42,12 @@ void drawClockRow(RawPicture& picture, int top, int bottom, std::uint32_t value)
 
 class RawSource : public PictureSource {
  public:
-  RawSource(const Offer& offer, const Options& options) : black_(*offer.raw, offer.width, offer.height) {
-    black_.fill({0, 0, offer.width, offer.height}, kBlack);
+  RawSource(const Offer& offer, const Options& options)
+      : black_(*offer.raw, offer.width, offer.height, options.transform) {
+    black_.fill({0, 0, black_.width(), black_.height()}, kBlack);
     for (int phase = 0; phase < kPhases; ++phase) {
-      phases_.emplace_back(*offer.raw, offer.width, offer.height);
-      drawBody(phases_.back(), clock::rowTop(offer.height, 0), phase, options);
+      phases_.emplace_back(*offer.raw, offer.width, offer.height, options.transform);
+      drawBody(phases_.back(), clock::rowTop(black_.height(), 0), phase, options);
     }
   }
 

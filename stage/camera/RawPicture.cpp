@@ -76,8 +76,16 @@ std::optional<PixelFormat> pixelFormatFromName(std::string_view name) {
   return found->second;
 }
 
-RawPicture::RawPicture(PixelFormat format, int width, int height)
-    : format_(format), width_(width & ~1), height_(height & ~1) {
+std::optional<Transform> transformFromName(std::string_view name) {
+  static constexpr std::array<std::string_view, 8> kNames{"none",    "90",        "180",        "270",
+                                                          "flipped", "flipped90", "flipped180", "flipped270"};
+  const auto* const found = std::find(kNames.begin(), kNames.end(), name);
+  if (found == kNames.end()) return std::nullopt;
+  return static_cast<Transform>(found - kNames.begin());
+}
+
+RawPicture::RawPicture(PixelFormat format, int width, int height, Transform transform)
+    : format_(format), width_(width & ~1), height_(height & ~1), transform_(transform) {
   switch (format) {
     case PixelFormat::Yuy2:
     case PixelFormat::Uyvy:
@@ -114,7 +122,19 @@ std::uint8_t* RawPicture::line(int plane, int y) {
   return bytes_.data() + planes_[plane].offset + std::size_t(planes_[plane].stride) * y;
 }
 
-void RawPicture::fill(Area area, Color color) {
+Area RawPicture::inMemory(Area area) const {
+  int width = this->width();
+  int height = this->height();
+  if (transform_ >= Transform::Flipped) area = {width - area.right, area.top, width - area.left, area.bottom};
+  for (int turn = 0; turn < quarterTurns(); ++turn) {
+    area = {area.top, width - area.right, area.bottom, width - area.left};
+    std::swap(width, height);
+  }
+  return area;
+}
+
+void RawPicture::fill(Area upright, Color color) {
+  const Area area = inMemory(upright);
   for (std::size_t index = 0; index < planes_.size(); ++index) {
     const Plane& plane = planes_[index];
     const auto pair = pairOf(format_, index, color);

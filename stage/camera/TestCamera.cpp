@@ -147,7 +147,7 @@ void TestCamera::announceBuffers() {
   spa_pod_builder_init(&builder, memory.data(), memory.size());
   const auto size = static_cast<int>(source_->maximumBytes());
   const int types = memory_ ? 1 << memory_->dataType() : (1 << SPA_DATA_MemFd) | (1 << SPA_DATA_MemPtr);
-  std::array<const spa_pod*, 2> parameters{
+  std::array<const spa_pod*, 3> parameters{
       static_cast<const spa_pod*>(spa_pod_builder_add_object(
           &builder, SPA_TYPE_OBJECT_ParamBuffers, SPA_PARAM_Buffers, SPA_PARAM_BUFFERS_buffers,
           SPA_POD_CHOICE_RANGE_Int(8, 2, 32), SPA_PARAM_BUFFERS_blocks, SPA_POD_Int(1),
@@ -156,6 +156,10 @@ void TestCamera::announceBuffers() {
       static_cast<const spa_pod*>(spa_pod_builder_add_object(
           &builder, SPA_TYPE_OBJECT_ParamMeta, SPA_PARAM_Meta, SPA_PARAM_META_type,
           SPA_POD_Id(SPA_META_Header), SPA_PARAM_META_size, SPA_POD_Int(sizeof(spa_meta_header)))),
+      static_cast<const spa_pod*>(
+          spa_pod_builder_add_object(&builder, SPA_TYPE_OBJECT_ParamMeta, SPA_PARAM_Meta, SPA_PARAM_META_type,
+                                     SPA_POD_Id(SPA_META_VideoTransform), SPA_PARAM_META_size,
+                                     SPA_POD_Int(sizeof(spa_meta_videotransform)))),
   };
   pw_stream_update_params(stream_, parameters.data(), parameters.size());
 }
@@ -196,6 +200,9 @@ void TestCamera::frameWanted(void* self) {
     auto* const header = static_cast<spa_meta_header*>(
         spa_buffer_find_meta_data(wrapped->buffer, SPA_META_Header, sizeof(spa_meta_header)));
     if (header != nullptr) *header = {0, 0, taken, 0, camera.counter_};
+    auto* const turn = static_cast<spa_meta_videotransform*>(
+        spa_buffer_find_meta_data(wrapped->buffer, SPA_META_VideoTransform, sizeof(spa_meta_videotransform)));
+    if (turn != nullptr) turn->transform = static_cast<std::uint32_t>(camera.options_.transform);
     if (camera.memory_) camera.memory_->wrote(*wrapped);
   }
   pw_stream_queue_buffer(camera.stream_, wrapped);

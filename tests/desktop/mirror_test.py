@@ -104,6 +104,22 @@ class MirrorTest(TearingOff, DesktopTest):
         self.assertTrue(seen["upright"])
         self.assertAlmostEqual(seen["place"][2], 320, delta=2)
 
+    def test_a_camera_that_is_mounted_otherwise_shows_an_upright_picture(self):
+        vistrel = self.start({"selectedPopoverSize": 1})
+        for flip in ("", "flipped"):
+            for turn in ("none", "90", "180", "270"):
+                with self.subTest(flip=flip, turn=turn):
+                    transform = "flipped" if flip and turn == "none" else flip + turn
+                    camera = self.desktop.camera(offers=["yuy2:1280x720@30"], options=["--transform", transform])
+                    seen = self.open(vistrel)
+                    self.assertTrue(seen["mirrored"] and seen["upright"])
+                    is_tall = turn in ("90", "270")
+                    self.assertAlmostEqual(seen["place"][2], 270 if is_tall else 852, delta=2)
+                    self.assertAlmostEqual(seen["place"][3], 480, delta=2)
+                    vistrel.click()
+                    self.wait_closed(camera)
+                    self.desktop.unplug_all()
+
     def test_a_press_elsewhere_closes_it(self):
         camera = self.desktop.camera()
         for preference in (0, 1):

@@ -42,6 +42,8 @@ class CaptureDevice {
   virtual void stop() = 0;
   /// The newest frame, in place, valid until control returns to the main loop. None when there is none.
   [[nodiscard]] virtual std::optional<Frame> frame() const = 0;
+  /// How the newest frame lies in memory. Upright where the camera does not say.
+  [[nodiscard]] virtual Orientation orientation() const { return {}; }
 };
 
 }  // namespace vistrel::camera

@@ -61,7 +61,7 @@ void CaptureStream::clearPicture() {
 }
 
 PixelSize CaptureStream::pictureSize() const {
-  return showing_ == Showing::Picture && mode_ ? mode_->size : PixelSize{};
+  return showing_ == Showing::Picture && mode_ ? orientation().turned(mode_->size) : PixelSize{};
 }
 
 void CaptureStream::setGlassSize(PixelSize size) {
@@ -117,12 +117,17 @@ void CaptureStream::decodeNewest() {
   if (!decoder_ || !decoder_->isIdle() || !hasUndecodedFrame_ || hasUnpaintedPicture_) return;
   hasUndecodedFrame_ = false;
   const auto frame = device_->frame();
-  if (const auto* jpeg = frame ? std::get_if<std::span<const std::uint8_t>>(&*frame) : nullptr)
-    decoder_->decode(*jpeg, glass_);
+  const auto* jpeg = frame ? std::get_if<std::span<const std::uint8_t>>(&*frame) : nullptr;
+  if (!jpeg) return;
+  decoding_ = device_->orientation();
+  decoder_->decode(*jpeg, decoding_.turned(glass_));
 }
 
 void CaptureStream::frameDecoded(DecodeThread::Outcome outcome) {
-  if (outcome == DecodeThread::Outcome::Decoded) noteUsable();
+  if (outcome == DecodeThread::Outcome::Decoded) {
+    noteUsable();
+    decoded_ = decoding_;
+  }
   if (outcome == DecodeThread::Outcome::Decoded && isFitToShow(decoder_->picture())) {
     hasUnpaintedPicture_ = true;
     return offerPicture();
@@ -150,11 +155,15 @@ void CaptureStream::tellGlass() {
 
 std::optional<Picture> CaptureStream::newestPicture() const {
   if (showing_ != Showing::Picture) return std::nullopt;
-  if (decoder_) return decoder_->picture();
-  const auto frame = device_->frame();
-  const auto* picture = frame ? std::get_if<Picture>(&*frame) : nullptr;
-  return picture ? std::optional(*picture) : std::nullopt;
+  const auto frame = decoder_ ? std::optional<Frame>(decoder_->picture()) : device_->frame();
+  const auto* found = frame ? std::get_if<Picture>(&*frame) : nullptr;
+  if (!found) return std::nullopt;
+  Picture picture = *found;
+  picture.orientation = orientation();
+  return picture;
 }
+
+Orientation CaptureStream::orientation() const { return decoder_ ? decoded_ : device_->orientation(); }
 
 // The client must not hear of a failure from inside its own call.
 void CaptureStream::failLater(Error error) {

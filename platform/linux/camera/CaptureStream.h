@@ -48,6 +48,8 @@ class CaptureStream final : public backend::CameraStream, public GlassSource, pr
   void offerPicture();
   void tellGlass();
   [[nodiscard]] std::optional<Picture> newestPicture() const;
+  /// Of the newest picture.
+  [[nodiscard]] Orientation orientation() const;
   void failLater(Error error);
   void reset();
 
@@ -66,6 +68,8 @@ class CaptureStream final : public backend::CameraStream, public GlassSource, pr
   PictureConverter converter_;
 
   std::unique_ptr<DecodeThread> decoder_;
+  Orientation decoding_;  // of the frame that the decoder was given last
+  Orientation decoded_;
   bool hasUndecodedFrame_ = false;
   bool hasUnusableFrames_ = false;
   bool hasUnpaintedPicture_ = false;

@@ -7,6 +7,7 @@
 #include <span>
 
 #include "base/Geometry.h"
+#include "linux/camera/Orientation.h"
 #include "linux/camera/PixelFormat.h"
 #include "linux/camera/Scratch.h"
 
@@ -43,6 +44,7 @@ struct Picture {
   PixelSize chromaSize;
   std::array<Plane, 3> planes;
   YuvColor color = YuvColor::Bt601Limited;
+  Orientation orientation = {};
 };
 
 /// A picture that owns its memory, which is kept for the next one.

@@ -2,6 +2,7 @@
 
 #include <libyuv.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -10,6 +11,7 @@ namespace {
 
 // Between the rows that are split into one block, so that each starts on a cache line.
 constexpr int kAlignment = 64;
+constexpr int kBytesPerPixel = 4;
 
 int half(int value) { return (value + 1) / 2; }
 
@@ -46,34 +48,104 @@ int stepOf(int pixels, int samples) {
   return samples > 0 ? static_cast<int>(std::lround(static_cast<double>(pixels) / samples)) : 1;
 }
 
+/// What is read of one direction of the picture, in pixels: the part that is seen, with neighbours to blend
+/// its edges from, in whole steps of every chroma resolution.
+struct Stretch {
+  static constexpr double kNeighbours = 4;
+  static constexpr int kStep = 12;
+
+  Stretch(double start, double length, int pixels)
+      : from(length * pixels),
+        all(pixels),
+        first(std::max(0, static_cast<int>(start * pixels - kNeighbours) / kStep * kStep)),
+        last(std::min(pixels, static_cast<int>(std::ceil(start * pixels + from + kNeighbours)))),
+        offset(start * pixels - first) {}
+
+  [[nodiscard]] Axis axis(int samples, int step, int to, int toStep) const {
+    const int before = first / step;
+    const int within = last == all ? samples - before : (last - first + step - 1) / step;
+    return {std::min(within, samples - before), from, offset, step, to, toStep};
+  }
+
+  double from;
+  int all;
+  int first;
+  int last;
+  double offset;
+};
+
+// The picture without what lies left of and above a pixel at which a unit and a chroma sample begin.
+Picture startingAt(Picture picture, std::ptrdiff_t x, std::ptrdiff_t y) {
+  const PixelLayout& layout = layoutOf(picture.format);
+  const int pairs = layout.family == PixelFamily::Packed ? 2 : 1;
+  const auto skip = [](Plane& plane, std::ptrdiff_t bytes, std::ptrdiff_t rows) {
+    if (plane.data) plane.data += rows * plane.stride + bytes;
+  };
+  skip(picture.planes[0], x / pairs * layout.bytes, y);
+  const PixelSize step{stepOf(picture.size.width, picture.chromaSize.width),
+                       stepOf(picture.size.height, picture.chromaSize.height)};
+  const int bytes = layout.family == PixelFamily::SemiPlanar ? 2 : 1;
+  for (std::size_t i = 1; i < picture.planes.size(); ++i)
+    skip(picture.planes[i], x / step.width * bytes, y / step.height);
+  return picture;
+}
+
+GlassTarget fromBelow(GlassTarget target) {
+  target.pixels += static_cast<std::ptrdiff_t>(target.stride) * (target.size.height - 1);
+  target.stride = -target.stride;
+  return target;
+}
+
 }  // namespace
 
+// Left and right change places in the mirror, after the picture was turned upright.
 void PictureConverter::convert(const Picture& picture, const GlassTarget& target) {
-  prepare(picture, target);
+  Orientation turn = picture.orientation;
+  GlassTarget stored = target;
+  stored.part = turn.inMemory(target.part);
+  turn.isFlippedAcross = turn.isFlippedAcross != target.isMirrored;
+  if (!turn.isTransposed) {
+    stored.isMirrored = turn.isFlippedAcross;
+    return paint(picture, turn.isFlippedDown ? fromBelow(stored) : stored);
+  }
+  stored.size = turn.turned(target.size);
+  stored.stride = stored.size.width * kBytesPerPixel;
+  stored.pixels = lying_.take(static_cast<std::size_t>(stored.stride) * stored.size.height);
+  // To transpose is to flip from below and to turn by a quarter to the right.
+  stored.isMirrored = turn.isFlippedDown;
+  paint(picture, turn.isFlippedAcross ? stored : fromBelow(stored));
+  libyuv::ARGBRotate(stored.pixels, stored.stride, target.pixels, target.stride, stored.size.width,
+                     stored.size.height, libyuv::kRotate90);
+}
+
+void PictureConverter::paint(const Picture& picture, const GlassTarget& target) {
+  const Picture seen = prepare(picture, target);
   for (int y = 0; y < target.size.height; ++y) {
-    Rows rows = rowsAt(picture, y);
+    Rows rows = rowsAt(seen, y);
     for (int i = 0; i < kChannels; ++i)
       if (rows[i]) rows[i] = channels_[i].resampler.apply(rows[i]);
-    paintRow(picture, rows, target.pixels + static_cast<std::ptrdiff_t>(y) * target.stride,
-             target.size.width);
+    paintRow(seen, rows, target.pixels + static_cast<std::ptrdiff_t>(y) * target.stride, target.size.width);
   }
 }
 
-void PictureConverter::prepare(const Picture& picture, const GlassTarget& target) {
+Picture PictureConverter::prepare(const Picture& picture, const GlassTarget& target) {
   const PixelSize size = picture.size;
   const bool isFull = isRgb(picture.format) || isGrey(picture);
   const PixelSize chroma = isFull                     ? size
                            : isPacked(picture.format) ? PixelSize{half(size.width), size.height}
                                                       : picture.chromaSize;
+  const Stretch across(target.part.x, target.part.width, size.width);
+  const Stretch down(target.part.y, target.part.height, size.height);
   const Direction direction = target.isMirrored ? Direction::Mirrored : Direction::AsIs;
   for (int i = 0; i < kChannels; ++i) {
     const PixelSize samples = i == 0 ? size : chroma;
     const int step = stepOf(size.width, samples.width);
     auto& channel = channels_[i];
-    channel.across = {samples.width, size.width, step, target.size.width, step > 1 ? 2 : 1};
-    channel.down = {samples.height, size.height, stepOf(size.height, samples.height), target.size.height, 1};
+    channel.across = across.axis(samples.width, step, target.size.width, step > 1 ? 2 : 1);
+    channel.down = down.axis(samples.height, stepOf(size.height, samples.height), target.size.height, 1);
     channel.resampler.prepare(channel.across, direction);
   }
+  return startingAt(picture, across.first, down.first);
 }
 
 PictureConverter::Rows PictureConverter::rowsAt(const Picture& picture, int y) {

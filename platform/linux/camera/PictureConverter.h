@@ -10,8 +10,10 @@
 
 namespace vistrel::camera {
 
-/// Scales, converts and mirrors a picture into a glass. Works row by row, so that all that lies between the
-/// frame and the glass stays in the first cache; keeps its working memory from one picture to the next.
+/// Scales, converts, turns and mirrors a part of a picture into a glass, and reads no more of the picture
+/// than that part. Works row by row, so that all that lies between the frame and the glass stays in the first
+/// cache; flips are a matter of the order, and only what is turned by a quarter takes a second pass, over the
+/// scaled picture. Keeps its working memory from one picture to the next.
 class PictureConverter {
  public:
   /// Fills all of `target`, whose size must not be empty.
@@ -22,7 +24,10 @@ class PictureConverter {
   using Rows = std::array<const std::uint8_t*, kChannels>;
   using SplitRows = std::array<std::uint8_t*, kChannels + 1>;
 
-  void prepare(const Picture& picture, const GlassTarget& target);
+  /// Fills `target` with its part of the picture as it is stored; its stride may be negative.
+  void paint(const Picture& picture, const GlassTarget& target);
+  /// Prepares the channels, and gives the rows and columns of the picture that will be read.
+  [[nodiscard]] Picture prepare(const Picture& picture, const GlassTarget& target);
   /// The three channels of a row of the glass, still at the picture's width.
   [[nodiscard]] Rows rowsAt(const Picture& picture, int y);
   [[nodiscard]] Rows planarRows(const Picture& picture, int y);
@@ -41,6 +46,7 @@ class PictureConverter {
   };
   std::array<Channel, kChannels> channels_;
   Scratch split_;
+  Scratch lying_;  // the scaled picture before a quarter turn
 };
 
 }  // namespace vistrel::camera

@@ -154,7 +154,7 @@ void PipeWireDevice::onParam(void* data, std::uint32_t id, const spa_pod* param)
   std::array<std::uint8_t, 512> memory{};
   spa_pod_builder builder;
   spa_pod_builder_init(&builder, memory.data(), memory.size());
-  std::array offers{bufferOffer(builder), headerOffer(builder)};
+  std::array offers{bufferOffer(builder), headerOffer(builder), transformOffer(builder)};
   pw_stream_update_params(device.stream_.get(), offers.data(), offers.size());
 }
 
@@ -192,6 +192,7 @@ void PipeWireDevice::hold(pw_buffer* buffer) {
   syncMemory(*buffer->buffer, DMA_BUF_SYNC_START);
   held_ = buffer;
   frame_ = frame;
+  orientation_ = orientationOf(*buffer->buffer);
   isFrameUntold_ = true;
 }
 

@@ -32,6 +32,7 @@ class PipeWireDevice final : public CaptureDevice, private PipeWireClient {
   backend::StreamStart awaitStart(std::chrono::milliseconds patience) override;
   void stop() override;
   [[nodiscard]] std::optional<Frame> frame() const override { return frame_; }
+  [[nodiscard]] Orientation orientation() const override { return orientation_; }
 
  private:
   static void onState(void* data, pw_stream_state old, pw_stream_state state, const char* error);
@@ -69,6 +70,7 @@ class PipeWireDevice final : public CaptureDevice, private PipeWireClient {
   std::map<const pw_buffer*, StreamBuffer> buffers_;
   pw_buffer* held_ = nullptr;
   std::optional<Frame> frame_;
+  Orientation orientation_;
 
   bool isFrameUntold_ = false;
   bool isStartUntold_ = false;

@@ -1,6 +1,5 @@
 #include "linux/camera/PipeWireFormats.h"
 
-#include <spa/buffer/buffer.h>
 #include <spa/buffer/meta.h>
 #include <spa/param/buffers.h>
 #include <spa/param/format.h>
@@ -9,6 +8,7 @@
 #include <spa/pod/iter.h>
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 #include <optional>
 #include <utility>
@@ -122,6 +122,29 @@ std::optional<AgreedFormat> agreedJpeg(const spa_pod* format) {
   return AgreedFormat{PixelFormat::Mjpeg, sizeOf(info.size), decideColor(PixelFormat::Mjpeg, {})};
 }
 
+// What undoes each SPA_META_TRANSFORMATION_…, in the order of their values: a flip of left and right or none,
+// then that many quarter turns to the left.
+constexpr std::array<Orientation, 8> kOrientations = {{
+    {false, false, false},  // none
+    {true, true, false},    // 90
+    {false, true, true},    // 180
+    {true, false, true},    // 270
+    {false, true, false},   // flipped
+    {true, false, false},   // flipped, 90
+    {false, false, true},   // flipped, 180
+    {true, true, true},     // flipped, 270
+}};
+
+const spa_pod* metaOffer(spa_pod_builder& builder, spa_meta_type type, int size) {
+  spa_pod_frame object;
+  spa_pod_builder_push_object(&builder, &object, SPA_TYPE_OBJECT_ParamMeta, SPA_PARAM_Meta);
+  spa_pod_builder_prop(&builder, SPA_PARAM_META_type, 0);
+  spa_pod_builder_id(&builder, type);
+  spa_pod_builder_prop(&builder, SPA_PARAM_META_size, 0);
+  spa_pod_builder_int(&builder, size);
+  return static_cast<const spa_pod*>(spa_pod_builder_pop(&builder, &object));
+}
+
 }  // namespace
 
 void appendModes(const spa_pod* offer, std::vector<VideoMode>& modes) {
@@ -192,13 +215,17 @@ const spa_pod* bufferOffer(spa_pod_builder& builder) {
 }
 
 const spa_pod* headerOffer(spa_pod_builder& builder) {
-  spa_pod_frame object;
-  spa_pod_builder_push_object(&builder, &object, SPA_TYPE_OBJECT_ParamMeta, SPA_PARAM_Meta);
-  spa_pod_builder_prop(&builder, SPA_PARAM_META_type, 0);
-  spa_pod_builder_id(&builder, SPA_META_Header);
-  spa_pod_builder_prop(&builder, SPA_PARAM_META_size, 0);
-  spa_pod_builder_int(&builder, sizeof(spa_meta_header));
-  return static_cast<const spa_pod*>(spa_pod_builder_pop(&builder, &object));
+  return metaOffer(builder, SPA_META_Header, sizeof(spa_meta_header));
+}
+
+const spa_pod* transformOffer(spa_pod_builder& builder) {
+  return metaOffer(builder, SPA_META_VideoTransform, sizeof(spa_meta_videotransform));
+}
+
+Orientation orientationOf(const spa_buffer& buffer) {
+  const auto* meta = static_cast<const spa_meta_videotransform*>(
+      spa_buffer_find_meta_data(&buffer, SPA_META_VideoTransform, sizeof(spa_meta_videotransform)));
+  return meta && meta->transform < kOrientations.size() ? kOrientations[meta->transform] : Orientation{};
 }
 
 }  // namespace vistrel::camera

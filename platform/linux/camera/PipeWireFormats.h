@@ -1,5 +1,6 @@
 #pragma once
 
+#include <spa/buffer/buffer.h>
 #include <spa/pod/builder.h>
 #include <spa/pod/pod.h>
 
@@ -28,5 +29,9 @@ struct AgreedFormat {
 [[nodiscard]] const spa_pod* bufferOffer(spa_pod_builder& builder);
 /// Asks for the header that marks damaged frames.
 [[nodiscard]] const spa_pod* headerOffer(spa_pod_builder& builder);
+/// Asks for what tells how frames are turned.
+[[nodiscard]] const spa_pod* transformOffer(spa_pod_builder& builder);
+/// How the frame in the buffer is turned; upright where nothing is said.
+[[nodiscard]] Orientation orientationOf(const spa_buffer& buffer);
 
 }  // namespace vistrel::camera

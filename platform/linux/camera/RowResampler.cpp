@@ -42,7 +42,8 @@ void RowResampler::prepare(const Axis& axis, Direction direction) {
     ++halvings_;
     samples_ /= 2;
   }
-  isIdentity_ = direction == Direction::AsIs && axis.samples == axis.wanted() && axis.ratio() == 1;
+  isIdentity_ =
+      direction == Direction::AsIs && axis.samples == axis.wanted() && axis.ratio() == 1 && axis.offset == 0;
   layOut();
 }
 
@@ -50,7 +51,7 @@ void RowResampler::prepare(const Axis& axis, Direction direction) {
 double RowResampler::positionOf(std::size_t result) const {
   const double centre = (static_cast<double>(result) + 0.5) * axis_.toStep;
   const double seen = direction_ == Direction::Mirrored ? axis_.to - centre : centre;
-  const double sample = seen * axis_.from / axis_.to / axis_.fromStep;
+  const double sample = axis_.start() + seen * axis_.from / axis_.to / axis_.fromStep;
   return std::clamp(std::ldexp(sample, -halvings_) - 0.5, 0.0, samples_ - 1.0);
 }
 

@@ -21,10 +21,12 @@ struct Blend {
 
 Blend blendAt(const Axis& axis, int index) {
   const double ratio = axis.ratio();
+  const double start = axis.start();
   const auto clamp = [&](double row) { return std::clamp(static_cast<int>(row), 0, axis.samples - 1); };
-  if (ratio > kSparse) return {clamp((index + 0.5) * ratio), 0, 0};
-  if (ratio > kMild) return {clamp((index + 0.25) * ratio), clamp((index + 0.75) * ratio), kWhole / 2};
-  const double position = std::max((index + 0.5) * ratio - 0.5, 0.0);
+  if (ratio > kSparse) return {clamp(start + (index + 0.5) * ratio), 0, 0};
+  if (ratio > kMild)
+    return {clamp(start + (index + 0.25) * ratio), clamp(start + (index + 0.75) * ratio), kWhole / 2};
+  const double position = std::max(start + (index + 0.5) * ratio - 0.5, 0.0);
   const int upper = clamp(position);
   return {upper, clamp(upper + 1), static_cast<int>(std::lround((position - upper) * kWhole))};
 }

@@ -10,8 +10,9 @@ namespace vistrel::camera {
 /// One direction of a plane and of the glass. A subsampled plane has one sample for every `fromStep` pixels
 /// of the picture; the glass wants one for every `toStep` of its pixels.
 struct Axis {
-  int samples = 0;  ///< of the plane
-  int from = 0;     ///< pixels of the picture
+  int samples = 0;    ///< of the plane
+  double from = 0;    ///< pixels of the picture that are seen
+  double offset = 0;  ///< of the first seen one, from the plane's first sample, in pixels of the picture
   int fromStep = 1;
   int to = 0;  ///< pixels of the glass
   int toStep = 1;
@@ -19,10 +20,10 @@ struct Axis {
 
   /// Samples that the glass wants.
   [[nodiscard]] int wanted() const { return (to + toStep - 1) / toStep; }
+  /// The place of the first seen pixel among the samples.
+  [[nodiscard]] double start() const { return offset / fromStep; }
   /// Plane samples for each wanted one.
-  [[nodiscard]] double ratio() const {
-    return static_cast<double>(from) * toStep / (static_cast<double>(to) * fromStep);
-  }
+  [[nodiscard]] double ratio() const { return from * toStep / (static_cast<double>(to) * fromStep); }
 };
 
 /// Takes rows out of a plane at the glass's height, whatever their bytes mean. Enlarging and mild reductions

@@ -36,8 +36,10 @@ class FakeDevice final : public CaptureDevice {
     client_->frameArrived();
   }
   void fail(const char* text) { client_->captureFailed({text}); }
+  [[nodiscard]] Orientation orientation() const override { return turn; }
 
   mutable int looks = 0;
+  Orientation turn;
 
  private:
   std::vector<VideoMode> modes_;
@@ -88,6 +90,18 @@ TEST_F(CaptureStreamTest, ShowsNothingBeforeTheFirstGoodFrame) {
   EXPECT_EQ(told_, 1);
   EXPECT_TRUE(paint());
   EXPECT_NEAR(pixels_[0], 128, 2);
+}
+
+TEST_F(CaptureStreamTest, TellsTheSizeOfTheUprightPicture) {
+  for (const PixelFormat format : {PixelFormat::Yuy2, PixelFormat::Mjpeg}) {
+    open(format);
+    device_->turn.isTransposed = true;
+    told_ = 0;
+    device_->deliver(format == PixelFormat::Yuy2 ? grey(126) : testJpeg(kSize, JpegSampling::Yuv422));
+    EXPECT_TRUE(waitForTold(1));
+    EXPECT_EQ(stream_->pictureSize(), (PixelSize{kSize.height, kSize.width}));
+    EXPECT_TRUE(paint());
+  }
 }
 
 TEST_F(CaptureStreamTest, TellsTheGlassOnceUntilItPaintsTheNewestFrame) {
