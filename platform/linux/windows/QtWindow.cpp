@@ -82,6 +82,7 @@ void QtWindow::show() {
     applyKind();
     x11_.noteUserAction();
     shell_->show();
+    if (hasChrome()) x11_.standAlone(*shell_->windowHandle());
   }
   activate();
   firstResponderDidChange(dynamic_cast<NSView*>(window_.firstResponder()));

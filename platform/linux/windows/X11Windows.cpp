@@ -37,11 +37,15 @@ void X11Windows::setListed(const QWindow& window, ListedAs listed) {
   if (!connection_) return;
   if (window.isVisible()) {
     // A window that belongs to another one is left out of lists whatever its state says.
-    if (listed == ListedAs::Window) xcb_delete_property(connection_, idOf(window), XCB_ATOM_WM_TRANSIENT_FOR);
+    if (listed == ListedAs::Window) standAlone(window);
     askForState(idOf(window), listed);
   } else {
     writeState(idOf(window), listed);
   }
+}
+
+void X11Windows::standAlone(const QWindow& window) {
+  if (connection_) xcb_delete_property(connection_, idOf(window), XCB_ATOM_WM_TRANSIENT_FOR);
 }
 
 // Before a window is mapped its state is its own to write; Qt adds what it wants to what it finds.

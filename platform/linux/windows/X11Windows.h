@@ -17,6 +17,10 @@ class X11Windows {
   /// Puts a window on the window list or takes it off, mapped or not.
   void setListed(const QWindow& window, ListedAs listed);
 
+  /// Takes the window out of the group that Qt puts a shown utility window into: some managers hide such a
+  /// group whenever another program is active.
+  void standAlone(const QWindow& window);
+
   /// Cuts the window to `shape`, in physical pixels.
   void setShape(const QWindow& window, const QRegion& shape);
 
