@@ -21,10 +21,10 @@ bool isOnIcon(Point location) {
   return icon && icon->inset(-kClickSlop, -kClickSlop).contains(location);
 }
 
-std::shared_ptr<NSEvent> pressOf(backend::PointerButton button, std::uint64_t modifiers) {
+std::shared_ptr<NSEvent> pressOf(backend::PointerButton button, std::uint64_t modifiers, Point location) {
   const bool isRight = button == backend::PointerButton::Right;
   return NSEvent::mouseEvent({.type = isRight ? NSEventType::RightMouseDown : NSEventType::LeftMouseDown,
-                              .location = backend::current().session().pointerLocation(),
+                              .location = location,
                               .modifierFlags = {modifiers}});
 }
 
@@ -115,13 +115,12 @@ void NSStatusBar::popoverClosedByPress(Point location) {
 
 void NSStatusBar::popoverWillOpen() { closingPress_.reset(); }
 
-void NSStatusBar::statusIconPressed(backend::PointerButton button, std::uint64_t modifiers) {
+void NSStatusBar::statusIconPressed(backend::PointerButton button, std::uint64_t modifiers, Point location) {
   endShowing();
-  const bool belongsToClosingPress =
-      closingPress_ && closingPress_->isOfClickAt(backend::current().session().pointerLocation());
+  const bool belongsToClosingPress = closingPress_ && closingPress_->isOfClickAt(location);
   closingPress_.reset();
   if (button == backend::PointerButton::Middle) return;
-  const auto press = pressOf(button, modifiers);
+  const auto press = pressOf(button, modifiers, location);
   if (!belongsToClosingPress || press->asksForMenu()) send(press);
 }
 
@@ -129,7 +128,7 @@ void NSStatusBar::statusMenuWillOpen() {
   endShowing();
   closingPress_.reset();
   isHostOpening_ = true;
-  send(pressOf(backend::PointerButton::Right, 0));
+  send(pressOf(backend::PointerButton::Right, 0, backend::current().session().pointerLocation()));
   isHostOpening_ = false;
 }
 

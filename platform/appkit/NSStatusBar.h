@@ -26,7 +26,7 @@ class NSStatusBar final : public backend::StatusAreaClient {
   [[nodiscard]] std::shared_ptr<NSStatusItem> statusItemWithLength(double length);
 
   // StatusAreaClient
-  void statusIconPressed(backend::PointerButton button, std::uint64_t modifiers) override;
+  void statusIconPressed(backend::PointerButton button, std::uint64_t modifiers, Point location) override;
   void statusMenuWillOpen() override;
   void statusMenuDidClose() override;
   void statusMenuItemChosen(std::shared_ptr<NSMenuItem> item) override;

@@ -19,8 +19,9 @@ enum class PointerButton { Left, Right, Middle };
 class StatusAreaClient {
  public:
   virtual ~StatusAreaClient() = default;
-  /// A press on the icon. `modifiers` are event modifier flags. A double click is two presses.
-  virtual void statusIconPressed(PointerButton button, std::uint64_t modifiers) = 0;
+  /// A press on the icon, at `location` for all that can be known. `modifiers` are event modifier flags. A
+  /// double click is two presses.
+  virtual void statusIconPressed(PointerButton button, std::uint64_t modifiers, Point location) = 0;
   /// The host, or the backend, is about to show the mirrored menu: the secondary press of hosts that draw
   /// the menu themselves.
   virtual void statusMenuWillOpen() = 0;

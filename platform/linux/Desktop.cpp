@@ -19,6 +19,7 @@
 #include "linux/session/Lid.h"
 #include "linux/session/QtSession.h"
 #include "linux/session/SingleInstance.h"
+#include "linux/tray/HostMessages.h"
 #include "linux/tray/QtStatusArea.h"
 #include "linux/windows/QtWindowSystem.h"
 #include "linux/x11/RawPresses.h"
@@ -28,13 +29,15 @@ namespace vistrel::desktop {
 
 // In the order in which they need each other.
 struct Desktop::Parts {
-  Parts(std::unique_ptr<QApplication> app, std::unique_ptr<session::SingleInstance> one)
-      : application(std::move(app)), instance(std::move(one)) {
+  Parts(std::unique_ptr<tray::HostMessages> messages, std::unique_ptr<QApplication> app,
+        std::unique_ptr<session::SingleInstance> one)
+      : hostMessages(std::move(messages)), application(std::move(app)), instance(std::move(one)) {
     session.setTrayQuestion([this] { return statusArea.hasTray(); });
     cameras.setLidQuestion([this] { return lid.isClosed(); });
     session.setScreenHandler([this] { statusArea.forgetIconFrame(); });
   }
 
+  std::unique_ptr<tray::HostMessages> hostMessages;
   std::unique_ptr<QApplication> application;
   std::unique_ptr<session::SingleInstance> instance;
   qt::QtMainLoop mainLoop;
@@ -49,7 +52,7 @@ struct Desktop::Parts {
   x11::RawPresses presses{x11};
   windows::QtWindowSystem windows{presses};
   session::QtSession session{reactor, x11, *instance};
-  tray::QtStatusArea statusArea{session, x11};
+  tray::QtStatusArea statusArea{session, x11, *hostMessages};
   session::Lid lid;
   camera::CameraCenter cameras{reactor};
 };
@@ -78,6 +81,7 @@ bool mayGoOn(session::SingleInstance& instance, int& exitStatus) {
 std::unique_ptr<Desktop> Desktop::open(int& argumentCount, char** arguments, int& exitStatus) {
   files::holdStandardStreams();
   Log::setWriter(files::writeLogLine);
+  auto hostMessages = std::make_unique<tray::HostMessages>();
   auto application = qt::makeApplication(argumentCount, arguments);
   if (!application) {
     Log::warning(application.error().message);
@@ -87,7 +91,8 @@ std::unique_ptr<Desktop> Desktop::open(int& argumentCount, char** arguments, int
   auto instance = std::make_unique<session::SingleInstance>();
   exitStatus = 0;
   if (!mayGoOn(*instance, exitStatus)) return nullptr;
-  auto parts = std::make_unique<Parts>(std::move(application).value(), std::move(instance));
+  auto parts =
+      std::make_unique<Parts>(std::move(hostMessages), std::move(application).value(), std::move(instance));
   return std::unique_ptr<Desktop>(new Desktop(std::move(parts)));
 }
 

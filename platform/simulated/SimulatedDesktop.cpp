@@ -29,7 +29,7 @@ void SimulatedDesktop::start() {
 void SimulatedDesktop::clickIcon(std::uint64_t modifiers) {
   if (tray.frame) simulatedSession.pointer = tray.frame->center();
   windowSystem.pressOutside(simulatedSession.pointer);
-  tray.client().statusIconPressed(backend::PointerButton::Left, modifiers);
+  tray.client().statusIconPressed(backend::PointerButton::Left, modifiers, simulatedSession.pointer);
   loop.settle();
 }
 

@@ -3,11 +3,13 @@ when these change."""
 
 import unittest
 
+from stage.desktop import WATCHER, GLib
 from stage.processes import wait_until
 from stage.program import centre, inside
 from tests.desktop.harness import SIZES, DesktopTest
 
 CHANGED = "🖥 Changed Display"
+UNRESERVED = 64  # how thick a panel is taken to be that reserves no room, in points
 TIP = 12  # what may lie between the panel and the picture, in pixels
 
 
@@ -84,6 +86,52 @@ class MonitorsTest(DesktopTest):
         self.assertTrue(0 < gap <= TIP, (gap, place, dock))
         along = 0 if edge in ("top", "bottom") else 1
         self.assertTrue(place[along] <= centre(anchor)[along] <= place[along] + place[along + 2], (place, anchor))
+
+
+class StalePointerTest(DesktopTest):
+    """A Wayland session, as far as the X server tells: the pointer is wherever it last was over a window of X11."""
+
+    stage = {"size": "1280x800", "host": None, "manager": None}
+
+    def setUp(self):
+        super().setUp()
+        path, mock, bus = "/StatusNotifierWatcher", "org.freedesktop.DBus.Mock", self.desktop.bus
+        self.watcher = self.desktop.start(["/usr/bin/python3", "-m", "dbusmock", WATCHER, path, WATCHER])
+        self.addCleanup(self.watcher.end)
+        wait_until(lambda: bus.has_owner(WATCHER), "the scripted watcher")
+        bus.call(WATCHER, path, mock, "AddMethod", "(sssss)", WATCHER, "RegisterStatusNotifierItem", "s", "", "")
+        facts = {"IsStatusNotifierHostRegistered": GLib.Variant("b", True), "ProtocolVersion": GLib.Variant("i", 0),
+                 "RegisteredStatusNotifierItems": GLib.Variant("as", [])}
+        bus.call(WATCHER, path, mock, "AddProperties", "(sa{sv})", WATCHER, facts)
+
+    def press(self, since, place):
+        """A press on the icon, as the host tells it."""
+        line = self.watcher.lines[self.watcher.wait_line(lambda line: "RegisterStatusNotifierItem " in line, since)]
+        self.desktop.bus.call(line.split('"')[1], "/StatusNotifierItem", "org.kde.StatusNotifierItem", "Activate",
+                              "(ii)", *place)
+
+    def test_it_opens_where_the_host_says_that_the_press_was(self):
+        self.desktop.camera()
+        self.screen.move((5, 795))  # off every picture, so that no control covers its clock
+        edges = {"top": (900, 12), "bottom": (900, 790), "left": (12, 500), "right": (1270, 500)}
+        for scale, desktop in ((1, "GNOME"), (1.5, "KDE"), (1.5, "GNOME"), (2, "KDE"), (2, "GNOME")):
+            environment = {"QT_SCALE_FACTOR": str(scale), "WAYLAND_DISPLAY": "none", "XDG_CURRENT_DESKTOP": desktop}
+            since = len(self.watcher.lines)
+            with self.start({"dismissPreference": 1}, environment=environment, awaits_icon=False):
+                for edge, pixel in edges.items():
+                    with self.subTest(scale=scale, desktop=desktop, edge=edge):
+                        told = pixel if desktop == "KDE" else [int(number / scale) for number in pixel]
+                        self.press(since, told)
+                        self.check_beside(self.screen.live_picture()["place"], edge, pixel, scale)
+                        self.press(since, told)
+                        self.screen.wait_no_picture()
+
+    def check_beside(self, place, edge, press, scale):
+        x, y, width, height = place
+        gap = {"top": y, "bottom": 800 - y - height, "left": x, "right": 1280 - x - width}[edge]
+        self.assertTrue(0 < gap <= (UNRESERVED + TIP) * scale, (gap, place))
+        along = 0 if edge in ("top", "bottom") else 1
+        self.assertTrue(place[along] <= press[along] <= place[along] + place[along + 2], (place, press))
 
 
 class DisplayChangeTest(DesktopTest):

@@ -1,8 +1,10 @@
 #include "linux/qt/X11Toolkit.h"
 
 #include <qpa/qplatformnativeinterface.h>
+#include <qpa/qplatformscreen.h>
 
 #include <QGuiApplication>
+#include <QScreen>
 #include <QWindow>
 #include <algorithm>
 #include <cstdint>
@@ -20,6 +22,16 @@ xcb_timestamp_t serverTime() {
   auto* native = QGuiApplication::platformNativeInterface();
   void* now = native->nativeResourceForScreen("gettimestamp", QGuiApplication::primaryScreen());
   return static_cast<xcb_timestamp_t>(reinterpret_cast<std::uintptr_t>(now));
+}
+
+QPoint fromPixels(QPoint pixels) {
+  for (const QScreen* screen : QGuiApplication::screens()) {
+    const QRect native = screen->handle()->geometry();
+    if (!native.contains(pixels)) continue;
+    const QPointF way = QPointF(pixels - native.topLeft()) / screen->devicePixelRatio();
+    return screen->geometry().topLeft() + way.toPoint();
+  }
+  return pixels;
 }
 
 bool isInputFocusOurs() {

@@ -2,6 +2,8 @@
 
 #include <xcb/xcb.h>
 
+#include <QPoint>
+
 namespace vistrel::qt {
 
 /// The toolkit's own connection to the X server, on which the windows get their events; null on another
@@ -10,6 +12,9 @@ namespace vistrel::qt {
 
 /// The X server's time of this moment; asks the server.
 [[nodiscard]] xcb_timestamp_t serverTime();
+
+/// Where a pixel of the root window is on the desktop: screens of different scales have different pixels.
+[[nodiscard]] QPoint fromPixels(QPoint pixels);
 
 /// Whether the X server's input focus is on one of the program's windows. Qt alone does not tell: a grab by
 /// any client looks to it as if the focus had left.

@@ -56,8 +56,8 @@ std::vector<backend::Screen> ScreenWatch::screens() {
   std::vector<backend::Screen> result;
   const auto all = QGuiApplication::screens();
   for (const QScreen* screen : all) result.push_back(describe(*screen));
-  if (all.size() < 2) return result;
   // Qt leaves panels out of account as soon as there are two screens.
+  if (all.size() == 1 && x11::isWorkAreaTold(x11_)) return result;
   const auto struts = x11::panelStruts(x11_);
   for (qsizetype i = 0; i < all.size(); ++i) result[i].visibleFrame = withoutPanels(*all[i], struts);
   return result;

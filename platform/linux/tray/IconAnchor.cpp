@@ -1,6 +1,7 @@
 #include "linux/tray/IconAnchor.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace vistrel::tray {
 
@@ -8,7 +9,7 @@ namespace {
 
 constexpr double kIconLength = 24;
 // A panel that hides itself or reserves nothing is at most about this thick.
-constexpr double kUnreservedPanel = 48;
+constexpr double kUnreservedPanel = 64;
 
 Rect upright(double x, double top, double height, const Rect& screen) {
   const double left = std::clamp(x - kIconLength / 2, screen.x, screen.maxX() - kIconLength);
@@ -36,6 +37,26 @@ std::optional<Rect> guessIconFrame(Point pointer, const std::vector<backend::Scr
   if (screen == screens.end()) return std::nullopt;
   if (const auto inPanel = inMargins(pointer, screen->frame, screen->visibleFrame)) return inPanel;
   return inMargins(pointer, screen->frame, screen->frame.inset(kUnreservedPanel, kUnreservedPanel));
+}
+
+Rect iconFrameAtPanelEnd(const std::vector<backend::Screen>& screens) {
+  const auto isPrimary = [](const auto& screen) { return screen.isPrimary; };
+  const auto found = std::find_if(screens.begin(), screens.end(), isPrimary);
+  const auto& [name, frame, free, scale, isMain] = found != screens.end() ? *found : screens.front();
+  struct Panel {
+    double thickness;
+    Rect end;
+  };
+  const double left = free.x - frame.x;
+  const double right = frame.maxX() - free.maxX();
+  const double top = free.y - frame.y;
+  const double bottom = frame.maxY() - free.maxY();
+  const Panel panels[] = {{top, upright(frame.maxX(), frame.y, top, frame)},
+                          {bottom, upright(frame.maxX(), free.maxY(), bottom, frame)},
+                          {left, lying(frame.maxY(), frame.x, left, frame)},
+                          {right, lying(frame.maxY(), free.maxX(), right, frame)}};
+  const auto thinner = [](const Panel& a, const Panel& b) { return a.thickness < b.thickness; };
+  return std::max_element(std::begin(panels), std::end(panels), thinner)->end;
 }
 
 }  // namespace vistrel::tray

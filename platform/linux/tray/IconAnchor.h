@@ -13,4 +13,8 @@ namespace vistrel::tray {
 /// edge where a panel reserves no room. None when the pointer was nowhere near an edge.
 [[nodiscard]] std::optional<Rect> guessIconFrame(Point pointer, const std::vector<backend::Screen>& screens);
 
+/// Where an icon most likely is when nothing at all is known of it: at the end of the panel that takes the
+/// most room of the main screen, at its upper right corner where none does. `screens` is not empty.
+[[nodiscard]] Rect iconFrameAtPanelEnd(const std::vector<backend::Screen>& screens);
+
 }  // namespace vistrel::tray

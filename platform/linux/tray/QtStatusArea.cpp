@@ -7,7 +7,10 @@
 #include "appkit/NSMenu.h"
 #include "backend/Session.h"
 #include "linux/qt/Geometry.h"
+#include "linux/qt/X11Toolkit.h"
 #include "linux/tray/IconAnchor.h"
+#include "linux/x11/Requests.h"
+#include "linux/x11/StartupSequence.h"
 
 namespace vistrel::tray {
 
@@ -26,12 +29,24 @@ std::uint64_t heldModifiers() {
   return flags;
 }
 
+// KDE's panel speaks of pixels of the X server, all others of points.
+bool tellsPixels() {
+  return qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(':').contains(QLatin1String("KDE"));
+}
+
 }  // namespace
 
-QtStatusArea::QtStatusArea(backend::Session& session, x11::X11Connection& x11)
-    : session_(session), hostMenu_(x11), hosts_([this](TrayHost host) { makeIcon(host); }) {}
+QtStatusArea::QtStatusArea(backend::Session& session, x11::X11Connection& x11, HostMessages& messages)
+    : session_(session),
+      messages_(messages),
+      hostMenu_(x11),
+      isPointerStale_(x11.isOpen() && x11::isXWayland(x11.get())),
+      hosts_([this](TrayHost host) { makeIcon(host); }) {
+  messages_.setTokenHandler(
+      [&x11](const QString& token) { x11::endStartupSequence(x11, token.toStdString()); });
+}
 
-QtStatusArea::~QtStatusArea() = default;
+QtStatusArea::~QtStatusArea() { messages_.setTokenHandler({}); }
 
 // The old one goes first: there are never two.
 void QtStatusArea::makeIcon(TrayHost host) {
@@ -92,9 +107,12 @@ void QtStatusArea::popUpMenu(std::shared_ptr<NSMenu> menu) {
 void QtStatusArea::dismissMenu() { popUp_.reset(); }
 
 std::optional<Rect> QtStatusArea::iconFrame() {
-  if (!icon_ || !isShown_) return std::nullopt;
-  const QRect told = icon_->geometry();
-  return told.isEmpty() ? guessedFrame_ : std::optional(qt::fromQt(told));
+  if (!isShown_) return std::nullopt;
+  const QRect told = icon_ ? icon_->geometry() : QRect();
+  if (!told.isEmpty()) return qt::fromQt(told);
+  // Elsewhere the pointer, which the user has in hand, tells more than the end of a panel.
+  if (!guessedFrame_ && isPointerStale_) return iconFrameAtPanelEnd(session_.screens());
+  return icon_ ? guessedFrame_ : std::nullopt;
 }
 
 void QtStatusArea::pressed(QSystemTrayIcon::ActivationReason reason) {
@@ -114,21 +132,33 @@ void QtStatusArea::pressed(QSystemTrayIcon::ActivationReason reason) {
 }
 
 void QtStatusArea::report(backend::PointerButton button) {
-  rememberPointer();
+  const Point location = rememberPress();
   icon_->menu().endShowing();
-  if (client_) client_->statusIconPressed(button, heldModifiers());
+  if (client_) client_->statusIconPressed(button, heldModifiers(), location);
 }
 
 void QtStatusArea::hostWillOpenMenu() {
-  rememberPointer();
+  rememberPress();
   if (icon_->menu().isDrawnByHost()) hostMenu_.start([this] { icon_->menu().hostMenuIsGone(); });
   if (client_) client_->statusMenuWillOpen();
 }
 
+std::optional<Rect> QtStatusArea::framePressed() {
+  const auto told = messages_.takePlace();
+  const auto screens = session_.screens();
+  if (!isPointerStale_) return guessIconFrame(session_.pointerLocation(), screens);
+  if (!told) return std::nullopt;
+  const auto inPixels = guessIconFrame(qt::fromQt(qt::fromPixels(*told)), screens);
+  const auto inPoints = guessIconFrame(qt::fromQt(*told), screens);
+  if (tellsPixels()) return inPixels ? inPixels : inPoints;
+  return inPoints ? inPoints : inPixels;
+}
+
 // A press by the keyboard leaves the pointer anywhere: then the older guess is the better one.
-void QtStatusArea::rememberPointer() {
-  if (const auto guess = guessIconFrame(session_.pointerLocation(), session_.screens()))
-    guessedFrame_ = guess;
+Point QtStatusArea::rememberPress() {
+  if (const auto guess = framePressed()) guessedFrame_ = guess;
+  const auto frame = isPointerStale_ ? iconFrame() : std::nullopt;
+  return frame ? frame->center() : session_.pointerLocation();
 }
 
 }  // namespace vistrel::tray

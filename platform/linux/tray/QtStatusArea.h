@@ -5,6 +5,7 @@
 #include <string>
 
 #include "backend/StatusArea.h"
+#include "linux/tray/HostMessages.h"
 #include "linux/tray/IconMenu.h"
 #include "linux/tray/TrayHostWatch.h"
 #include "linux/tray/TrayIcon.h"
@@ -21,7 +22,7 @@ namespace vistrel::tray {
 /// late, and made anew only for a tray host of another kind.
 class QtStatusArea final : public backend::StatusArea {
  public:
-  QtStatusArea(backend::Session& session, x11::X11Connection& x11);
+  QtStatusArea(backend::Session& session, x11::X11Connection& x11, HostMessages& messages);
   ~QtStatusArea() override;
 
   void setClient(backend::StatusAreaClient* client) override { client_ = client; }
@@ -45,11 +46,15 @@ class QtStatusArea final : public backend::StatusArea {
   void pressed(QSystemTrayIcon::ActivationReason reason);
   void report(backend::PointerButton button);
   void hostWillOpenMenu();
-  void rememberPointer();
+  Point rememberPress();
+  [[nodiscard]] std::optional<Rect> framePressed();
 
   backend::Session& session_;
   backend::StatusAreaClient* client_ = nullptr;
+  HostMessages& messages_;
   x11::HostMenuWatch hostMenu_;
+  /// The X server of a Wayland session hears nothing of the pointer while it is over the panel.
+  bool isPointerStale_;
   std::unique_ptr<TrayIcon> icon_;
   std::shared_ptr<NSMenu> menu_;
   std::unique_ptr<IconMenu> popUp_;

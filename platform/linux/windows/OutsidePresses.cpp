@@ -1,10 +1,7 @@
 #include "linux/windows/OutsidePresses.h"
 
-#include <qpa/qplatformscreen.h>
-
 #include <QApplication>
 #include <QMouseEvent>
-#include <QScreen>
 #include <QTimer>
 #include <QWindow>
 #include <algorithm>
@@ -22,17 +19,6 @@ namespace {
 // the other; a person sees no delay in it.
 constexpr std::chrono::milliseconds kPatience(30);
 constexpr std::size_t kRemembered = 8;
-
-// The X server speaks of pixels, and screens of different scales have different pixels.
-QPoint fromPixels(QPoint pixels) {
-  for (const QScreen* screen : QGuiApplication::screens()) {
-    const QRect native = screen->handle()->geometry();
-    if (!native.contains(pixels)) continue;
-    const QPointF way = QPointF(pixels - native.topLeft()) / screen->devicePixelRatio();
-    return screen->geometry().topLeft() + way.toPoint();
-  }
-  return pixels;
-}
 
 // Where the tray host embeds the icon in a window of ours, that window is a part of the panel all the same.
 bool isTrayIcon(const QWindow& window) { return window.objectName() == u"QSystemTrayIconSysWindow"; }
@@ -77,7 +63,7 @@ void OutsidePresses::note(const QWindow& window, const QMouseEvent& press) {
 // Where the pointer is by now tells nothing: a quick hand has moved on, and a menu may have closed.
 void OutsidePresses::pressed(const x11::RawPress& press) {
   if (!isLater(press.time, watchedSince_)) return;  // it may be what opened the popover
-  const QPoint place = fromPixels({press.x, press.y});
+  const QPoint place = qt::fromPixels({press.x, press.y});
   QTimer::singleShot(kPatience, this, [this, watch = watch_, time = press.time, place] {
     if (watch == watch_) judge(time, place);
   });

@@ -66,6 +66,14 @@ void append(std::vector<Strut>& struts, const Property& property, Desktop deskto
 
 }  // namespace
 
+bool isWorkAreaTold(X11Connection& connection) {
+  if (!connection.isOpen()) return false;
+  const auto area = connection.atom("_NET_WORKAREA");
+  const auto cookie = xcb_get_property(connection.get(), 0, connection.root(), area, XCB_ATOM_CARDINAL, 0, 4);
+  const auto reply = connection.wait(xcb_get_property_reply, cookie);
+  return reply && reply->value_len == 4;
+}
+
 std::vector<Strut> panelStruts(X11Connection& connection) {
   if (!connection.isOpen()) return {};
   struct Question {

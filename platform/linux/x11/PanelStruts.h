@@ -20,4 +20,8 @@ struct Strut {
 /// The strips of all the windows that the window manager knows. Asks the server; main thread only.
 [[nodiscard]] std::vector<Strut> panelStruts(X11Connection& connection);
 
+/// Whether the window manager tells what room panels leave (EWMH, _NET_WORKAREA); some do not, and neither do
+/// most Wayland compositors.
+[[nodiscard]] bool isWorkAreaTold(X11Connection& connection);
+
 }  // namespace vistrel::x11

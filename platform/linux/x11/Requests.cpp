@@ -1,7 +1,9 @@
 #include "linux/x11/Requests.h"
 
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
+#include <string_view>
 
 namespace vistrel::x11 {
 
@@ -19,6 +21,15 @@ xcb_window_t focusedWindow(xcb_connection_t* connection) {
   const auto cookie = xcb_get_input_focus(connection);
   const Reply<xcb_get_input_focus_reply_t> reply(xcb_get_input_focus_reply(connection, cookie, nullptr));
   return reply ? reply->focus : xcb_window_t{XCB_INPUT_FOCUS_NONE};
+}
+
+// The extension is there from version 23.1 on.
+bool isXWayland(xcb_connection_t* connection) {
+  constexpr std::string_view kExtension = "XWAYLAND";
+  const auto cookie = xcb_query_extension(connection, kExtension.size(), kExtension.data());
+  const Reply<xcb_query_extension_reply_t> reply(xcb_query_extension_reply(connection, cookie, nullptr));
+  const char* session = std::getenv("WAYLAND_DISPLAY");
+  return (reply && reply->present) || (session && *session);
 }
 
 }  // namespace vistrel::x11

@@ -80,7 +80,7 @@ TEST(Mirror, AClickOnTheIconClosesWhereverThePointerIsByItsEnd) {
     program.desktop.windowSystem.pressOutside(c.press);
     EXPECT_FALSE(program.isShown());
     program.desktop.simulatedSession.pointer = c.release;
-    program.desktop.tray.client().statusIconPressed(backend::PointerButton::Left, 0);
+    program.desktop.tray.client().statusIconPressed(backend::PointerButton::Left, 0, c.release);
     EXPECT_EQ(program.isShown(), c.opensAgain);
   }
 }
