@@ -54,25 +54,55 @@ bool addPlane(Plane& plane, std::span<const std::uint8_t> bytes, int stride, Pla
   return true;
 }
 
-// Chroma rows of one block follow the luma rows, their distance in proportion.
+int roundedUp(int value, int step) { return (value + step - 1) / step * step; }
+
+/// Where the planes of one block begin and how far apart their rows are.
+struct BlockLayout {
+  int lumaStride = 0;
+  int lumaRows = 0;
+  int chromaStride = 0;
+
+  [[nodiscard]] std::size_t bytes(const Shape& shape) const {
+    const std::size_t luma = static_cast<std::size_t>(lumaStride) * lumaRows;
+    const std::size_t chroma = static_cast<std::size_t>(chromaStride) * shape.planes[1].rows;
+    return luma + chroma * (shape.planeCount - 1);
+  }
+};
+
+// Chroma rows of one block follow the luma rows, their distance in proportion. Some round that distance, and
+// the number of the luma rows, too: the length of the block tells.
+BlockLayout layoutIn(const PlaneMemory& block, const Shape& shape) {
+  const int luma = block.stride ? block.stride : shape.planes[0].rowBytes;
+  const bool isPlanar = shape.planeCount == 3;
+  const int inProportion = isPlanar ? (luma + 1) / 2 : luma + luma % 2;
+  const BlockLayout rounded{luma, roundedUp(shape.planes[0].rows, 2),
+                            isPlanar ? roundedUp(shape.planes[1].rowBytes, 4) : inProportion};
+  const bool isRounded = shape.planeCount > 1 && luma % 4 == 0 && block.bytes.size() == rounded.bytes(shape);
+  return isRounded ? rounded : BlockLayout{luma, shape.planes[0].rows, inProportion};
+}
+
 bool splitBlock(Picture& picture, const PlaneMemory& block, const Shape& shape) {
-  const int lumaStride = block.stride ? block.stride : shape.planes[0].rowBytes;
+  const BlockLayout layout = layoutIn(block, shape);
+  if (layout.lumaStride < 0) return false;
   auto rest = block.bytes;
   for (int i = 0; i < shape.planeCount; ++i) {
-    const PlaneShape plane = shape.planes[i];
-    const int stride = i == 0                  ? lumaStride
-                       : shape.planeCount == 2 ? lumaStride + lumaStride % 2
-                                               : (lumaStride + 1) / 2;
-    if (!addPlane(picture.planes[i], rest, stride, plane)) return false;
-    rest = rest.subspan(std::min(rest.size(), static_cast<std::size_t>(stride) * plane.rows));
+    const int stride = i == 0 ? layout.lumaStride : layout.chromaStride;
+    const int rows = i == 0 ? layout.lumaRows : shape.planes[i].rows;
+    if (!addPlane(picture.planes[i], rest, stride, shape.planes[i])) return false;
+    rest = rest.subspan(std::min(rest.size(), static_cast<std::size_t>(stride) * rows));
   }
   return true;
 }
 
+// Some say luma's distance of rows of each plane: the length of a plane's block tells.
 bool takeBlocks(Picture& picture, std::span<const PlaneMemory> memory, const Shape& shape) {
   for (int i = 0; i < shape.planeCount; ++i) {
-    const int stride = memory[i].stride ? memory[i].stride : shape.planes[i].rowBytes;
-    if (!addPlane(picture.planes[i], memory[i].bytes, stride, shape.planes[i])) return false;
+    const PlaneShape plane = shape.planes[i];
+    const int stride = memory[i].stride ? memory[i].stride : plane.rowBytes;
+    const bool isOfLuma = i > 0 && shape.planeCount == 3 && stride == memory[0].stride;
+    if (!addPlane(picture.planes[i], memory[i].bytes, stride, plane) &&
+        !(isOfLuma && addPlane(picture.planes[i], memory[i].bytes, (stride + 1) / 2, plane)))
+      return false;
   }
   return true;
 }

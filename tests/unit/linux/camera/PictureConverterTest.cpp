@@ -147,6 +147,37 @@ TEST(Picture, RefusesMemoryThatIsTooShort) {
   }
 }
 
+TEST(Picture, FindsChromaByTheLengthOfItsBlock) {
+  const std::vector<std::uint8_t> bytes(128);
+  struct Case {
+    PixelFormat format;
+    PixelSize size;
+    int stride;
+    std::size_t length;
+    std::ptrdiff_t last;  // where the last plane begins
+    int chromaStride;
+  } const cases[] = {
+      {PixelFormat::I420, {10, 4}, 12, 72, 60, 6},  {PixelFormat::I420, {10, 4}, 12, 80, 64, 8},
+      {PixelFormat::I420, {10, 3}, 12, 60, 48, 6},  {PixelFormat::I420, {10, 3}, 12, 80, 64, 8},
+      {PixelFormat::Nv12, {10, 3}, 12, 60, 36, 12}, {PixelFormat::Nv12, {10, 3}, 12, 72, 48, 12},
+  };
+  for (const Case& c : cases) {
+    const PlaneMemory memory{std::span(bytes).first(c.length), c.stride};
+    const auto found = pictureIn({&memory, 1}, c.format, c.size, YuvColor::Bt601Limited);
+    ASSERT_TRUE(found) << c.length;
+    const Plane last = found->planes[c.format == PixelFormat::I420 ? 2 : 1];
+    EXPECT_EQ(last.data - bytes.data(), c.last) << c.length;
+    EXPECT_EQ(last.stride, c.chromaStride) << c.length;
+  }
+  const auto all = std::span(bytes);
+  const PlaneMemory luma{all.first(64), 16};
+  const PlaneMemory chroma{all.subspan(64, 16), 16};
+  const PlaneMemory blocks[] = {luma, chroma, chroma};
+  const auto apart = pictureIn(blocks, PixelFormat::I420, {14, 4}, YuvColor::Bt601Limited);
+  ASSERT_TRUE(apart);
+  EXPECT_EQ(apart->planes[2].stride, 8);
+}
+
 TEST(Picture, TellsBlackAndGreenFromAPicture) {
   const PixelSize size{16, 8};
   const auto blankness = [&](PixelFormat format, std::vector<std::uint8_t> quad) {
