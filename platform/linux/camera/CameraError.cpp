@@ -44,7 +44,11 @@ Error errorOfCall(int errorNumber) {
   }
 }
 
+// A daemon says what the kernel said in the user's language, which is this program's too; only what it says
+// of its own accord is always English.
 Error errorOfMessage(const std::string& message) {
+  for (const int number : {EBUSY, EACCES, EPERM, ENODEV, ENXIO})
+    if (contains(message, std::generic_category().message(number))) return errorOfCall(number);
   if (contains(message, "busy")) return errorOf(CameraError::Busy);
   if (contains(message, "ermission")) return errorOf(CameraError::Denied);
   const bool isGone = message.empty() || contains(message, "target") || contains(message, "connection");
