@@ -22,6 +22,8 @@ class CaptureClient {
   virtual void captureStarted() = 0;
   /// The device holds a newer frame.
   virtual void frameArrived() = 0;
+  /// A frame came that cannot be shown; the device still holds the one before it.
+  virtual void unusableFrameArrived() = 0;
   /// The device delivers nothing more and holds no frame. May destroy the device.
   virtual void captureFailed(const Error& error) = 0;
 };

@@ -38,6 +38,7 @@ class CaptureStream final : public backend::CameraStream, public GlassSource, pr
 
   void captureStarted() override;
   void frameArrived() override;
+  void unusableFrameArrived() override { hasUnusableFrames_ = true; }
   void captureFailed(const Error& error) override;
 
   void noteUsable();

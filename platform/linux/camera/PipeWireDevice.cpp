@@ -84,7 +84,7 @@ void PipeWireDevice::stop() {
   closeStream();
   client_ = nullptr;
   failure_.reset();
-  isFrameUntold_ = isStartUntold_ = false;
+  isFrameUntold_ = isUnusableUntold_ = isStartUntold_ = false;
 }
 
 bool PipeWireDevice::openStream(const ModeChoice& mode) {
@@ -184,6 +184,7 @@ void PipeWireDevice::onProcess(void* data) {
 
 void PipeWireDevice::hold(pw_buffer* buffer) {
   const auto frame = frameIn(*buffer);
+  isUnusableUntold_ = isUnusableUntold_ || !frame;
   if (!frame) {
     pw_stream_queue_buffer(stream_.get(), buffer);
     return;
@@ -240,6 +241,7 @@ void PipeWireDevice::deliver() {
     if (isFrameUntold_) graph_->loop().deliverLater();
     return client_->captureStarted();
   }
+  if (std::exchange(isUnusableUntold_, false)) client_->unusableFrameArrived();
   if (std::exchange(isFrameUntold_, false)) client_->frameArrived();
 }
 

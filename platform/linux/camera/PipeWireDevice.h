@@ -73,6 +73,7 @@ class PipeWireDevice final : public CaptureDevice, private PipeWireClient {
   Orientation orientation_;
 
   bool isFrameUntold_ = false;
+  bool isUnusableUntold_ = false;
   bool isStartUntold_ = false;
   std::optional<Error> failure_;
 };

@@ -14,11 +14,11 @@ constexpr std::chrono::milliseconds kClosingPatience{90};
 }  // namespace
 
 Result<std::unique_ptr<CaptureDevice>> V4l2Device::open(desktop::Reactor& reactor, V4l2System& system,
-                                                        const std::string& path,
+                                                        const V4l2Node& node,
                                                         const std::vector<VideoMode>& knownModes) {
   const auto asked = system.now();
   const auto deadline = asked + kOpeningPatience;
-  auto run = std::make_shared<V4l2Run>(system, path);
+  auto run = std::make_shared<V4l2Run>(system, node);
   run->open();
   const auto state = run->await(deadline);
   const bool isOpening = state == V4l2Run::State::Opening;
@@ -26,15 +26,15 @@ Result<std::unique_ptr<CaptureDevice>> V4l2Device::open(desktop::Reactor& reacto
     run->end(deadline);
     return isOpening ? errorOf(CameraError::Silent) : run->error();
   }
-  auto device = std::unique_ptr<V4l2Device>(new V4l2Device(reactor, system, path, run));
+  auto device = std::unique_ptr<V4l2Device>(new V4l2Device(reactor, system, node, run));
   device->modes_ = isOpening ? knownModes : run->modes();
   device->waited_ = system.now() - asked;
   return std::unique_ptr<CaptureDevice>(std::move(device));
 }
 
-V4l2Device::V4l2Device(desktop::Reactor& reactor, V4l2System& system, std::string path,
+V4l2Device::V4l2Device(desktop::Reactor& reactor, V4l2System& system, V4l2Node node,
                        std::shared_ptr<V4l2Run> run)
-    : reactor_(reactor), system_(system), path_(std::move(path)), run_(std::move(run)) {}
+    : reactor_(reactor), system_(system), node_(std::move(node)), run_(std::move(run)) {}
 
 V4l2Device::~V4l2Device() { close(closingDeadline()); }
 
@@ -44,7 +44,7 @@ void V4l2Device::begin(const ModeChoice& mode, CaptureClient& client) {
   mode_ = mode;
   self_ = std::make_shared<V4l2Device*>(this);
   if (!run_) {
-    run_ = std::make_shared<V4l2Run>(system_, path_);
+    run_ = std::make_shared<V4l2Run>(system_, node_);
     run_->open();
   }
   run_->begin(mode, [&reactor = reactor_, self = std::weak_ptr(self_)] {
@@ -116,28 +116,33 @@ void V4l2Device::watchFrames() {
 
 void V4l2Device::takeFrames() {
   bool hasNewer = false;
+  bool hasUnusable = false;
   while (true) {
     const auto filled = run_->take();
     if (!filled) return failLater(filled.error(), closingDeadline());
     if (!filled.value()) break;
-    hasNewer = hold(*filled.value()) || hasNewer;
+    const bool isUsable = frameIn(*filled.value()).has_value();
+    hasUnusable = hasUnusable || !isUsable;
+    const auto given = isUsable ? hold(*filled.value()) : run_->giveBack(filled.value()->index);
+    if (!given) return failLater(given.error(), closingDeadline());
+    hasNewer = hasNewer || isUsable;
   }
+  if (hasUnusable) client_->unusableFrameArrived();
   if (hasNewer) client_->frameArrived();
 }
 
-// A damaged one goes back unseen.
-bool V4l2Device::hold(const V4l2Run::Filled& filled) {
-  if (filled.isDamaged) return run_->giveBack(filled.index), false;
-  if (held_) run_->giveBack(held_->index);
-  held_ = filled;
-  return true;
+Result<void> V4l2Device::hold(const V4l2Run::Filled& filled) {
+  const auto before = std::exchange(held_, filled);
+  return before ? run_->giveBack(before->index) : Result<void>();
 }
 
-std::optional<Frame> V4l2Device::frame() const {
-  if (!held_) return std::nullopt;
-  if (mode_->format == PixelFormat::Mjpeg) return held_->bytes;
+std::optional<Frame> V4l2Device::frame() const { return held_ ? frameIn(*held_) : std::nullopt; }
+
+std::optional<Frame> V4l2Device::frameIn(const V4l2Run::Filled& filled) const {
+  if (filled.isDamaged) return std::nullopt;
+  if (mode_->format == PixelFormat::Mjpeg) return filled.bytes;
   const auto& format = run_->format();
-  const PlaneMemory memory{held_->bytes, static_cast<int>(format.bytesperline)};
+  const PlaneMemory memory{filled.bytes, static_cast<int>(format.bytesperline)};
   const auto picture =
       pictureIn({&memory, 1}, mode_->format, mode_->size, decideColor(mode_->format, colorOf(format)));
   return picture ? std::optional<Frame>(*picture) : std::nullopt;

@@ -14,11 +14,11 @@ namespace vistrel::camera {
 /// A camera opened directly. Frames stay in the driver's mapped buffers; only the newest is held.
 class V4l2Device final : public CaptureDevice {
  public:
-  /// Opens the camera at `path`; the error tells whether it is gone, busy or denied. A camera gets 250 ms to
+  /// Opens the camera; the error tells whether it is gone, busy or denied. A camera gets 250 ms to
   /// answer. When it needs longer and its modes are known, it goes on opening in the background and its start
   /// is waited for without further patience; when they are not known, the opening has failed.
   static Result<std::unique_ptr<CaptureDevice>> open(desktop::Reactor& reactor, V4l2System& system,
-                                                     const std::string& path,
+                                                     const V4l2Node& node,
                                                      const std::vector<VideoMode>& knownModes);
   ~V4l2Device() override;
 
@@ -31,7 +31,7 @@ class V4l2Device final : public CaptureDevice {
  private:
   using Clock = V4l2System::Clock;
 
-  V4l2Device(desktop::Reactor& reactor, V4l2System& system, std::string path, std::shared_ptr<V4l2Run> run);
+  V4l2Device(desktop::Reactor& reactor, V4l2System& system, V4l2Node node, std::shared_ptr<V4l2Run> run);
 
   [[nodiscard]] Clock::time_point closingDeadline() const;
   void failLater(Error error, Clock::time_point closingDeadline);
@@ -39,12 +39,13 @@ class V4l2Device final : public CaptureDevice {
   void tellFailure();
   void watchFrames();
   void takeFrames();
-  bool hold(const V4l2Run::Filled& filled);
+  Result<void> hold(const V4l2Run::Filled& filled);
+  [[nodiscard]] std::optional<Frame> frameIn(const V4l2Run::Filled& filled) const;
   void close(Clock::time_point deadline);
 
   desktop::Reactor& reactor_;
   V4l2System& system_;
-  std::string path_;
+  V4l2Node node_;
   std::vector<VideoMode> modes_;
   CaptureClient* client_ = nullptr;
   std::optional<ModeChoice> mode_;

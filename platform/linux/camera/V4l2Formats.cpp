@@ -1,6 +1,7 @@
 #include "linux/camera/V4l2Formats.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <iterator>
 #include <optional>
 #include <utility>
@@ -67,6 +68,7 @@ void appendRange(V4l2System& system, int fd, VideoMode mode, const v4l2_frmsize_
   mode.smallest = sizeOf(range.min_width, range.min_height);
   mode.largest = sizeOf(range.max_width, range.max_height);
   mode.step = sizeOf(range.step_width, range.step_height);
+  if (const auto source = sourceSizeOf(system, fd)) mode.limitTo(*source);
   appendMode(system, fd, mode, modes);
   for (const PixelSize size : kWantedSizes) {
     if (!mode.reaches(size) || size == mode.largest) continue;
@@ -105,6 +107,28 @@ void appendSizes(V4l2System& system, int fd, VideoMode mode, std::vector<VideoMo
 
 }  // namespace
 
+// Freeing the buffers that we do not have changes nothing and asks nothing of the hardware; but a device that
+// somebody else streams from refuses.
+bool isBusy(V4l2System& system, int fd) {
+  v4l2_requestbuffers request{};
+  request.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
+  request.memory = V4L2_MEMORY_MMAP;
+  return system.ioctl(fd, VIDIOC_REQBUFS, &request) == -EBUSY;
+}
+
+// A source that tells no rectangle, as before a signal came, may still tell its timings.
+std::optional<PixelSize> sourceSizeOf(V4l2System& system, int fd) {
+  v4l2_selection selection{};
+  selection.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
+  selection.target = V4L2_SEL_TGT_CROP_DEFAULT;
+  if (system.ioctl(fd, VIDIOC_G_SELECTION, &selection) >= 0)
+    return sizeOf(selection.r.width, selection.r.height);
+  v4l2_dv_timings timings{};
+  if (system.ioctl(fd, VIDIOC_G_DV_TIMINGS, &timings) >= 0)
+    return sizeOf(timings.bt.width, timings.bt.height);
+  return std::nullopt;
+}
+
 bool capturesPictures(const v4l2_capability& capability) {
   const bool hasOwn = (capability.capabilities & V4L2_CAP_DEVICE_CAPS) != 0;
   const auto caps = hasOwn ? capability.device_caps : capability.capabilities;
@@ -131,6 +155,8 @@ std::vector<VideoMode> modesOf(V4l2System& system, int fd) {
 SourceColor colorOf(const v4l2_pix_format& format) {
   SourceColor color;
   if (format.quantization == V4L2_QUANTIZATION_FULL_RANGE) color.range = ColorRange::Full;
+  const bool isOfJpeg = format.colorspace == V4L2_COLORSPACE_JPEG;
+  if (isOfJpeg && format.quantization == V4L2_QUANTIZATION_DEFAULT) color.range = ColorRange::Full;
   if (format.quantization == V4L2_QUANTIZATION_LIM_RANGE) color.range = ColorRange::Limited;
   const bool saysDefault = format.ycbcr_enc == V4L2_YCBCR_ENC_DEFAULT;
   if (format.ycbcr_enc == V4L2_YCBCR_ENC_601) color.matrix = ColorMatrix::Bt601;

@@ -48,14 +48,19 @@ Result<std::unique_ptr<CaptureDevice>> V4l2Provider::open(const std::string& id)
   const auto found = std::find_if(nodes_.begin(), nodes_.end(),
                                   [&](const auto& node) { return idOf(node.first, node.second) == id; });
   if (found == nodes_.end()) return errorOf(CameraError::Gone);
-  const auto& camera = found->second.camera;
-  return V4l2Device::open(reactor_, system_, found->first, camera ? camera->modes : std::vector<VideoMode>());
+  const auto& [path, node] = *found;
+  const auto& camera = node.camera;
+  return V4l2Device::open(reactor_, system_, {path, node.seat},
+                          camera ? camera->modes : std::vector<VideoMode>());
 }
 
 void V4l2Provider::changed(const std::string& path, FileWatch::Change change) {
   Node& node = nodes_[path];
   if (change != FileWatch::Change::Permissions) node.camera.reset();
-  if (change == FileWatch::Change::Appeared) ++node.arrivals;
+  if (change == FileWatch::Change::Appeared) {
+    ++node.arrivals;
+    node.seat = std::make_shared<V4l2Seat>();
+  }
   look(path);
 }
 

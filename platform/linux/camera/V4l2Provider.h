@@ -8,6 +8,7 @@
 #include "linux/camera/CameraProvider.h"
 #include "linux/camera/FileWatch.h"
 #include "linux/camera/V4l2Probe.h"
+#include "linux/camera/V4l2Seat.h"
 #include "linux/camera/V4l2System.h"
 
 namespace vistrel::camera {
@@ -29,6 +30,7 @@ class V4l2Provider final : public CameraProvider {
     int arrivals = 0;
     V4l2Probe::Answer camera;
     std::shared_ptr<V4l2Probe> probe;
+    std::shared_ptr<V4l2Seat> seat = std::make_shared<V4l2Seat>();
     V4l2System::Clock::time_point deadline;
   };
 

@@ -22,13 +22,10 @@ v4l2_buffer bufferAt(std::uint32_t index) {
   return buffer;
 }
 
-// Freeing the buffers that we do not have changes nothing and asks nothing of the hardware; but a device that
-// somebody else streams from refuses.
-bool isBusy(V4l2System& system, int fd) {
-  v4l2_requestbuffers request{};
-  request.type = kType;
-  request.memory = V4L2_MEMORY_MMAP;
-  return system.ioctl(fd, VIDIOC_REQBUFS, &request) == -EBUSY;
+// Lines that are woven already show an interlaced picture well enough.
+bool comesInHalves(const v4l2_pix_format& format) {
+  return format.field == V4L2_FIELD_ALTERNATE || format.field == V4L2_FIELD_SEQ_TB ||
+         format.field == V4L2_FIELD_SEQ_BT;
 }
 
 }  // namespace
@@ -56,9 +53,13 @@ void V4l2Run::end(V4l2System::Clock::time_point deadline) {
   if (!thread_.joinable()) return;
   bool hasEnded = false;
   {
-    std::unique_lock lock(mutex_);
+    const std::lock_guard lock(mutex_);
     shallEnd_ = true;
     changed_.notify_all();
+  }
+  node_.seat->wake();
+  {
+    std::unique_lock lock(mutex_);
     hasEnded = system_.waitUntil(changed_, lock, deadline, [this] { return state_ == State::Ended; });
   }
   // The thread holds this object, so that a driver that hangs can be left to itself.
@@ -69,6 +70,21 @@ void V4l2Run::end(V4l2System::Clock::time_point deadline) {
 }
 
 void V4l2Run::run() {
+  if (node_.seat->take([this] { return shallEnd(); })) {
+    openUntilEnd();
+    node_.seat->leave();
+  }
+  const std::lock_guard lock(mutex_);
+  state_ = State::Ended;
+  changed_.notify_all();
+}
+
+bool V4l2Run::shallEnd() {
+  const std::lock_guard lock(mutex_);
+  return shallEnd_;
+}
+
+void V4l2Run::openUntilEnd() {
   settle(openDevice(), State::Opened);
   std::unique_lock lock(mutex_);
   changed_.wait(lock, [this] { return mode_ || shallEnd_; });
@@ -80,13 +96,10 @@ void V4l2Run::run() {
   changed_.wait(lock, [this] { return shallEnd_; });
   lock.unlock();
   close();
-  lock.lock();
-  state_ = State::Ended;
-  changed_.notify_all();
 }
 
 Result<void> V4l2Run::openDevice() {
-  const int fd = system_.open(path_);
+  const int fd = system_.open(node_.path);
   if (fd < 0) return errorOfCall(-fd);
   fd_ = fd;
   if (isBusy(system_, fd_)) return errorOf(CameraError::Busy);
@@ -125,6 +138,7 @@ Result<void> V4l2Run::setFormat(const ModeChoice& mode) {
   const int result = system_.ioctl(fd_, VIDIOC_S_FMT, &format);
   if (result < 0) return errorOfCall(-result);
   format_ = format.fmt.pix;
+  if (comesInHalves(format_)) return Error{"The camera sends every second line of a picture by itself."};
   const bool isGranted = format_.pixelformat == mode.nativeFormat &&
                          static_cast<int>(format_.width) == mode.size.width &&
                          static_cast<int>(format_.height) == mode.size.height;
@@ -174,9 +188,10 @@ Result<std::optional<V4l2Run::Filled>> V4l2Run::take() {
       Filled{buffer.index, {static_cast<const std::uint8_t*>(memory.memory), used}, isDamaged});
 }
 
-void V4l2Run::giveBack(std::uint32_t index) {
+Result<void> V4l2Run::giveBack(std::uint32_t index) {
   auto buffer = bufferAt(index);
-  system_.ioctl(fd_, VIDIOC_QBUF, &buffer);
+  const int result = system_.ioctl(fd_, VIDIOC_QBUF, &buffer);
+  return result < 0 ? errorOfCall(-result) : Result<void>();
 }
 
 void V4l2Run::close() {

@@ -15,10 +15,17 @@
 #include <vector>
 
 #include "base/Result.h"
+#include "linux/camera/V4l2Seat.h"
 #include "linux/camera/V4l2System.h"
 #include "linux/camera/VideoMode.h"
 
 namespace vistrel::camera {
+
+/// Where a device is opened, and the seat that its runs take one after the other.
+struct V4l2Node {
+  std::string path;
+  std::shared_ptr<V4l2Seat> seat = std::make_shared<V4l2Seat>();
+};
 
 /// One run of a device, from opening to closing it. A driver may block for seconds in either and in starting,
 /// so all three happen on a thread of the run's own, which sleeps in between; nobody waits for it without
@@ -27,11 +34,11 @@ class V4l2Run : public std::enable_shared_from_this<V4l2Run> {
  public:
   enum class State { Opening, Opened, Starting, Running, Failed, Ended };
 
-  V4l2Run(V4l2System& system, std::string path) : system_(system), path_(std::move(path)) {}
+  V4l2Run(V4l2System& system, V4l2Node node) : system_(system), node_(std::move(node)) {}
   V4l2Run(const V4l2Run&) = delete;
   V4l2Run& operator=(const V4l2Run&) = delete;
 
-  /// Opens the device and reads its modes.
+  /// Opens the device, once the run before it has closed it, and reads its modes.
   void open();
   /// Starts, as soon as it is opened; `onSettled` is called on the run's thread once it runs or has failed,
   /// but not after `end`.
@@ -58,7 +65,7 @@ class V4l2Run : public std::enable_shared_from_this<V4l2Run> {
   /// The next filled buffer; none when there is none yet. The error is the errno of a failed call. While
   /// running.
   Result<std::optional<Filled>> take();
-  void giveBack(std::uint32_t index);
+  Result<void> giveBack(std::uint32_t index);
 
  private:
   struct Buffer {
@@ -67,6 +74,8 @@ class V4l2Run : public std::enable_shared_from_this<V4l2Run> {
   };
 
   void run();
+  [[nodiscard]] bool shallEnd();
+  void openUntilEnd();
   Result<void> openDevice();
   void settle(const Result<void>& result, State success);
   Result<void> prepare(const ModeChoice& mode);
@@ -77,7 +86,7 @@ class V4l2Run : public std::enable_shared_from_this<V4l2Run> {
   void close();
 
   V4l2System& system_;
-  std::string path_;
+  V4l2Node node_;
   int fd_ = -1;
   std::vector<VideoMode> modes_;
   std::vector<Buffer> buffers_;

@@ -45,16 +45,6 @@ auto rank(const ModeChoice& choice) {
 
 std::int64_t area(PixelSize size) { return static_cast<std::int64_t>(size.width) * size.height; }
 
-// The largest size of a mode within the default limit; with a fixed size that is the size itself.
-PixelSize largestWithin(const VideoMode& mode, PixelSize limit) {
-  const auto fit = [](int smallest, int largest, int step, int most) {
-    const int end = std::clamp(most, smallest, largest);
-    return smallest + (end - smallest) / std::max(step, 1) * std::max(step, 1);
-  };
-  return {fit(mode.smallest.width, mode.largest.width, mode.step.width, limit.width),
-          fit(mode.smallest.height, mode.largest.height, mode.step.height, limit.height)};
-}
-
 auto defaultRank(const ModeChoice& choice) {
   const bool isWithin =
       choice.size.width <= kLargestByDefault.width && choice.size.height <= kLargestByDefault.height;
@@ -71,6 +61,18 @@ bool VideoMode::reaches(PixelSize size) const {
   return size.width >= smallest.width && size.width <= largest.width && size.height >= smallest.height &&
          size.height <= largest.height && divides(size.width - smallest.width, step.width) &&
          divides(size.height - smallest.height, step.height);
+}
+
+PixelSize VideoMode::largestWithin(PixelSize limit) const {
+  const auto fit = [](int least, int most, int by, int end) {
+    return least + (std::clamp(end, least, most) - least) / std::max(by, 1) * std::max(by, 1);
+  };
+  return {fit(smallest.width, largest.width, step.width, limit.width),
+          fit(smallest.height, largest.height, step.height, limit.height)};
+}
+
+void VideoMode::limitTo(PixelSize source) {
+  if (source.width >= smallest.width && source.height >= smallest.height) largest = largestWithin(source);
 }
 
 bool supportsSize(std::span<const VideoMode> modes, PixelSize size) {
@@ -91,7 +93,7 @@ std::optional<ModeChoice> chooseMode(std::span<const VideoMode> modes, PixelSize
 std::optional<ModeChoice> chooseMode(std::span<const VideoMode> modes) {
   std::optional<ModeChoice> best;
   for (const VideoMode& mode : modes) {
-    const auto choice = chooseMode(modes, largestWithin(mode, kLargestByDefault));
+    const auto choice = chooseMode(modes, mode.largestWithin(kLargestByDefault));
     if (choice && (!best || defaultRank(*choice) > defaultRank(*best))) best = choice;
   }
   return best;

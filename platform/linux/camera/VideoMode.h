@@ -34,6 +34,11 @@ struct VideoMode {
   bool isRateRange = false;
 
   [[nodiscard]] bool reaches(PixelSize size) const;
+  /// The largest size in both directions that is not above `limit`; the smallest where all are.
+  [[nodiscard]] PixelSize largestWithin(PixelSize limit) const;
+  /// Takes from a range of sizes what is larger than the camera's own picture, which drivers enlarge or put
+  /// into an empty frame. A size from a list is the camera's own.
+  void limitTo(PixelSize source);
 };
 
 /// What a stream is started with.

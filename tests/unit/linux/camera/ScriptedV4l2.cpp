@@ -11,8 +11,6 @@
 namespace vistrel::camera {
 namespace {
 
-constexpr std::size_t kBufferBytes = 6144;  // 64 × 48 of packed 4:2:2
-
 template <class T>
 T& as(void* argument) {
   return *static_cast<T*>(argument);
@@ -20,12 +18,12 @@ T& as(void* argument) {
 
 }  // namespace
 
-void ScriptedV4l2::deliver(std::uint8_t value, std::uint32_t flags) {
+void ScriptedV4l2::deliver(std::uint8_t value, std::uint32_t flags, std::uint32_t bytes) {
   const std::lock_guard lock(mutex_);
   if (free_.empty()) return;
   v4l2_buffer buffer{};
   buffer.index = free_.front();
-  buffer.bytesused = kBufferBytes;
+  buffer.bytesused = bytes;
   buffer.flags = flags;
   free_.pop_front();
   std::fill(buffers_[buffer.index].begin(), buffers_[buffer.index].end(), value);
@@ -37,6 +35,11 @@ void ScriptedV4l2::breakStream(int result) {
   const std::lock_guard lock(mutex_);
   streamResult_ = result;
   signal(1);
+}
+
+void ScriptedV4l2::breakQueue(int result) {
+  const std::lock_guard lock(mutex_);
+  queueResult_ = result;
 }
 
 void ScriptedV4l2::holdStreaming(bool isHeld) {
@@ -108,6 +111,7 @@ int ScriptedV4l2::open(const std::string& path) {
 void ScriptedV4l2::close(int fd) {
   const std::lock_guard lock(mutex_);
   opened_.erase(fd);
+  if (owner_ == fd) owner_.reset();
   ::close(fd);
 }
 
@@ -124,20 +128,32 @@ int ScriptedV4l2::ioctl(int fd, unsigned long request, void* argument) {
       return setFormat(node, as<v4l2_format>(argument));
     case VIDIOC_REQBUFS:
       if (node.buffersResult < 0) return node.buffersResult;
+      if (owner_ && *owner_ != fd) return -EBUSY;
       if (as<v4l2_requestbuffers>(argument).count == 0) return 0;
+      owner_ = fd;
       as<v4l2_requestbuffers>(argument).count = 3;
-      buffers_.assign(3, std::vector<std::uint8_t>(kBufferBytes));
+      buffers_.assign(3, std::vector<std::uint8_t>(kFrameBytes));
       free_.clear();
       filled_.clear();
       return 0;
     case VIDIOC_QUERYBUF:
-      as<v4l2_buffer>(argument).length = kBufferBytes;
+      as<v4l2_buffer>(argument).length = kFrameBytes;
       as<v4l2_buffer>(argument).m.offset = as<v4l2_buffer>(argument).index;
       return 0;
     case VIDIOC_QBUF:
       return queue(as<v4l2_buffer>(argument));
     case VIDIOC_DQBUF:
       return dequeue(as<v4l2_buffer>(argument));
+    case VIDIOC_G_SELECTION:
+      if (node.source == PixelSize{} || node.tellsTimings) return -ENOTTY;
+      as<v4l2_selection>(argument).r.width = static_cast<std::uint32_t>(node.source.width);
+      as<v4l2_selection>(argument).r.height = static_cast<std::uint32_t>(node.source.height);
+      return 0;
+    case VIDIOC_G_DV_TIMINGS:
+      if (!node.tellsTimings) return -ENOTTY;
+      as<v4l2_dv_timings>(argument).bt.width = static_cast<std::uint32_t>(node.source.width);
+      as<v4l2_dv_timings>(argument).bt.height = static_cast<std::uint32_t>(node.source.height);
+      return 0;
     case VIDIOC_S_PARM:
       askedInterval_ = as<v4l2_streamparm>(argument).parm.capture.timeperframe;
       return 0;
@@ -193,11 +209,13 @@ int ScriptedV4l2::enumerate(const ScriptedNode& node, unsigned long request, voi
 int ScriptedV4l2::setFormat(const ScriptedNode& node, v4l2_format& format) {
   askedFormat_ = format.fmt.pix;
   if (node.grantsOtherSize) format.fmt.pix.width /= 2;
+  format.fmt.pix.field = node.field;
   format.fmt.pix.bytesperline = format.fmt.pix.width * 2;
   return 0;
 }
 
 int ScriptedV4l2::queue(v4l2_buffer& buffer) {
+  if (queueResult_ < 0) return queueResult_;
   free_.push_back(buffer.index);
   return 0;
 }

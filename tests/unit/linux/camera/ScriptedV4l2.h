@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "base/Geometry.h"
 #include "linux/FileDescriptor.h"
 #include "linux/camera/V4l2System.h"
 
@@ -42,6 +43,9 @@ struct ScriptedNode {
   int openResult = 0;     ///< or a negative errno
   int buffersResult = 0;  ///< of asking for buffers
   bool grantsOtherSize = false;
+  std::uint32_t field = V4L2_FIELD_NONE;
+  PixelSize source{};   ///< what a driver that scales says of what it sees
+  bool tellsTimings{};  ///< and that it says so as timings only
 };
 
 /// A kernel with cameras by script. Readiness is a real descriptor, so that a real loop can wait for it. Its
@@ -51,10 +55,14 @@ class ScriptedV4l2 final : public V4l2System {
  public:
   std::map<std::string, ScriptedNode> script;
 
+  static constexpr std::uint32_t kFrameBytes = 6144;  // 64 × 48 of packed 4:2:2
+
   /// Fills the next free buffer of the running node with bytes of one value.
-  void deliver(std::uint8_t value, std::uint32_t flags = 0);
+  void deliver(std::uint8_t value, std::uint32_t flags = 0, std::uint32_t bytes = kFrameBytes);
   /// Lets every further asking for a filled buffer answer this negative errno.
   void breakStream(int result);
+  /// The same for every further giving back of a buffer.
+  void breakQueue(int result);
   /// While held, switching a stream on or off does not return.
   void holdStreaming(bool isHeld);
   /// While held, opening does not return.
@@ -97,9 +105,11 @@ class ScriptedV4l2 final : public V4l2System {
   int hanging_ = 0;
   Clock::time_point now_;
   int streamResult_ = 0;
+  int queueResult_ = 0;
   v4l2_pix_format askedFormat_{};
   v4l2_fract askedInterval_{};
   std::map<int, std::string> opened_;
+  std::optional<int> owner_;  ///< of the buffers: the others are told that the device is busy
   desktop::FileDescriptor ready_;
   std::vector<std::vector<std::uint8_t>> buffers_;
   std::deque<std::uint32_t> free_;

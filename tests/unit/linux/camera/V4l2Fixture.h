@@ -78,6 +78,7 @@ class V4l2Test : public testing::Test, public CaptureClient {
 
   void captureStarted() override { ++started_; }
   void frameArrived() override { ++arrived_; }
+  void unusableFrameArrived() override { ++unusable_; }
   void captureFailed(const Error& error) override { failures_.push_back(error.message); }
 
   const fs::path folder_ = fs::temp_directory_path() / ("v4l2-test-" + std::to_string(::getpid()));
@@ -87,6 +88,7 @@ class V4l2Test : public testing::Test, public CaptureClient {
   std::unique_ptr<CaptureDevice> device_;
   int started_ = 0;
   int arrived_ = 0;
+  int unusable_ = 0;
   std::vector<std::string> failures_;
   V4l2System::Clock::time_point asked_;
 };

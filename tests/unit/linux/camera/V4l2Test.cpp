@@ -81,6 +81,26 @@ TEST_F(V4l2Test, OpensAnewWithoutWaitingForAStartThatWasStopped) {
   EXPECT_TRUE(runUntil([&] { return started_ > 0; }));
 }
 
+TEST_F(V4l2Test, OpensAnewAsSoonAsTheRunBeforeHasClosed) {
+  for (const bool isSameDevice : {true, false}) {
+    started_ = 0;
+    system_.script[node(0)] = {};
+    ASSERT_EQ(start(), backend::StreamStart::Running);
+    system_.holdStreaming(true);
+    device_->stop();
+    if (isSameDevice) {
+      device_->begin(chooseMode(device_->modes(), kSize).value(), *this);
+      EXPECT_EQ(device_->awaitStart(kPatience), backend::StreamStart::Pending);
+    } else {
+      EXPECT_EQ(start(), backend::StreamStart::Pending);
+    }
+    system_.holdStreaming(false);
+    EXPECT_TRUE(runUntil([&] { return started_ > 0 || !failures_.empty(); }));
+    EXPECT_EQ(failures_, std::vector<std::string>{}) << isSameDevice;
+    device_.reset();
+  }
+}
+
 TEST_F(V4l2Test, TellsWhyACameraCannotBeOpened) {
   system_.script[node(0)] = {};
   system_.script[node(1)] = {.openResult = -EACCES};
@@ -132,6 +152,17 @@ TEST_F(V4l2Test, AsksForTheSizeAndTheRateThatTheDriverOffers) {
   }
 }
 
+TEST_F(V4l2Test, OffersNoSizeAboveWhatTheCameraSees) {
+  for (const bool tellsTimings : {false, true}) {
+    const ScriptedNode::Mode range{.width = 3840, .height = 2160, .rateBelow = 30};
+    system_.script[node(0)] = {.modes = {range}, .source = {1280, 720}, .tellsTimings = tellsTimings};
+    makeProvider();
+    EXPECT_EQ(start({1280, 720}), backend::StreamStart::Running);
+    EXPECT_FALSE(chooseMode(device_->modes(), {1920, 1080}));
+    device_.reset();
+  }
+}
+
 TEST_F(V4l2Test, HoldsTheNewestFrameAndGivesTheOthersBack) {
   system_.script[node(0)] = {};
   ASSERT_EQ(start(), backend::StreamStart::Running);
@@ -145,6 +176,11 @@ TEST_F(V4l2Test, HoldsTheNewestFrameAndGivesTheOthersBack) {
   system_.deliver(4);
   EXPECT_TRUE(runUntil([&] { return arrived_ > 1; }));
   EXPECT_EQ(firstByte(), 4);
+  unusable_ = 0;
+  system_.deliver(5, 0, ScriptedV4l2::kFrameBytes / 2);
+  EXPECT_TRUE(runUntil([&] { return unusable_ > 0; }));
+  EXPECT_EQ(firstByte(), 4) << "the last good one, for whoever paints again";
+  EXPECT_EQ(arrived_, 2);
   device_->stop();
   EXPECT_EQ(system_.openCount(), 0);
   EXPECT_EQ(system_.mappedCount(), 0);
@@ -167,19 +203,31 @@ TEST_F(V4l2Test, StopsWithoutWaitingForADriverThatHangs) {
 }
 
 TEST_F(V4l2Test, ReportsARefusedFormatFromTheMainLoop) {
-  system_.script[node(0)] = {.grantsOtherSize = true};
-  EXPECT_EQ(start(), backend::StreamStart::Failed);
-  EXPECT_TRUE(failures_.empty());
-  EXPECT_TRUE(runUntil([&] { return !failures_.empty(); }));
-  EXPECT_EQ(failures_, std::vector<std::string>{"The camera refused the picture format."});
+  const std::pair<ScriptedNode, const char*> cases[] = {
+      {{.grantsOtherSize = true}, "The camera refused the picture format."},
+      {{.field = V4L2_FIELD_ALTERNATE}, "The camera sends every second line of a picture by itself."},
+  };
+  for (const auto& [becomes, text] : cases) {
+    system_.script[node(0)] = becomes;
+    makeProvider();
+    failures_.clear();
+    EXPECT_EQ(start(), backend::StreamStart::Failed);
+    EXPECT_TRUE(failures_.empty());
+    EXPECT_TRUE(runUntil([&] { return !failures_.empty(); }));
+    EXPECT_EQ(failures_, std::vector<std::string>{text});
+  }
 }
 
 TEST_F(V4l2Test, ReportsABrokenStreamOnce) {
-  const std::pair<int, const char*> cases[] = {
-      {-ENODEV, "The camera is no longer connected."},
-      {-EIO, "The camera reported an error: Input/output error"},
+  struct Case {
+    int result, queueResult;
+    const char* text;
+  } const cases[] = {
+      {-ENODEV, 0, "The camera is no longer connected."},
+      {-EIO, 0, "The camera reported an error: Input/output error"},
+      {0, -EIO, "The camera reported an error: Input/output error"},
   };
-  for (const auto& [result, text] : cases) {
+  for (const auto& [result, queueResult, text] : cases) {
     system_.script[node(0)] = {};
     system_.breakStream(0);
     arrived_ = 0;
@@ -187,13 +235,16 @@ TEST_F(V4l2Test, ReportsABrokenStreamOnce) {
     ASSERT_EQ(start(), backend::StreamStart::Running);
     system_.deliver(1);
     EXPECT_TRUE(runUntil([&] { return arrived_ > 0; }));
+    system_.breakQueue(queueResult);
     system_.breakStream(result);
+    system_.deliver(2);
     EXPECT_TRUE(runUntil([&] { return !failures_.empty(); }));
     EXPECT_FALSE(device_->frame());
     bool isLater = false;
     reactor_.post([&] { isLater = true; });
     EXPECT_TRUE(runUntil([&] { return isLater; }));
     EXPECT_EQ(failures_, std::vector<std::string>{text});
+    system_.breakQueue(0);
   }
 }
 
