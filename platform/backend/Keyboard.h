@@ -21,7 +21,8 @@ enum class HotKeyPhase { Pressed, Released };
 class HotKeys {
  public:
   virtual ~HotKeys() = default;
-  /// Takes the combination for this program under `token`; false when the window system refuses it.
+  /// Takes the combination for this program under `token`; false when it is known at once that nothing can
+  /// serve it. A window system that has to be asked may refuse it later; then it is never pressed.
   virtual bool grab(std::uint32_t token, HotKeyCombination combination) = 0;
   virtual void release(std::uint32_t token) = 0;
   /// Who is told: once a press and once its release, whatever lock keys are on; repeats are dropped.

@@ -9,6 +9,7 @@
 #include "linux/files/PreferencesFile.h"
 #include "linux/files/ResourceFolder.h"
 #include "linux/files/StandardStreams.h"
+#include "linux/keyboard/DesktopHotKeys.h"
 #include "linux/keyboard/HotKeyGrabs.h"
 #include "linux/keyboard/PopupKeys.h"
 #include "linux/keyboard/X11Keyboard.h"
@@ -46,9 +47,10 @@ struct Desktop::Parts {
   files::ResourceFolder resources;
   files::Autostart loginItems{files::AutostartFolders::fromEnvironment(), resources.executablePath()};
   x11::X11Connection x11{reactor};
-  keyboard::HotKeyGrabs hotKeys{x11};
+  keyboard::HotKeyGrabs grabs{x11};
   keyboard::X11Keyboard keyboard{x11, qt::toolkitConnection()};
-  keyboard::PopupKeys popupKeys{hotKeys, keyboard};
+  keyboard::DesktopHotKeys hotKeys{grabs, keyboard, x11};
+  keyboard::PopupKeys popupKeys{grabs, keyboard};
   x11::RawPresses presses{x11};
   windows::QtWindowSystem windows{presses};
   session::QtSession session{reactor, x11, *instance};

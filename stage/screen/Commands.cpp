@@ -85,6 +85,9 @@ void Commands::addKeyboard() {
   };
   commands_["keydown"] = [send](const Words& a) { return send(a, {Motion::Down}); };
   commands_["keyup"] = [send](const Words& a) { return send(a, {Motion::Up}); };
+  commands_["taken"] = [this](const Words& a) -> Json {  // KEY MODIFIERS
+    return {{"taken", input_.isTaken(input_.keyCode(a.at(0)).value(), number(a, 1))}};
+  };
   commands_["key"] = [send](const Words& a) { return send(a, {Motion::Down, Motion::Up}); };
 }
 

@@ -38,6 +38,25 @@ void Input::key(unsigned keyCode, Motion motion) const {
   XSync(screen_.display(), False);
 }
 
+bool Input::isTaken(unsigned keyCode, unsigned modifiers) const {
+  static bool isRefused;
+  isRefused = false;
+  auto* display = screen_.display();
+  const auto before = XSetErrorHandler([](Display*, XErrorEvent*) {
+    isRefused = true;
+    return 0;
+  });
+  // Nobody else may be refused because of this look.
+  XGrabServer(display);
+  XGrabKey(display, static_cast<int>(keyCode), modifiers, screen_.root(), False, GrabModeAsync,
+           GrabModeAsync);
+  XUngrabKey(display, static_cast<int>(keyCode), modifiers, screen_.root());
+  XUngrabServer(display);
+  XSync(display, False);
+  XSetErrorHandler(before);
+  return isRefused;
+}
+
 void Input::drag(int fromX, int fromY, int toX, int toY) const {
   move(fromX, fromY);
   button(1, Motion::Down);

@@ -19,6 +19,8 @@ class Input {
   /// A key by its keysym name ("Control_L", "m") or by its evdev code ("evdev:50"). None: no such key here.
   [[nodiscard]] std::optional<unsigned> keyCode(const std::string& name) const;
   void key(unsigned keyCode, Motion motion) const;
+  /// Whether another program has taken the key with these modifiers (X11's bits) on the root window.
+  [[nodiscard]] bool isTaken(unsigned keyCode, unsigned modifiers) const;
   void drag(int fromX, int fromY, int toX, int toY) const;
 
  private:

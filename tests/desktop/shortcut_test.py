@@ -105,7 +105,7 @@ class TakenShortcutTest(ShortcutTest):
     test_nothing_wakes_it_while_no_key_is_held = None
 
     def test_a_taken_shortcut_is_left_to_its_owner(self):
-        vistrel = self.start(stored(F4_KEY, 0x800))
+        vistrel = self.start(stored(F4_KEY, 0x800), complaints=1)
         self.keys("keydown", ALT, F4)
         self.keys("keyup", F4, ALT)
         wait_until(lambda: not self.screen.windows(name="Event Tester"), "the window closed by the window manager")

@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/Program.h"
 #include "linux/files/FileTools.h"
 #include "linux/keyboard/DesktopShortcuts.h"
 
@@ -37,12 +38,22 @@ void appendLine(std::string_view line, Accelerators& to) {
   }
 }
 
+// What the portal has bound for Vistrel is no one else's; without an application id KDE files it under the
+// portal's session.
+bool isOurs(std::string_view group) {
+  return group == std::string("[") + program::kIdentifier + "]" || group == "[token_vistrel]";
+}
+
 }  // namespace
 
 Accelerators parseKdeShortcuts(const std::string& text) {
   Accelerators found;
   std::istringstream lines(text);
-  for (std::string line; std::getline(lines, line);) appendLine(line, found);
+  bool isInOurs = false;
+  for (std::string line; std::getline(lines, line);) {
+    if (line.starts_with('[')) isInOurs = isOurs(line);
+    if (!isInOurs) appendLine(line, found);
+  }
   return found;
 }
 

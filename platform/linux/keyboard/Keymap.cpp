@@ -33,6 +33,26 @@ constexpr bool isOnKeypad(std::uint16_t evdevCode) {
          evdevCode == KEY_KPSLASH || evdevCode == KEY_KPEQUAL;
 }
 
+xkb_keysym_t symbol(xkb_keymap* keymap, std::uint16_t evdevCode, xkb_layout_index_t layout,
+                    xkb_level_index_t level) {
+  const xkb_keysym_t* symbols = nullptr;
+  const int count =
+      xkb_keymap_key_get_syms_by_level(keymap, evdevCode + kX11KeyCodeOffset, layout, level, &symbols);
+  return count == 1 ? symbols[0] : static_cast<xkb_keysym_t>(XKB_KEY_NoSymbol);
+}
+
+std::optional<xkb_keysym_t> mainSymbol(xkb_keymap* keymap, std::uint16_t evdevCode,
+                                       xkb_layout_index_t layout) {
+  auto found = symbol(keymap, evdevCode, layout, isOnKeypad(evdevCode) ? 1 : 0);
+  if (found == XKB_KEY_NoSymbol) found = symbol(keymap, evdevCode, layout, 0);
+  return found == XKB_KEY_NoSymbol ? std::nullopt : std::optional(found);
+}
+
+xkb_keymap* plainKeymap(xkb_context* context) {
+  const xkb_rule_names names = {"evdev", "pc105", "us", "", ""};
+  return xkb_keymap_new_from_names(context, &names, XKB_KEYMAP_COMPILE_NO_FLAGS);
+}
+
 }  // namespace
 
 Keymap::Keymap(x11::X11Connection& connection)
@@ -62,6 +82,16 @@ std::optional<std::string> Keymap::text(std::uint16_t evdevCode) {
   auto text = textOf(symbol(chosen_, evdevCode, chosenLayout_, 0));
   if (text.empty() && isOnKeypad(evdevCode)) text = textOf(symbol(chosen_, evdevCode, chosenLayout_, 1));
   return text;
+}
+
+std::optional<xkb_keysym_t> Keymap::symbolOn(std::uint16_t evdevCode) {
+  return update() ? mainSymbol(chosen_, evdevCode, chosenLayout_) : std::nullopt;
+}
+
+std::optional<xkb_keysym_t> Keymap::plainSymbolOn(std::uint16_t evdevCode) {
+  const std::unique_ptr<xkb_context, Unref> context(xkb_context_new(XKB_CONTEXT_NO_FLAGS));
+  const KeymapPointer keymap(context ? plainKeymap(context.get()) : nullptr);
+  return keymap ? mainSymbol(keymap.get(), evdevCode, 0) : std::nullopt;
 }
 
 std::optional<Keymap::Place> Keymap::find(xkb_keysym_t wanted) {
@@ -103,10 +133,7 @@ void Keymap::chooseLayout() {
   for (chosenLayout_ = 0; chosenLayout_ < count; ++chosenLayout_) {
     if (typesLatin(chosenLayout_)) return;
   }
-  if (!plain_) {
-    const xkb_rule_names names = {"evdev", "pc105", "us", "", ""};
-    plain_.reset(xkb_keymap_new_from_names(context_.get(), &names, XKB_KEYMAP_COMPILE_NO_FLAGS));
-  }
+  if (!plain_) plain_.reset(plainKeymap(context_.get()));
   chosen_ = plain_.get();
   chosenLayout_ = 0;
 }
@@ -120,14 +147,6 @@ bool Keymap::typesLatin(xkb_layout_index_t layout) const {
     }
   }
   return letters.size() >= kEnoughLetters;
-}
-
-xkb_keysym_t Keymap::symbol(xkb_keymap* keymap, std::uint16_t evdevCode, xkb_layout_index_t layout,
-                            xkb_level_index_t level) const {
-  const xkb_keysym_t* symbols = nullptr;
-  const int count =
-      xkb_keymap_key_get_syms_by_level(keymap, evdevCode + kX11KeyCodeOffset, layout, level, &symbols);
-  return count == 1 ? symbols[0] : static_cast<xkb_keysym_t>(XKB_KEY_NoSymbol);
 }
 
 }  // namespace vistrel::keyboard

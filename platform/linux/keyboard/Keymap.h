@@ -21,6 +21,11 @@ class Keymap {
   /// its accent alone. Empty for a key without text; none when no keymap can be had.
   [[nodiscard]] std::optional<std::string> text(std::uint16_t evdevCode);
 
+  /// The unshifted symbol of a key, on the keypad that of its digits; none for a key without one.
+  [[nodiscard]] std::optional<xkb_keysym_t> symbolOn(std::uint16_t evdevCode);
+  /// The same on the plain us layout, whatever the server's is.
+  [[nodiscard]] static std::optional<xkb_keysym_t> plainSymbolOn(std::uint16_t evdevCode);
+
   struct Place {
     std::uint16_t evdevCode;
     bool isShifted;  ///< it takes Shift to get the symbol there
@@ -41,8 +46,6 @@ class Keymap {
   void readKeymap();
   void chooseLayout();
   [[nodiscard]] bool typesLatin(xkb_layout_index_t layout) const;
-  [[nodiscard]] xkb_keysym_t symbol(xkb_keymap* keymap, std::uint16_t evdevCode, xkb_layout_index_t layout,
-                                    xkb_level_index_t level) const;
 
   x11::X11Connection& connection_;
   std::unique_ptr<xkb_context, Unref> context_;

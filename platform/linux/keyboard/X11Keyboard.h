@@ -17,6 +17,7 @@ class X11Keyboard final : public backend::Keyboard {
   [[nodiscard]] std::optional<std::vector<backend::HotKeyCombination>> symbolicHotKeys() override;
   void beep() override;
   bool setKeyboardCaptured(bool isCaptured) override;
+  [[nodiscard]] Keymap& keymap() { return keymap_; }
   /// The toolkit has given the keyboard back, which it takes for its own popups: a captured keyboard is
   /// captured again.
   void toolkitGaveBack();

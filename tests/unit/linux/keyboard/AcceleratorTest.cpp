@@ -57,7 +57,8 @@ TEST(AcceleratorTest, ReadsWhatQtWrites) {
 TEST(AcceleratorTest, ReadsTheFileOfKde) {
   const auto found = parseKdeShortcuts(
       "[kwin]\n_k_friendly_name=Ctrl+X\nClose=Alt+F4\\tMeta+Q,Ctrl+C,Close\nOff=none,Ctrl+Y,Off\nbroken\n"
-      "Comma=Ctrl+\\,,none,Comma\nBackslash=Meta+\\\\,none,B\n[services][a.desktop]\n_launch=Bad+1,,\n");
+      "Comma=Ctrl+\\,,none,Comma\nBackslash=Meta+\\\\,none,B\n[org.vistrel.Vistrel]\n"
+      "toggle=Ctrl+Alt+Z,,\n[services][a.desktop]\n_launch=Bad+1,,\n");
   const Accelerators expected = {
       {XKB_KEY_F4, 0x800}, {XKB_KEY_q, 0x100}, {XKB_KEY_comma, 0x1000}, {XKB_KEY_backslash, 0x100}};
   EXPECT_EQ(found, expected);
