@@ -44,7 +44,7 @@ class BlockReader {
   [[gnu::always_inline]] bool readAll(const BlockCode& code, const JpegFactors& factors, int& difference,
                                       Coefficients& block) {
     window.refill();
-    const FirstEntry first = code.firstAndValue[window.peek(BlockCode::kFirstBits)];
+    const FirstEntry first = code.firstAndEnd[window.peek(BlockCode::kFirstBits)];
     if (first.length == 0) [[unlikely]] {
       difference = longDifference(code.dc);
     } else {
@@ -147,9 +147,9 @@ class BlockReader {
   int longDifference(const HuffmanCode& dc) {
     const HuffmanCode::Symbol symbol = longSymbol(window, dc);
     if (symbol.length == 0) isBroken = true;
-    const auto size = static_cast<unsigned>(symbol.value);
-    const int value = valueBehind(static_cast<unsigned>(symbol.length), size);
-    window.drop(static_cast<unsigned>(symbol.length) + size);
+    const unsigned size = symbol.value;
+    const int value = valueBehind(symbol.length, size);
+    window.drop(symbol.length + size);
     return value;
   }
 

@@ -23,13 +23,30 @@ Coefficient coefficientOf(HuffmanCode::Symbol symbol) {
   return {symbol.length, size, isEnd ? kBlockEnds : run + 1};
 }
 
+/// A code's symbols by the first bits, as many as any table looks at.
+class QuickCode {
+ public:
+  explicit QuickCode(const HuffmanCode& code) {
+    for (unsigned bits = 0; bits < symbols_.size(); ++bits) symbols_[bits] = code.decode(bits << kDropped);
+  }
+  /// As `HuffmanCode::decode`.
+  [[nodiscard]] HuffmanCode::Symbol decode(unsigned bits) const { return symbols_[bits >> kDropped]; }
+
+ private:
+  static constexpr int kBits = 12;
+  static constexpr int kDropped = kLongestCode - kBits;
+  static_assert(kBits >= std::max({BlockCode::kFirstBits, BlockCode::kSkipBits, BlockCode::kPairBits,
+                                   BlockCode::kValueBits}));
+  std::array<HuffmanCode::Symbol, 1U << kBits> symbols_;
+};
+
 /// The bits that a table looks at, from which symbols are taken.
 class Window {
  public:
   Window(unsigned value, int bits) : bits_(value << (kLongestCode - bits)), left_(bits) {}
 
   /// The next symbol, if all of its code is in sight.
-  [[nodiscard]] HuffmanCode::Symbol look(const HuffmanCode& code) const {
+  [[nodiscard]] HuffmanCode::Symbol look(const QuickCode& code) const {
     const auto symbol = code.decode(bits_);
     return symbol.length <= left_ ? symbol : HuffmanCode::Symbol{};
   }
@@ -51,7 +68,7 @@ struct Passed {
 };
 
 /// Passes coefficients as far as they are in sight, but never over a block's end without its code.
-Passed pass(Window& window, const HuffmanCode& ac, int mostLength) {
+Passed pass(Window& window, const QuickCode& ac, int mostLength) {
   Passed passed;
   while (window.left() > 0) {
     const auto next = coefficientOf(window.look(ac));
@@ -70,7 +87,7 @@ int valueOf(unsigned bits, int size) {
   return static_cast<int>(bits) - (isNegative ? (1 << size) - 1 : 0);
 }
 
-FirstEntry firstEntry(Window window, const HuffmanCode& dc, const HuffmanCode& ac, bool isSkipping) {
+FirstEntry firstEntry(Window window, const QuickCode& dc, const QuickCode& ac, bool isSkipping) {
   const auto symbol = window.look(dc);
   window.drop(symbol.length);
   if (symbol.length == 0 || symbol.value > window.left()) return {};
@@ -92,7 +109,7 @@ std::optional<int> takeValue(Window& window, const Coefficient& next) {
   return value;
 }
 
-PairEntry pairEntry(Window window, const HuffmanCode& ac) {
+PairEntry pairEntry(Window window, const QuickCode& ac) {
   PairEntry entry;
   for (int taken = 0; taken < 3; ++taken) {
     const auto next = coefficientOf(window.look(ac));
@@ -109,7 +126,7 @@ PairEntry pairEntry(Window window, const HuffmanCode& ac) {
   return entry;
 }
 
-SkipEntry skipEntry(Window window, const HuffmanCode& ac) {
+SkipEntry skipEntry(Window window, const QuickCode& ac) {
   const auto passed = pass(window, ac, BlockCode::kMostSkipped);
   return static_cast<SkipEntry>(passed.length | passed.advance << kSkipLengthBits);
 }
@@ -135,7 +152,8 @@ HuffmanCode::Symbol HuffmanCode::decode(unsigned bits) const {
   for (int length = 1; length <= kLongestCode; ++length)
     if (bits < ends_[length]) {
       const int code = static_cast<int>(bits >> (kLongestCode - length));
-      return {length, symbols_[static_cast<std::uint8_t>(code + offsets_[length])]};
+      return {static_cast<std::uint8_t>(length),
+              symbols_[static_cast<std::uint8_t>(code + offsets_[length])]};
     }
   return {};
 }
@@ -159,14 +177,16 @@ ValueEntry valueEntryOf(HuffmanCode::Symbol symbol) {
 }
 
 void BlockCode::build() {
+  const QuickCode quickDc(dc);
+  const QuickCode quickAc(ac);
   for (unsigned bits = 0; bits < firstAndSkip.size(); ++bits) {
-    firstAndSkip[bits] = firstEntry({bits, kFirstBits}, dc, ac, true);
-    firstAndValue[bits] = firstEntry({bits, kFirstBits}, dc, ac, false);
+    firstAndSkip[bits] = firstEntry({bits, kFirstBits}, quickDc, quickAc, true);
+    firstAndEnd[bits] = firstEntry({bits, kFirstBits}, quickDc, quickAc, false);
   }
-  for (unsigned bits = 0; bits < skip.size(); ++bits) skip[bits] = skipEntry({bits, kSkipBits}, ac);
-  for (unsigned bits = 0; bits < pairs.size(); ++bits) pairs[bits] = pairEntry({bits, kPairBits}, ac);
+  for (unsigned bits = 0; bits < skip.size(); ++bits) skip[bits] = skipEntry({bits, kSkipBits}, quickAc);
+  for (unsigned bits = 0; bits < pairs.size(); ++bits) pairs[bits] = pairEntry({bits, kPairBits}, quickAc);
   for (unsigned bits = 0; bits < values.size(); ++bits)
-    values[bits] = valueEntryOf(Window(bits, kValueBits).look(ac));
+    values[bits] = valueEntryOf(Window(bits, kValueBits).look(quickAc));
 }
 
 }  // namespace vistrel::camera

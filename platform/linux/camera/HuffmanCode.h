@@ -14,8 +14,8 @@ inline constexpr int kLongestCode = 16;
 class HuffmanCode {
  public:
   struct Symbol {
-    int length = 0;  ///< bits of its code; 0 where no code begins with such bits
-    int value = 0;
+    std::uint8_t length = 0;  ///< bits of its code; 0 where no code begins with such bits
+    std::uint8_t value = 0;
   };
 
   /// None for what is no prefix code, or uses the code of ones alone, which a JPEG must not.
@@ -79,9 +79,11 @@ class BlockCode {
   [[nodiscard]] static std::optional<BlockCode> from(const HuffmanSpec& dc, const HuffmanSpec& ac);
 
   HuffmanCode dc, ac;
-  std::array<FirstEntry, 1U << kFirstBits> firstAndSkip;   ///< passes AC coefficients behind the DC one
-  std::array<FirstEntry, 1U << kFirstBits> firstAndValue;  ///< passes the block's end only
+  /// For a scale that wants the DC coefficient only: the first table passes others behind it.
+  std::array<FirstEntry, 1U << kFirstBits> firstAndSkip;
   std::array<SkipEntry, 1U << kSkipBits> skip;
+  /// For one that wants all: the first table passes the block's end only.
+  std::array<FirstEntry, 1U << kFirstBits> firstAndEnd;
   std::array<PairEntry, 1U << kPairBits> pairs;
   std::array<ValueEntry, 1U << kValueBits> values;
 
