@@ -39,6 +39,17 @@ Bytes samplesOf(const Picture& picture) {
   return samples;
 }
 
+/// The frame without its Huffman tables, as some cameras send it.
+Bytes withoutTables(const Bytes& jpeg) {
+  Bytes bare(jpeg.begin(), jpeg.begin() + 2);
+  for (auto at = jpeg.begin() + 2; at != jpeg.end();) {
+    const auto end = at[1] == 0xda ? jpeg.end() : at + 2 + at[2] * std::ptrdiff_t{256} + at[3];
+    if (at[1] != 0xc4) bare.insert(bare.end(), at, end);
+    at = end;
+  }
+  return bare;
+}
+
 class ReducedJpeg : public testing::Test {
  protected:
   /// Both decoders say the same of it; true when that is a picture.
@@ -76,7 +87,7 @@ class ReducedJpeg : public testing::Test {
 TEST_F(ReducedJpeg, HasTheLibrarysSamples) {
   for (const PixelSize size : {PixelSize{8, 8}, {1, 1}, {17, 9}, {331, 213}})
     for (const std::string content : {"plain", "rich", "noise"})
-      for (const int quality : {5, 50, 95, 100})
+      for (const int quality : {5, 75, 100})
         for (const auto& [x, y] : {std::pair{1, 1}, {2, 1}, {1, 2}, {2, 2}, {0, 0}})
           for (const int variant : {0, 1, 2, 3}) {
             JpegShape shape = {.size = size, .isGrey = x == 0, .lumaPerChromaX = x, .lumaPerChromaY = y};
@@ -99,16 +110,7 @@ TEST_F(ReducedJpeg, HasTheLibrarysSamples) {
 
 TEST_F(ReducedJpeg, TakesTheStandardsTablesWhereThereAreNone) {
   const Bytes whole = encode({.size = {64, 48}}, "rich");
-  Bytes bare;
-  for (std::size_t at = 2; at < whole.size();) {
-    const std::size_t end = at + 2 + whole[at + 2] * std::size_t{256} + whole[at + 3];
-    const bool isScan = whole[at + 1] == 0xda;
-    if (at == 2) bare.assign(whole.begin(), whole.begin() + 2);
-    if (whole[at + 1] != 0xc4)
-      bare.insert(bare.end(), whole.begin() + static_cast<std::ptrdiff_t>(at),
-                  isScan ? whole.end() : whole.begin() + static_cast<std::ptrdiff_t>(end));
-    at = isScan ? whole.size() : end;
-  }
+  const Bytes bare = withoutTables(whole);
   ASSERT_EQ(whole.size() - bare.size(), 432) << "four tables";
   EXPECT_TRUE(comesOutAlike(bare, {8, 6}));
   EXPECT_EQ(decoder_.decode(bare, {8, 6}, out_), Outcome::Decoded);
@@ -117,11 +119,10 @@ TEST_F(ReducedJpeg, TakesTheStandardsTablesWhereThereAreNone) {
 TEST_F(ReducedJpeg, GivesTheSameAnswerToEveryPrefixAndToWrongBits) {
   // With restart markers, or small, the library looks at each code; else it takes wrong ones for zeros.
   for (const int interval : {0, 2}) {
-    const Bytes whole = encode(
-        {.size = {40, 24},
-         .adjust =
-             [=](jpeg_compress_struct& codec) { codec.restart_interval = static_cast<unsigned>(interval); }},
-        "rich");
+    const auto adjust = [=](jpeg_compress_struct& codec) {
+      codec.restart_interval = static_cast<unsigned>(interval);
+    };
+    const Bytes whole = withoutTables(encode({.size = {40, 24}, .adjust = adjust}, "rich"));
     for (const int by : kReductions) {
       const PixelSize glass = reduced({40, 24}, by);
       for (std::size_t size = 0; size < whole.size(); ++size) {
