@@ -1,6 +1,8 @@
 #include "stage/camera/Jpeg.h"
 
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
@@ -67,12 +69,54 @@ class Compressor {
   unsigned long length_ = 0;  // NOLINT(google-runtime-int): libjpeg's own type
 };
 
+std::size_t segmentLength(std::span<const std::uint8_t> file, std::size_t at) {
+  return 2 + file[at + 2] * std::size_t{256} + file[at + 3];
+}
+
 /// Past the marker segments, at the first byte of picture data.
 std::size_t headLength(std::span<const std::uint8_t> file) {
   std::size_t at = 2;
-  while (file[at + 1] != 0xda) at += 2 + file[at + 2] * std::size_t{256} + file[at + 3];
-  return at + 2 + file[at + 2] * std::size_t{256} + file[at + 3];
+  while (file[at + 1] != 0xda) at += segmentLength(file, at);
+  return at + segmentLength(file, at);
 }
+
+/// Without the segment that tells how long an interval is.
+Bytes headWithoutInterval(std::span<const std::uint8_t> file) {
+  const std::size_t end = headLength(file);
+  Bytes head(file.begin(), file.begin() + 2);
+  for (std::size_t at = 2; at < end; at += segmentLength(file, at)) {
+    const auto segment = file.subspan(at, segmentLength(file, at));
+    if (segment[1] != 0xdd) head.insert(head.end(), segment.begin(), segment.end());
+  }
+  return head;
+}
+
+/// Entropy-coded data, written bit by bit.
+class BitWriter {
+ public:
+  explicit BitWriter(Bytes& out) : out_(out) {}
+
+  /// The first `bits` of the byte.
+  void add(std::uint8_t byte, int bits) {
+    pending_ = pending_ << bits | byte >> (kByte - bits);
+    count_ += bits;
+    if (count_ < kByte) return;
+    count_ -= kByte;
+    const auto whole = static_cast<std::uint8_t>(pending_ >> count_);
+    out_.push_back(whole);
+    if (whole == 0xff) out_.push_back(0);
+  }
+
+  void pad() {
+    if (count_ > 0) add(0xff, kByte - count_);
+  }
+
+ private:
+  static constexpr int kByte = 8;
+  Bytes& out_;
+  std::uint32_t pending_ = 0;
+  int count_ = 0;
+};
 
 }  // namespace
 
@@ -92,6 +136,23 @@ JpegPieces JpegPieces::encode(RawPicture& picture, int quality) {
     result.pieces.push_back(std::exchange(piece, {}));
     ++at;
   }
+  return result;
+}
+
+// An interval ends with two zeros, the code of an empty block's end, and ones up to the next byte.
+Bytes withoutRestarts(const Bytes& file) {
+  Bytes result = headWithoutInterval(file);
+  result.reserve(file.size());
+  BitWriter writer(result);
+  for (std::size_t at = headLength(file); file[at] != 0xff || file[at + 1] != 0xd9;) {
+    const std::uint8_t byte = file[at];
+    at += byte == 0xff ? 2 : 1;
+    const bool isLast = file[at] == 0xff && file[at + 1] != 0;
+    writer.add(byte, isLast ? 8 - std::countr_one(byte) : 8);
+    if (isLast && file[at + 1] != 0xd9) at += 2;
+  }
+  writer.pad();
+  result.insert(result.end(), {0xff, 0xd9});
   return result;
 }
 

@@ -36,4 +36,11 @@ Bytes JpegPieces::join(int rows, Row row) const {
   return file;
 }
 
+/// The same picture without restart markers, if its last 16 columns are `kNeutral`: every interval then ends
+/// with the prediction that the next one begins with.
+[[nodiscard]] Bytes withoutRestarts(const Bytes& file);
+
+/// The color whose DC coefficients are all zero.
+inline constexpr Color kNeutral{128, 128, 128};
+
 }  // namespace vistrel::stage

@@ -10,6 +10,7 @@ namespace {
 
 constexpr int kJpegWidthStep = 16;
 constexpr int kJpegHeightStep = 8;
+constexpr int kContinuousWidth = 1600;
 
 std::vector<int> parseRates(const std::string& text) {
   std::vector<int> rates;
@@ -76,6 +77,13 @@ bool canBeTurned(const Options& options) {
   return options.transform == Transform::None || (isRaw && options.picture == Picture::Plain);
 }
 
+/// The gray columns at the right edge must leave enough of the clock's last cell.
+bool canBeContinuous(const Options& options) {
+  const bool isWide = std::all_of(options.offers.begin(), options.offers.end(),
+                                  [](const Offer& offer) { return offer.width >= kContinuousWidth; });
+  return !options.isContinuous || isWide;
+}
+
 bool takeFlag(Options& options, std::string_view option) {
   if (option == "--rich") {
     options.picture = Picture::Rich;
@@ -83,6 +91,8 @@ bool takeFlag(Options& options, std::string_view option) {
     options.manner = Manner::Refusing;
   } else if (option == "--silent") {
     options.manner = Manner::Silent;
+  } else if (option == "--continuous") {
+    options.isContinuous = true;
   } else if (option == "--obey") {
     options.isObeying = true;
   } else {
@@ -103,7 +113,7 @@ std::optional<Options> Options::parse(std::span<char*> arguments) {
   if (options.offers.empty())
     for (const auto& [width, height] : {std::pair{1280, 720}, {640, 480}, {1920, 1080}})
       options.offers.push_back({PixelFormat::Yuy2, "yuy2", width, height, {30}});
-  return canBeTurned(options) ? std::optional(options) : std::nullopt;
+  return canBeTurned(options) && canBeContinuous(options) ? std::optional(options) : std::nullopt;
 }
 
 }  // namespace vistrel::stage

@@ -30,6 +30,7 @@ struct Options {
   std::vector<std::pair<std::string, std::string>> properties;
   int quality = 80;
   int blackFrames = 0;
+  bool isContinuous = false;  ///< JPEG without restart markers
   Picture picture = Picture::Plain;
   Transform transform = Transform::None;
   Manner manner = Manner::Willing;
@@ -39,13 +40,14 @@ struct Options {
   static constexpr const char* kUsage =
       "usage: vistrel-testcam [--name TEXT] [--node NAME] [--offer FORMAT:WIDTHxHEIGHT@RATE[/RATE...]]...\n"
       "                       [--property KEY=VALUE]... [--quality N] [--black FRAMES] [--rich] [--refuse]\n"
-      "                       [--silent] [--memory KIND] [--transform TURN] [--obey]\n"
+      "                       [--silent] [--memory KIND] [--transform TURN] [--continuous] [--obey]\n"
       "FORMAT: mjpeg yuy2 uyvy nv12 i420 yv12 rgb bgr rgbx bgrx.  --rich: detail, 1 to 2 MB at 4K MJPEG.\n"
       "KIND: dmabuf sealed unsealed short shrinking: the camera allocates its buffers, and how far they can "
       "be "
       "trusted.\n"
       "TURN: none 90 180 270 flipped flipped90 flipped180 flipped270: how a plain raw picture is turned "
       "before it is sent.\n"
+      "--continuous: JPEG without restart markers, as most cameras send it; from 1600 columns on.\n"
       "--obey: commands on standard input, one a line, whose end is the end of the camera:\n"
       "  stall  resume  slow MS  rename TEXT  error TEXT  refuse  accept  garbage  black FRAMES  die  quit\n";
 

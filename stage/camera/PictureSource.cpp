@@ -17,6 +17,7 @@ constexpr Color kWhite{255, 255, 255};
 constexpr Color kBlack{0, 0, 0};
 constexpr int kPhases = 8;
 constexpr int kBlock = 8;
+constexpr int kJpegUnit = 16;  // columns
 constexpr int kRoughness = 26;
 
 void drawBody(RawPicture& picture, int bottom, int phase, const Options& options) {
@@ -79,14 +80,15 @@ class JpegSource : public PictureSource {
       : width_(offer.width),
         height_(offer.height),
         quality_(options.quality),
+        isContinuous_(options.isContinuous),
         clockRow_(PixelFormat::I422Full, width_, kBlock) {
     RawPicture picture(PixelFormat::I422Full, width_, height_);
     for (int phase = 0; phase < kPhases; ++phase) {
       drawBody(picture, clock::rowTop(height_, 0), phase, options);
-      phases_.push_back(JpegPieces::encode(picture, quality_));
+      phases_.push_back(encode(picture));
     }
     picture.fill({0, 0, width_, height_}, kBlack);
-    black_ = JpegPieces::encode(picture, quality_);
+    black_ = encode(picture);
   }
 
   std::size_t maximumBytes() const override { return std::size_t(width_) * height_ * 2; }
@@ -95,6 +97,7 @@ class JpegSource : public PictureSource {
   std::size_t write(std::uint32_t counter, std::uint32_t milliseconds, Look look,
                     std::span<std::uint8_t> target) override {
     Bytes file = look == Look::Black ? blackFile() : clockedFile(counter, milliseconds);
+    if (isContinuous_) file = withoutRestarts(file);
     if (look == Look::Garbage) spoil(file, counter);
     if (file.size() > target.size()) return 0;
     std::copy(file.begin(), file.end(), target.begin());
@@ -102,6 +105,11 @@ class JpegSource : public PictureSource {
   }
 
  private:
+  JpegPieces encode(RawPicture& picture) const {
+    if (isContinuous_) picture.fill({width_ - kJpegUnit, 0, width_, picture.height()}, kNeutral);
+    return JpegPieces::encode(picture, quality_);
+  }
+
   Bytes blackFile() const {
     return black_.join(height_ / kBlock, [&](int row) -> const Bytes& { return black_.pieces[row]; });
   }
@@ -120,7 +128,7 @@ class JpegSource : public PictureSource {
 
   Bytes clockPiece(std::uint32_t value) {
     drawClockRow(clockRow_, 0, kBlock, value);
-    return JpegPieces::encode(clockRow_, quality_).pieces.front();
+    return encode(clockRow_).pieces.front();
   }
 
   /// By turns: cut short, no JPEG at all, the right frame around wrong data, empty.
@@ -145,6 +153,7 @@ class JpegSource : public PictureSource {
   int width_;
   int height_;
   int quality_;
+  bool isContinuous_;
   RawPicture clockRow_;
   std::vector<JpegPieces> phases_;
   JpegPieces black_;
