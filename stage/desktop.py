@@ -64,7 +64,7 @@ def write_wireplumber_settings(config):
 
 
 class Desktop:
-    """`host` is "xfce4-panel", "trayer" or None, `manager` "openbox", "xfwm4" or None; `monitors` are pairs of a
+    """`host` is "xfce4-panel", "trayer", "i3bar" or None, `manager` "openbox", "xfwm4", "i3" or None; `monitors` are pairs of a
     name and a geometry as `xrandr --setmonitor` takes it, the first one primary. `edge` is the host's: "top" or
     "bottom", under xfce4-panel also "left" or "right"."""
 
@@ -159,13 +159,17 @@ class Desktop:
         if manager is None:
             return
         commands = {"openbox": ["openbox", "--config-file", CONFIGURATION / "openbox.xml"],
-                    "xfwm4": ["xfwm4", "--compositor=off"]}
+                    "xfwm4": ["xfwm4", "--compositor=off"],
+                    "i3": ["i3", "-c", CONFIGURATION / "i3.conf"]}
         self.start(commands[manager])
         wait_until(lambda: self.screen.property("_NET_SUPPORTING_WM_CHECK"), f"{manager} on the display")
 
     def start_host(self, name=None, edge=None):
         """Starts the tray host and waits until it takes icons."""
         self._host_name, self._edge = name or self._host_name, edge or self._edge
+        if self._host_name == "i3bar":  # started by its manager, which tells no work area
+            wait_until(lambda: self.screen.owns_selection(TRAY), "i3bar")
+            return
         if self._host_name == "trayer":
             self.host = self.start(["trayer", "--edge", self._edge, "--align", "right", "--widthtype", "request",
                                     "--height", "28", "--SetPartialStrut", "true"])

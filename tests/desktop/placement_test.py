@@ -126,12 +126,55 @@ class StalePointerTest(DesktopTest):
                         self.press(since, told)
                         self.screen.wait_no_picture()
 
-    def check_beside(self, place, edge, press, scale):
+    def test_without_a_press_it_opens_where_the_icon_was_last_or_would_be(self):
+        self.desktop.camera()
+        self.screen.move((5, 400))
+        since = len(self.watcher.lines)
+        with self.start({"dismissPreference": 1}, environment={"WAYLAND_DISPLAY": "none"}, awaits_icon=False):
+            self.check_second_start("top", (1270, 0))
+            panel = self.desktop.start(["xev", "-geometry", "1280x40+0+760"])  # it keeps no room for itself
+            self.addCleanup(panel.end)
+            wait_until(lambda: self.screen.windows(name="Event Tester"), "the panel")
+            self.desktop.run("xprop", "-name", "Event Tester", "-f", "_NET_WM_WINDOW_TYPE", "32a", "-set",
+                             "_NET_WM_WINDOW_TYPE", "_NET_WM_WINDOW_TYPE_DOCK")
+            self.check_second_start("bottom", (1270, 790), 40)
+            self.press(since, (300, 780))
+            self.screen.live_picture()
+            self.press(since, (300, 780))
+            self.screen.wait_no_picture()
+            self.check_second_start("bottom", (300, 780), 40)
+
+    def check_second_start(self, edge, press, covered=0):
+        self.start_again()
+        self.check_beside(self.screen.live_picture()["place"], edge, press, 1, covered)
+        self.start_again()
+        self.screen.wait_no_picture()
+
+    def check_beside(self, place, edge, press, scale, covered=0):
         x, y, width, height = place
         gap = {"top": y, "bottom": 800 - y - height, "left": x, "right": 1280 - x - width}[edge]
-        self.assertTrue(0 < gap <= (UNRESERVED + TIP) * scale, (gap, place))
+        self.assertTrue(covered < gap <= (UNRESERVED + TIP) * scale, (gap, place))
         along = 0 if edge in ("top", "bottom") else 1
         self.assertTrue(place[along] <= press[along] <= place[along] + place[along + 2], (place, press))
+
+
+class BarTest(DesktopTest):
+    """A tiling manager that tells no work area, with its bar at the bottom."""
+
+    stage = {"manager": "i3", "host": "i3bar"}
+
+    def test_neither_bar_nor_icon_is_covered_and_a_torn_off_mirror_follows_the_pointer(self):
+        camera = self.desktop.camera()
+        vistrel = self.start()
+        for _ in range(2):
+            bottom = self.open(vistrel)["place"][1] + self.screen.live_picture()["place"][3]
+            self.assertTrue(0 < vistrel.icon()[1] - bottom <= TIP, (vistrel.icon(), bottom))
+            vistrel.click()
+            self.wait_closed(camera)
+        x, y, _width, _height = self.open(vistrel)["place"]
+        self.screen.ask("drag", x + 60, y + 100, x - 140, y - 100)
+        self.screen.move((5, 5))
+        self.assertEqual(self.screen.live_picture()["place"][:2], [x - 200, y - 200])
 
 
 class DisplayChangeTest(DesktopTest):

@@ -83,6 +83,7 @@ void QtWindow::show() {
     x11_.noteUserAction();
     shell_->show();
     if (hasChrome()) x11_.standAlone(*shell_->windowHandle());
+    mayBeMisplaced_ = window_.kind() == NSWindowKind::Popover;
   }
   activate();
   firstResponderDidChange(dynamic_cast<NSView*>(window_.firstResponder()));
@@ -221,6 +222,11 @@ void QtWindow::shellDeactivated() {
 
 void QtWindow::shellMoved() {
   if (commands_ > 0 || !shell_->isVisible() || contentOnDesktop() == window_.frame()) return;
+  // A manager that gives a new window a title bar before it sees that none is wanted has moved it by that.
+  if (std::exchange(mayBeMisplaced_, false)) {
+    const CommandScope scope(*this);
+    return applyFrame();
+  }
   client_.didMove(contentOnDesktop());
 }
 

@@ -80,6 +80,7 @@ class QtWindow final : public backend::NativeWindow, private ShellClient, privat
   NSWindowKind shownKind_;
   std::shared_ptr<NSView> builtContent_;
   int commands_ = 0;
+  bool mayBeMisplaced_ = false;  ///< nothing has moved it since it was shown
   bool isPointerInside_ = false;
   bool wasKeyLast_ = false;
   // Reports that wait for the main loop are dropped with the window.

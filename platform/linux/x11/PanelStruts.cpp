@@ -13,6 +13,8 @@ using Property = std::array<std::uint32_t, 12>;
 constexpr std::uint32_t kPartialLength = 12;
 constexpr std::uint32_t kWholeLength = 4;
 constexpr std::uint32_t kMostWindows = 1024;
+// A dock is long and thin; what is not is an icon or a gadget of it.
+constexpr int kLeastLengthOfThickness = 4;
 
 struct Desktop {
   int width = 0;
@@ -64,6 +66,80 @@ void append(std::vector<Strut>& struts, const Property& property, Desktop deskto
   }
 }
 
+struct Atoms {
+  xcb_atom_t partial;
+  xcb_atom_t whole;
+  xcb_atom_t type;
+  xcb_atom_t dock;
+
+  static Atoms of(X11Connection& connection) {
+    return {connection.atom("_NET_WM_STRUT_PARTIAL"), connection.atom("_NET_WM_STRUT"),
+            connection.atom("_NET_WM_WINDOW_TYPE"), connection.atom("_NET_WM_WINDOW_TYPE_DOCK")};
+  }
+};
+
+struct Question {
+  xcb_window_t window;
+  xcb_get_property_cookie_t partial;
+  xcb_get_property_cookie_t whole;
+  xcb_get_property_cookie_t types;
+};
+
+Question ask(X11Connection& connection, xcb_window_t window, const Atoms& atoms) {
+  const auto property = [&](xcb_atom_t name, xcb_atom_t type) {
+    return xcb_get_property(connection.get(), 0, window, name, type, 0, kPartialLength);
+  };
+  return {window, property(atoms.partial, XCB_ATOM_CARDINAL), property(atoms.whole, XCB_ATOM_CARDINAL),
+          property(atoms.type, XCB_ATOM_ATOM)};
+}
+
+bool holds(const xcb_get_property_reply_t* reply, xcb_atom_t wanted) {
+  if (!reply || reply->format != 32) return false;
+  const auto* first = static_cast<const xcb_atom_t*>(xcb_get_property_value(reply));
+  return std::find(first, first + reply->value_len, wanted) != first + reply->value_len;
+}
+
+std::vector<xcb_window_t> childrenOf(X11Connection& connection, xcb_query_tree_cookie_t cookie) {
+  const auto reply = connection.wait(xcb_query_tree_reply, cookie);
+  if (!reply) return {};
+  const auto* first = xcb_query_tree_children(reply.get());
+  return {first, first + xcb_query_tree_children_length(reply.get())};
+}
+
+/// The windows on the desktop, and those inside them: a window manager puts what it manages into frames.
+std::vector<xcb_window_t> windowsInTwoLayers(X11Connection& connection) {
+  auto windows = childrenOf(connection, xcb_query_tree(connection.get(), connection.root()));
+  std::vector<xcb_query_tree_cookie_t> questions;
+  questions.reserve(windows.size());
+  for (const auto window : windows) questions.push_back(xcb_query_tree(connection.get(), window));
+  for (const auto question : questions) {
+    const auto inner = childrenOf(connection, question);
+    windows.insert(windows.end(), inner.begin(), inner.end());
+  }
+  return windows;
+}
+
+/// The strip that a dock covers which reserves none: only one along an edge of the desktop hides what lies
+/// there.
+std::optional<Strut> stripOf(X11Connection& connection, xcb_window_t window, Desktop desktop) {
+  using Edge = Strut::Edge;
+  const auto sizeAsked = xcb_get_geometry(connection.get(), window);
+  const auto placeAsked = xcb_translate_coordinates(connection.get(), window, connection.root(), 0, 0);
+  const auto stateAsked = xcb_get_window_attributes(connection.get(), window);
+  const auto size = connection.wait(xcb_get_geometry_reply, sizeAsked);
+  const auto place = connection.wait(xcb_translate_coordinates_reply, placeAsked);
+  const auto state = connection.wait(xcb_get_window_attributes_reply, stateAsked);
+  if (!size || !place || !state || state->map_state != XCB_MAP_STATE_VIEWABLE) return std::nullopt;
+  Strut strut{Edge::Top, place->dst_x, place->dst_y, size->width, size->height};
+  if (strut.width >= kLeastLengthOfThickness * strut.height) {
+    if (strut.y + strut.height >= desktop.height) strut.edge = Edge::Bottom;
+    return strut.y <= 0 || strut.edge == Edge::Bottom ? std::optional(strut) : std::nullopt;
+  }
+  if (strut.height < kLeastLengthOfThickness * strut.width) return std::nullopt;
+  strut.edge = strut.x + strut.width >= desktop.width ? Edge::Right : Edge::Left;
+  return strut.x <= 0 || strut.edge == Edge::Right ? std::optional(strut) : std::nullopt;
+}
+
 }  // namespace
 
 bool isWorkAreaTold(X11Connection& connection) {
@@ -76,27 +152,26 @@ bool isWorkAreaTold(X11Connection& connection) {
 
 std::vector<Strut> panelStruts(X11Connection& connection) {
   if (!connection.isOpen()) return {};
-  struct Question {
-    xcb_get_property_cookie_t partial;
-    xcb_get_property_cookie_t whole;
-  };
-  const auto partial = connection.atom("_NET_WM_STRUT_PARTIAL");
-  const auto whole = connection.atom("_NET_WM_STRUT");
-  // All is asked before the first answer is waited for.
+  // Where no work area is told the list of windows may leave out the panels, too.
+  const auto windows =
+      isWorkAreaTold(connection) ? managedWindows(connection) : windowsInTwoLayers(connection);
   std::vector<Question> questions;
-  for (const auto window : managedWindows(connection)) {
-    const auto ask = [&](xcb_atom_t property) {
-      return xcb_get_property(connection.get(), 0, window, property, XCB_ATOM_CARDINAL, 0, kPartialLength);
-    };
-    questions.push_back({ask(partial), ask(whole)});
-  }
+  const auto atoms = Atoms::of(connection);
+  questions.reserve(windows.size());
+  // All is asked before the first answer is waited for.
+  for (const auto window : windows) questions.push_back(ask(connection, window, atoms));
   const Desktop desktop = desktopOf(connection);
   std::vector<Strut> struts;
   for (const auto& question : questions) {
     const auto exact = connection.wait(xcb_get_property_reply, question.partial);
     const auto rough = connection.wait(xcb_get_property_reply, question.whole);
+    const auto types = connection.wait(xcb_get_property_reply, question.types);
     const auto property = read(exact.get());
-    if (const auto known = property ? property : read(rough.get())) append(struts, *known, desktop);
+    if (const auto known = property ? property : read(rough.get())) {
+      append(struts, *known, desktop);
+    } else if (holds(types.get(), atoms.dock)) {
+      if (const auto strut = stripOf(connection, question.window, desktop)) struts.push_back(*strut);
+    }
   }
   return struts;
 }

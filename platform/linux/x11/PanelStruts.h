@@ -17,7 +17,8 @@ struct Strut {
   int height = 0;
 };
 
-/// The strips of all the windows that the window manager knows. Asks the server; main thread only.
+/// The strips of all the windows that the window manager knows; where it tells no work area those of all
+/// windows, and those that docks cover without keeping any. Asks the server; main thread only.
 [[nodiscard]] std::vector<Strut> panelStruts(X11Connection& connection);
 
 /// Whether the window manager tells what room panels leave (EWMH, _NET_WORKAREA); some do not, and neither do
