@@ -236,6 +236,13 @@ void QtWindow::shellDragBegan() {
   if (hasChrome()) client_.dragDidBegin();
 }
 
+// Some Wayland compositors let no program move its windows; all of them move one for the pointer that holds
+// it.
+bool QtWindow::shellDragHandedOver() {
+  return window_.kind() == NSWindowKind::Detached && x11_.isXWayland() &&
+         shell_->windowHandle()->startSystemMove();
+}
+
 void QtWindow::shellDragged(QPoint position) {
   if (window_.kind() != NSWindowKind::Detached) return;
   {

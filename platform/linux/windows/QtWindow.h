@@ -38,6 +38,7 @@ class QtWindow final : public backend::NativeWindow, private ShellClient, privat
   void shellMoved() override;
   void shellScaled() override;
   void shellDragBegan() override;
+  bool shellDragHandedOver() override;
   void shellDragged(QPoint position) override;
   void shellPointerEntered() override;
   void shellPointerLeft() override;

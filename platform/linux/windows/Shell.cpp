@@ -75,11 +75,17 @@ void Shell::mousePressEvent(QMouseEvent* event) {
 
 void Shell::mouseMoveEvent(QMouseEvent* event) {
   const QPoint way = event->globalPosition().toPoint() - pressedAt_;
-  if (drag_ == Drag::Possible && way.manhattanLength() >= QApplication::startDragDistance()) {
+  const bool hasBegun = drag_ == Drag::Possible && way.manhattanLength() >= QApplication::startDragDistance();
+  if (hasBegun) {
     drag_ = Drag::Going;
     if (client_) client_->shellDragBegan();
   }
-  if (drag_ == Drag::Going && client_) client_->shellDragged(positionAtPress_ + way);
+  if (drag_ != Drag::Going || !client_) return;
+  if (hasBegun && client_->shellDragHandedOver()) {
+    drag_ = Drag::None;
+  } else {
+    client_->shellDragged(positionAtPress_ + way);
+  }
 }
 
 void Shell::mouseReleaseEvent(QMouseEvent* /*event*/) { drag_ = Drag::None; }

@@ -22,6 +22,8 @@ class ShellClient {
   virtual void shellScaled() = 0;
   /// The pointer, with the button down on the content, has gone far enough to mean a drag.
   virtual void shellDragBegan() = 0;
+  /// Whether the desktop has taken the drag over, and tells of no more of it.
+  virtual bool shellDragHandedOver() = 0;
   /// The drag goes on; the window would now lie at `position`.
   virtual void shellDragged(QPoint position) = 0;
   virtual void shellPointerEntered() = 0;

@@ -27,6 +27,7 @@ xcb_window_t idOf(const QWindow& window) { return static_cast<xcb_window_t>(wind
 X11Windows::X11Windows() {
   connection_ = qt::toolkitConnection();
   if (!connection_) return;
+  isXWayland_ = x11::isXWayland(connection_);
   root_ = x11::rootOf(connection_);
   state_ = x11::atomOf(connection_, "_NET_WM_STATE");
   skipTaskbar_ = x11::atomOf(connection_, "_NET_WM_STATE_SKIP_TASKBAR");

@@ -35,6 +35,8 @@ class X11Windows {
   /// Sends what was asked for and not sent yet.
   void flush();
 
+  [[nodiscard]] bool isXWayland() const { return isXWayland_; }
+
   /// Whether the keyboard focus is in `window`, whatever a grab has told it.
   [[nodiscard]] bool hasFocus(const QWindow& window) const;
 
@@ -43,6 +45,7 @@ class X11Windows {
   void askForState(xcb_window_t window, ListedAs listed);
 
   xcb_connection_t* connection_ = nullptr;
+  bool isXWayland_ = false;
   xcb_window_t root_ = 0;
   xcb_atom_t state_ = 0;
   xcb_atom_t skipTaskbar_ = 0;
