@@ -83,6 +83,7 @@ class Desktop:
         self._processes = []
         self._pipewire = []
         self._xvfb = None
+        self.manager = None  # the window manager's process
         self.host = None
         self.screen = None
         self.bus = None
@@ -161,7 +162,7 @@ class Desktop:
         commands = {"openbox": ["openbox", "--config-file", CONFIGURATION / "openbox.xml"],
                     "xfwm4": ["xfwm4", "--compositor=off"],
                     "i3": ["i3", "-c", CONFIGURATION / "i3.conf"]}
-        self.start(commands[manager])
+        self.manager = self.start(commands[manager])
         wait_until(lambda: self.screen.property("_NET_SUPPORTING_WM_CHECK"), f"{manager} on the display")
 
     def start_host(self, name=None, edge=None):

@@ -57,6 +57,10 @@ class Screen:
     def owns_selection(self, name):
         return self.ask("selection", name)["owner"] != 0
 
+    def destroy(self, window):
+        """Ends a window of another program, whose connection stays."""
+        self.ask("destroy", window["id"])
+
     def color(self, place):
         return tuple(self.ask("pixel", *place)["color"])
 

@@ -1,5 +1,6 @@
 #include "appkit/NSPopover.h"
 
+#include <chrono>
 #include <utility>
 
 #include "appkit/NSApplication.h"
@@ -9,10 +10,14 @@
 #include "appkit/PopoverWindow.h"
 #include "appkit/ScreenGeometry.h"
 #include "backend/Backend.h"
+#include "base/Log.h"
 
 namespace vistrel {
 
 namespace {
+
+// A window manager that takes longer does not answer any more.
+constexpr std::chrono::seconds kLongestWayToScreen(2);
 
 std::optional<Rect> anchorOnDesktop(const Rect& rect, const NSView& view) {
   const NSWindow* window = view.window();
@@ -82,11 +87,23 @@ void NSPopover::showRelativeToRect(const Rect& rect, NSView& view, NSRectEdge /*
   appear();
   window_->makeKeyAndOrderFront(this);
   watchPresses();
+  watchScreen();
+}
+
+// Without a window nobody would see that the camera is on.
+void NSPopover::watchScreen() {
+  arrival_ = backend::current().mainLoop().after(kLongestWayToScreen, [this] {
+    if (window_->isOnScreen()) return;
+    Log::warning(
+        "vistrel: the desktop did not show the mirror's window, so it is closed again. Try once more.");
+    performClose(nullptr);
+  });
 }
 
 void NSPopover::performClose(NSObject* /*sender*/) {
   if (!isShown_) return;
   stopWatching();
+  arrival_.reset();
   isShown_ = false;
   isDetached_ = false;
   const auto kept = window_;

@@ -73,6 +73,7 @@ class NSPopover : public NSObject, public backend::OutsidePressClient {
   void makeWindow();
   void appear();
   void watchPresses();
+  void watchScreen();
   void stopWatching();
   void endHighlight();
 
@@ -85,6 +86,7 @@ class NSPopover : public NSObject, public backend::OutsidePressClient {
   std::weak_ptr<NSView> anchor_;
   std::shared_ptr<PopoverWindow> window_;
   std::shared_ptr<NSEvent::Monitor> ownPresses_;
+  std::unique_ptr<backend::Timer> arrival_;  // while the window is on its way to the screen
   bool isShown_ = false;
   bool isDetached_ = false;
 };

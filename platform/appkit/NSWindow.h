@@ -88,6 +88,8 @@ class NSWindow : public NSResponder,
   void close();
   void activate();
   [[nodiscard]] bool isVisible() const { return isVisible_; }
+  /// Whether the desktop shows it indeed, which is asked anew.
+  [[nodiscard]] bool isOnScreen() const { return native_ && native_->isOnScreen(); }
   [[nodiscard]] bool isKeyWindow() const { return isVisible_ && isKey_; }
 
   /// The alert that waits on this window for an answer.

@@ -54,6 +54,8 @@ class NativeWindow {
   /// Maps the window at the `NSWindow`'s frame, in front, with the focus.
   virtual void show() = 0;
   virtual void hide() = 0;
+  /// Whether the desktop shows it, which is asked anew: for rare moments.
+  [[nodiscard]] virtual bool isOnScreen() const = 0;
   /// The frame, title, style, level or appearance of the `NSWindow` changed.
   virtual void attributesDidChange() = 0;
   /// A view of the tree changed: hidden, enabled, text, layer, menu, placeholder …

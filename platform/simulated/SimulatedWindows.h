@@ -20,13 +20,13 @@ class SimulatedWindow final : public backend::NativeWindow {
   void contentDidChange() override {}
   void show() override;
   void hide() override { isOnScreen_ = false; }
+  [[nodiscard]] bool isOnScreen() const override { return isOnScreen_; }
   void attributesDidChange() override {}
   void viewDidChange(NSView& /*view*/) override {}
   void firstResponderDidChange(NSView* view) override { focused_ = view; }
   void popUpMenu(NSPopUpButton& button) override { openMenu_ = &button; }
   void activate() override {}
 
-  [[nodiscard]] bool isOnScreen() const { return isOnScreen_; }
   [[nodiscard]] NSWindow& window() const { return window_; }
   [[nodiscard]] backend::WindowClient& client() const { return client_; }
   [[nodiscard]] NSView* focused() const { return focused_; }

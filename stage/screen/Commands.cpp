@@ -125,6 +125,10 @@ void Commands::addWindows() {
     for (const WindowFacts& window : visibleWindows(screen_)) list.push_back(toJson(window));
     return {{"windows", list}};
   };
+  commands_["destroy"] = [this](const Words& a) {  // as no program but the window's own should
+    XDestroyWindow(screen_.display(), static_cast<Window>(number(a, 0)));
+    return XSync(screen_.display(), False), Json::object();
+  };
   commands_["focus"] = [this](const Words&) -> Json { return {{"window", toJson(focusedWindow(screen_))}}; };
   commands_["property"] = [this](const Words& a) -> Json {
     return {{"value", rootProperty(screen_, a.at(0))}};

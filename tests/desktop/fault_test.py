@@ -2,13 +2,14 @@
 
 import os
 import re
+import resource
 import signal
 import unittest
 
 from gi.repository import GLib
 
 from stage.processes import wait_until
-from stage.program import centre
+from stage.program import Program, centre
 from tests.desktop.harness import FAILED, REFRESHED, SAVING, STARTED, DesktopTest
 
 ODD_NAMES = ("", "x" * 500, "Fish & Chips", "<b>bold</b>", "two\nlines", "מצלמה קדמית", "Cafe\u0301 _under_", "Twin", "Twin")
@@ -152,6 +153,50 @@ class CameraFaultTest(DesktopTest):
         camera.tell("rename Renamed")
         self.open(vistrel)
         wait_until(lambda: any("Renamed" in line for line in vistrel.lines), "the new name")
+
+
+class WindowFaultTest(DesktopTest):
+    def test_a_window_that_is_destroyed_from_outside_frees_the_camera_and_comes_again(self):
+        camera = self.desktop.camera()
+        vistrel = self.start()
+        for _ in range(2):
+            self.open(vistrel)
+            self.screen.destroy(vistrel.windows()[0])
+            self.wait_closed(camera)
+        self.assertTrue(self.open(vistrel)["mirrored"])
+
+    def test_a_window_that_never_comes_to_the_screen_frees_the_camera(self):
+        camera = self.desktop.camera()
+        vistrel = self.start(complaints=1)
+        manager = self.desktop.manager
+        manager.signal(signal.SIGSTOP)
+        self.addCleanup(manager.signal, signal.SIGCONT)
+        self.start_again()  # a manager that hangs takes the pointer along
+        vistrel.wait_line(STARTED)
+        vistrel.process.wait_line("vistrel: ", errors=True)
+        wait_until(lambda: self.desktop.readers(camera) == 0, "the end of the stream")
+        manager.signal(signal.SIGCONT)
+        self.open(vistrel)
+
+
+class ResourceFaultTest(DesktopTest):
+    def test_without_descriptors_it_goes_on_without_a_picture(self):
+        camera = self.desktop.camera(offers=["mjpeg:1280x720@30"])
+        vistrel = Program(self.desktop, {})
+        self.addCleanup(vistrel.process.end)
+        used = len(os.listdir(f"/proc/{vistrel.pid}/fd"))
+        resource.prlimit(vistrel.pid, resource.RLIMIT_NOFILE, (used + 2, 1024))  # libraries need two
+        vistrel.click()
+        vistrel.wait_line(FAILED)
+        wait_until(lambda: self.desktop.readers(camera) == 0, "the end of the stream")
+        vistrel.click()
+        wait_until(lambda: not vistrel.windows(), "the end of the window")
+        self.assertEqual(vistrel.terminate(), 0)
+
+    def test_a_start_without_descriptors_says_so(self):
+        vistrel = Program(self.desktop, {}, prefix=["prlimit", "--nofile=20:1024"], awaits_icon=False)
+        vistrel.process.wait()
+        self.assertIn("Too many open files", "".join(vistrel.process.errors))
 
 
 class DaemonFaultTest(DesktopTest):

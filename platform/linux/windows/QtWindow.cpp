@@ -75,6 +75,8 @@ void QtWindow::addCloseButton() {
 void QtWindow::show() {
   const CommandScope scope(*this);
   if (!shell_->isVisible()) {
+    const QWindow* old = shell_->windowHandle();
+    if (old && x11_.presenceOf(*old) == X11Windows::Presence::None) shell_->renew();
     margins_ = hasChrome() ? PopoverShape::margins(window_.tip()) : QMargins();
     attributesDidChange();
     shell_->winId();
@@ -94,6 +96,17 @@ void QtWindow::hide() {
   if (menu_) menu_->close();
   shell_->hide();
   tellPointer(false);
+}
+
+bool QtWindow::isOnScreen() const {
+  const QWindow* handle = shell_->windowHandle();
+  return handle && x11_.presenceOf(*handle) == X11Windows::Presence::Viewable;
+}
+
+// Another program may destroy the native window, and Qt would go on showing what is none.
+void QtWindow::shellUnexposed() {
+  const bool isGone = x11_.presenceOf(*shell_->windowHandle()) == X11Windows::Presence::None;
+  if (commands_ == 0 && isGone) shellCloseRequested();
 }
 
 void QtWindow::activate() {

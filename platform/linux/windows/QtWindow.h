@@ -21,6 +21,7 @@ class QtWindow final : public backend::NativeWindow, private ShellClient, privat
   void contentDidChange() override;
   void show() override;
   void hide() override;
+  [[nodiscard]] bool isOnScreen() const override;
   void attributesDidChange() override;
   void viewDidChange(NSView& view) override;
   void firstResponderDidChange(NSView* view) override;
@@ -37,6 +38,7 @@ class QtWindow final : public backend::NativeWindow, private ShellClient, privat
   void shellDeactivated() override;
   void shellMoved() override;
   void shellScaled() override;
+  void shellUnexposed() override;
   void shellDragBegan() override;
   bool shellDragHandedOver() override;
   void shellDragged(QPoint position) override;

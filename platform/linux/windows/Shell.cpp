@@ -100,6 +100,9 @@ bool Shell::event(QEvent* event) {
 
 bool Shell::eventFilter(QObject* object, QEvent* event) {
   if (object == content_) filterContent(*event);
+  if (object == handle_ && event->type() == QEvent::Expose && !handle_->isExposed() && client_) {
+    client_->shellUnexposed();
+  }
   if (object == handle_ && filterWindow(*event)) return true;
   return QWidget::eventFilter(object, event);
 }

@@ -20,6 +20,8 @@ class ShellClient {
   /// Something other than a command of ours placed it.
   virtual void shellMoved() = 0;
   virtual void shellScaled() = 0;
+  /// The desktop shows it no more.
+  virtual void shellUnexposed() = 0;
   /// The pointer, with the button down on the content, has gone far enough to mean a drag.
   virtual void shellDragBegan() = 0;
   /// Whether the desktop has taken the drag over, and tells of no more of it.
@@ -40,6 +42,8 @@ class Shell final : public QWidget {
   [[nodiscard]] QWidget& content() const { return *content_; }
   /// The line and the tip around the content; an empty path for none.
   void setChrome(const QPainterPath& outline, const QColor& line);
+  /// The native window is gone: the next showing makes another.
+  void renew() { destroy(); }
   /// Nothing is reported any more; the window goes away.
   void retire();
 

@@ -37,6 +37,10 @@ class X11Windows {
 
   [[nodiscard]] bool isXWayland() const { return isXWayland_; }
 
+  enum class Presence { None, Unviewable, Viewable };
+  /// What the server knows of the window.
+  [[nodiscard]] Presence presenceOf(const QWindow& window) const;
+
   /// Whether the keyboard focus is in `window`, whatever a grab has told it.
   [[nodiscard]] bool hasFocus(const QWindow& window) const;
 
