@@ -31,10 +31,17 @@ void CaptureStream::begin(std::optional<PixelSize> size, backend::CameraStreamCl
   lastFrame_ = std::chrono::steady_clock::now();
   mode_ = size ? chooseMode(device_->modes(), *size) : chooseMode(device_->modes());
   if (!mode_) return failLater({"The camera offers no picture format that can be shown."});
+  if (auto ready = prepareDecoder(); !ready) return mode_.reset(), failLater(ready.error());
   showing_ = Showing::WaitingForGoodFrame;
-  if (mode_->format == PixelFormat::Mjpeg)
-    decoder_ = std::make_unique<DecodeThread>(reactor_, [this](auto outcome) { frameDecoded(outcome); });
   device_->begin(*mode_, *this);
+}
+
+Result<void> CaptureStream::prepareDecoder() {
+  if (mode_->format != PixelFormat::Mjpeg) return {};
+  auto decoder = DecodeThread::start(reactor_, [this](auto outcome) { frameDecoded(outcome); });
+  if (!decoder) return decoder.error();
+  decoder_ = std::move(decoder).value();
+  return {};
 }
 
 backend::StreamStart CaptureStream::awaitStart(std::chrono::milliseconds patience) {

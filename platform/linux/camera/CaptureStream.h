@@ -41,6 +41,7 @@ class CaptureStream final : public backend::CameraStream, public GlassSource, pr
   void unusableFrameArrived() override { hasUnusableFrames_ = true; }
   void captureFailed(const Error& error) override;
 
+  Result<void> prepareDecoder();
   void noteUsable();
   void decodeNewest();
   void frameDecoded(DecodeThread::Outcome outcome);

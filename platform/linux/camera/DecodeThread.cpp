@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "linux/FileDescriptor.h"
+#include "linux/Threads.h"
 
 namespace vistrel::camera {
 namespace {
@@ -62,14 +63,23 @@ void DecodeThread::Shared::work(FrameDecoder& decoder) {
   }
 }
 
+Result<std::unique_ptr<DecodeThread>> DecodeThread::start(desktop::Reactor& reactor,
+                                                          std::function<void(Outcome)> handler) {
+  std::unique_ptr<DecodeThread> decoder(new DecodeThread(reactor, std::move(handler)));
+  auto thread = desktop::startThread([shared = decoder->shared_] { shared->run(); });
+  if (!thread) return thread.error();
+  decoder->thread_ = std::move(thread).value();
+  return decoder;
+}
+
 DecodeThread::DecodeThread(desktop::Reactor& reactor, std::function<void(Outcome)> handler)
     : handler_(std::move(handler)), shared_(std::make_shared<Shared>()) {
   registration_ = reactor.watch(shared_->wakeUp.get(), [this] { takeOutcome(); });
-  thread_ = std::thread([shared = shared_] { shared->run(); });
 }
 
 DecodeThread::~DecodeThread() {
   callOff();
+  if (!thread_.joinable()) return;
   bool hasEnded = false;
   {
     std::unique_lock lock(shared_->mutex);

@@ -6,6 +6,7 @@
 #include <span>
 #include <thread>
 
+#include "base/Result.h"
 #include "linux/Reactor.h"
 #include "linux/camera/FrameDecoder.h"
 
@@ -17,8 +18,9 @@ class DecodeThread {
  public:
   enum class Outcome { Decoded, Damaged };
 
-  /// `handler` is called from the main loop when a frame is done.
-  DecodeThread(desktop::Reactor& reactor, std::function<void(Outcome)> handler);
+  /// `handler` is called from the main loop when a frame is done. The error: there is no thread to be had.
+  static Result<std::unique_ptr<DecodeThread>> start(desktop::Reactor& reactor,
+                                                     std::function<void(Outcome)> handler);
   ~DecodeThread();
   DecodeThread(const DecodeThread&) = delete;
   DecodeThread& operator=(const DecodeThread&) = delete;
@@ -35,6 +37,7 @@ class DecodeThread {
  private:
   struct Shared;
 
+  DecodeThread(desktop::Reactor& reactor, std::function<void(Outcome)> handler);
   void takeOutcome();
 
   std::function<void(Outcome)> handler_;

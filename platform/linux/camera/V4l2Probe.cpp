@@ -4,10 +4,10 @@
 #include <string.h>  // strnlen, which is POSIX only
 
 #include <cerrno>
-#include <thread>
 #include <utility>
 
 #include "base/Unicode.h"
+#include "linux/Threads.h"
 #include "linux/camera/V4l2Formats.h"
 
 namespace vistrel::camera {
@@ -50,9 +50,20 @@ bool V4l2Probe::look() {
   const std::lock_guard lock(mutex_);
   answer_.reset();
   const bool isIdle = state_ == State::Idle;
-  if (isIdle) std::thread([self = shared_from_this()] { self->run(); }).detach();
+  if (isIdle) {
+    auto thread = desktop::startThread([self = shared_from_this()] { self->run(); });
+    if (!thread) return answerUnseen(), true;
+    std::move(thread).value().detach();
+  }
   state_ = isIdle ? State::Looking : State::LookingInVain;
   return isIdle;
+}
+
+// Choosing such a camera tells why it cannot be had.
+void V4l2Probe::answerUnseen() {
+  Camera camera{system_.label(path_), {}};
+  camera.label.name = cardOf(camera.label.name.c_str());
+  answer_ = camera.label.seemsCamera ? Answer(std::move(camera)) : std::nullopt;
 }
 
 std::optional<V4l2Probe::Answer> V4l2Probe::await(V4l2System::Clock::time_point deadline) {

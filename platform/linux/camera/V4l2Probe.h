@@ -36,6 +36,7 @@ class V4l2Probe : public std::enable_shared_from_this<V4l2Probe> {
   enum class State { Idle, Looking, LookingInVain };
 
   void run();
+  void answerUnseen();
 
   V4l2System& system_;
   std::string path_;

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <utility>
 
+#include "linux/Threads.h"
 #include "linux/camera/CameraError.h"
 #include "linux/camera/V4l2Formats.h"
 
@@ -31,7 +33,9 @@ bool comesInHalves(const v4l2_pix_format& format) {
 }  // namespace
 
 void V4l2Run::open() {
-  thread_ = std::thread([self = shared_from_this()] { self->run(); });
+  auto thread = desktop::startThread([self = shared_from_this()] { self->run(); });
+  if (!thread) return settle(thread.error(), State::Opened);
+  thread_ = std::move(thread).value();
 }
 
 void V4l2Run::begin(const ModeChoice& mode, std::function<void()> onSettled) {

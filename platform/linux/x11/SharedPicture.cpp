@@ -1,5 +1,6 @@
 #include "linux/x11/SharedPicture.h"
 
+#include <fcntl.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -94,9 +95,11 @@ bool SharedPicture::allocate(PixelSize size) {
 
 bool SharedPicture::share(int file) {
   constexpr std::uint8_t kReadOnly = 1;
+  const int copy = ::fcntl(file, F_DUPFD_CLOEXEC, 0);
+  if (copy < 0) return false;  // the library would wait for ever for the answer to what it cannot send
   segment_ = xcb_generate_id(connection_.get());
   // The library closes what it has sent.
-  const auto cookie = xcb_shm_attach_fd_checked(connection_.get(), segment_, ::dup(file), kReadOnly);
+  const auto cookie = xcb_shm_attach_fd_checked(connection_.get(), segment_, copy, kReadOnly);
   const Reply<xcb_generic_error_t> error(xcb_request_check(connection_.get(), cookie));
   if (error) segment_ = XCB_NONE;
   return !error;

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "JpegEncoder.h"
+#include "tests/unit/linux/NoThreads.h"
 #include "tests/unit/linux/PollReactor.h"
 
 namespace vistrel::camera {
@@ -135,6 +136,14 @@ TEST_F(CaptureStreamTest, ReportsASizeThatNoModeHasFromTheMainLoop) {
   stream_->begin(PixelSize{1, 1}, *this);
   EXPECT_EQ(stream_->awaitStart({}), backend::StreamStart::Failed);
   EXPECT_TRUE(failures_.empty());
+  EXPECT_TRUE(reactor_.runUntil([&] { return !failures_.empty(); }));
+}
+
+TEST_F(CaptureStreamTest, ReportsThatThereIsNoThreadToDecodeOn) {
+  open(PixelFormat::Mjpeg);
+  const test::NoThreads none;
+  stream_->begin(kSize, *this);
+  EXPECT_EQ(stream_->awaitStart({}), backend::StreamStart::Failed);
   EXPECT_TRUE(reactor_.runUntil([&] { return !failures_.empty(); }));
 }
 

@@ -1,6 +1,7 @@
 #include <cerrno>
 #include <fstream>
 
+#include "tests/unit/linux/NoThreads.h"
 #include "tests/unit/linux/camera/V4l2Fixture.h"
 
 namespace vistrel::camera {
@@ -116,6 +117,17 @@ TEST_F(V4l2Test, TellsWhyACameraCannotBeOpened) {
   makeProvider();
   for (int i = 0; i < 6; ++i) EXPECT_EQ(openError(idOf(i)), texts[i]) << i;
   EXPECT_EQ(system_.openCount(), 0);
+}
+
+TEST_F(V4l2Test, ACameraWithoutAThreadFailsWithItsReason) {
+  system_.script[node(0)] = {};
+  {
+    const test::NoThreads none;
+    makeProvider();
+    EXPECT_EQ(names().size(), 1U) << "choosing it tells why";
+    EXPECT_EQ(openError(idOf(0)), "The system gives no thread: Resource temporarily unavailable");
+  }
+  EXPECT_EQ(openError(idOf(0)), "");
 }
 
 TEST_F(V4l2Test, AsksForTheSizeAndTheRateThatTheDriverOffers) {
