@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/Log.h"
+#include "linux/AnswerWatch.h"
 #include "linux/camera/CameraCenter.h"
 #include "linux/files/Autostart.h"
 #include "linux/files/PreferencesFile.h"
@@ -61,6 +62,11 @@ struct Desktop::Parts {
 
 namespace {
 
+auto awaiting(const char* whom, const auto& question) {
+  const AnswerWatch watch(whom);
+  return question();
+}
+
 bool mayGoOn(session::SingleInstance& instance, int& exitStatus) {
   switch (instance.claim()) {
     case session::SingleInstance::Role::First:
@@ -68,7 +74,8 @@ bool mayGoOn(session::SingleInstance& instance, int& exitStatus) {
     case session::SingleInstance::Role::Second:
       return false;
     case session::SingleInstance::Role::WithoutBus:
-      Log::warning("Vistrel finds no session bus: starting it twice makes two of it");
+      Log::warning("Vistrel finds no session bus, so that starting it twice makes two of it: " +
+                   instance.busError());
       return true;
     case session::SingleInstance::Role::Unanswered:
       Log::warning("Vistrel runs already and does not answer: end that process and start it again");
@@ -84,13 +91,13 @@ std::unique_ptr<Desktop> Desktop::open(int& argumentCount, char** arguments, int
   files::holdStandardStreams();
   Log::setWriter(files::writeLogLine);
   auto hostMessages = std::make_unique<tray::HostMessages>();
-  auto application = qt::makeApplication(argumentCount, arguments);
+  auto application = awaiting("the X server", [&] { return qt::makeApplication(argumentCount, arguments); });
   if (!application) {
     Log::warning(application.error().message);
     exitStatus = 1;
     return nullptr;
   }
-  auto instance = std::make_unique<session::SingleInstance>();
+  auto instance = awaiting("the session bus", [] { return std::make_unique<session::SingleInstance>(); });
   exitStatus = 0;
   if (!mayGoOn(*instance, exitStatus)) return nullptr;
   auto parts =

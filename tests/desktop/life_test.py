@@ -4,6 +4,7 @@ import os
 import pathlib
 import shlex
 import signal
+import socket
 import subprocess
 import unittest
 
@@ -58,6 +59,20 @@ class LifeTest(DesktopTest):
         self.assertEqual(process.wait(), 1)
         self.assertEqual(len(process.errors), 1, process.errors)
         self.assertEqual(process.lines, [])
+
+    def test_who_never_answers_is_said(self):
+        display = 10000 + os.getpid() % 50000  # no server has such a number
+        path = f"/tmp/.X11-unix/X{display}"
+        server = socket.socket(socket.AF_UNIX)
+        self.addCleanup(server.close)
+        self.addCleanup(os.unlink, path)
+        server.bind(path)
+        server.listen()
+        for variable, value, whom in (("DISPLAY", f":{display}", "X server"),
+                                      ("DBUS_SESSION_BUS_ADDRESS", f"unix:path={path}", "session bus")):
+            process = self.desktop.start([self.desktop.programs / "vistrel"], {variable: value})
+            process.wait_line(f"vistrel: the {whom} does not answer", errors=True)
+            process.signal(signal.SIGKILL)
 
     def test_without_a_session_bus_it_says_so_once_and_runs(self):
         self.desktop.camera()

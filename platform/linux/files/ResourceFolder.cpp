@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "base/Log.h"
 #include "linux/files/FileTools.h"
 
 namespace vistrel::files {
@@ -19,7 +20,9 @@ ResourceFolder::ResourceFolder() {
 
 std::optional<std::string> ResourceFolder::read(const std::string& path) const {
   const auto content = readFile(path);
-  return content ? content.value() : std::nullopt;
+  if (content) return content.value();
+  Log::warning("vistrel: a part of the program cannot be read: " + content.error().message);
+  return std::nullopt;
 }
 
 bool ResourceFolder::isDirectory(const std::string& path) const {

@@ -5,6 +5,9 @@
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QSocketNotifier>
+#include <cerrno>
+#include <cstring>
+#include <string>
 #include <utility>
 
 #include "base/Log.h"
@@ -25,7 +28,8 @@ class QtTimer final : public backend::Timer {
 }  // namespace
 
 QtMainLoop::QtMainLoop() : counter_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK | EFD_SEMAPHORE)) {
-  if (!counter_) fatalError("the main loop cannot have its event counter");
+  if (!counter_)
+    fatalError(std::string("the main loop cannot have its event counter: ") + std::strerror(errno));
   notifier_ = std::make_unique<QSocketNotifier>(counter_.get(), QSocketNotifier::Read);
   QObject::connect(notifier_.get(), &QSocketNotifier::activated, [this] { runNext(); });
 }

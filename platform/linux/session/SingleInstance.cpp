@@ -2,7 +2,6 @@
 
 #include <QCoreApplication>
 #include <QDBusConnectionInterface>
-#include <QDBusError>
 #include <QDBusMessage>
 #include <QVariantMap>
 #include <algorithm>

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDBusConnection>
+#include <QDBusError>
 #include <QDBusVirtualObject>
 #include <QElapsedTimer>
 #include <functional>
@@ -20,6 +21,8 @@ class SingleInstance final : public QDBusVirtualObject {
 
   /// Claims the name; as the second one, hands over to the first before it answers.
   [[nodiscard]] Role claim();
+  /// Why there is no session bus.
+  [[nodiscard]] std::string busError() const { return bus_.lastError().message().toStdString(); }
   /// Who is told that the program was started again; at once when it was while nobody was told.
   void setReopenHandler(std::function<void()> handler);
   /// Who is told of the actions of the desktop entry that somebody chose; at once of those chosen before.

@@ -3,7 +3,10 @@
 #include <sys/eventfd.h>
 
 #include <array>
+#include <cerrno>
 #include <csignal>
+#include <cstring>
+#include <string>
 #include <utility>
 
 #include "base/Log.h"
@@ -33,7 +36,7 @@ void handleSignals(void (*handler)(int)) {
 
 TerminationSignals::TerminationSignals(desktop::Reactor& reactor, std::function<void()> handler)
     : wakeUp_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
-  if (!wakeUp_) fatalError("there is no descriptor left for signals");
+  if (!wakeUp_) fatalError(std::string("signals cannot be heard: ") + std::strerror(errno));
   watch_ = reactor.watch(wakeUp_.get(), [fd = wakeUp_.get(), handler = std::move(handler)] {
     eventfd_t count = 0;
     if (::eventfd_read(fd, &count) == 0) handler();
