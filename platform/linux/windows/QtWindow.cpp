@@ -85,7 +85,7 @@ void QtWindow::show() {
     x11_.noteUserAction();
     shell_->show();
     if (hasChrome()) x11_.standAlone(*shell_->windowHandle());
-    mayBeMisplaced_ = window_.kind() == NSWindowKind::Popover;
+    mayBeMisplaced_ = window_.kind() == NSWindowKind::Popover && !x11_.isXWayland();
   }
   activate();
   firstResponderDidChange(dynamic_cast<NSView*>(window_.firstResponder()));
