@@ -127,10 +127,11 @@ class StalePointerTest(DesktopTest):
                         self.screen.wait_no_picture()
 
     def test_without_a_press_it_opens_where_the_icon_was_last_or_would_be(self):
-        self.desktop.camera()
+        self.camera = self.desktop.camera()
         self.screen.move((5, 400))
         since = len(self.watcher.lines)
         with self.start({"dismissPreference": 1}, environment={"WAYLAND_DISPLAY": "none"}, awaits_icon=False):
+            self.watcher.wait_line(lambda line: "RegisterStatusNotifierItem " in line, since)  # else it is no second one
             self.check_second_start("top", (1270, 0))
             panel = self.desktop.start(["xev", "-geometry", "1280x40+0+760"])  # it keeps no room for itself
             self.addCleanup(panel.end)
@@ -148,7 +149,7 @@ class StalePointerTest(DesktopTest):
         self.start_again()
         self.check_beside(self.screen.live_picture()["place"], edge, press, 1, covered)
         self.start_again()
-        self.screen.wait_no_picture()
+        self.wait_closed(self.camera)
 
     def check_beside(self, place, edge, press, scale, covered=0):
         x, y, width, height = place
