@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QEvent>
 #include <QVariantMap>
 #include <algorithm>
 #include <array>
@@ -71,7 +72,12 @@ SingleInstance::Role SingleInstance::claim() {
   // The bus may have started us for an `Activate`, which is this start and opens nothing. The bus delivers it
   // before it answers any further question. So after this question it is in our queue, and is dealt with
   // here; an `Activate` that comes later is another start.
-  (void)bus_.interface()->isServiceRegistered(program::kIdentifier);
+  // Where somebody looks at each message before it is handed on, it goes by way of the application and of the
+  // connection's thread: hence two questions.
+  for (int questions = 0; questions < 2; ++questions) {
+    (void)bus_.interface()->isServiceRegistered(program::kIdentifier);
+    QCoreApplication::sendPostedEvents(qApp, QEvent::MetaCall);
+  }
   QCoreApplication::sendPostedEvents(this);
   isClaimed_ = true;
   return Role::First;
