@@ -21,6 +21,7 @@
 #include "linux/session/Lid.h"
 #include "linux/session/QtSession.h"
 #include "linux/session/SingleInstance.h"
+#include "linux/session/SleepWatch.h"
 #include "linux/tray/HostMessages.h"
 #include "linux/tray/QtStatusArea.h"
 #include "linux/windows/QtWindowSystem.h"
@@ -58,6 +59,7 @@ struct Desktop::Parts {
   tray::QtStatusArea statusArea{session, x11, *hostMessages};
   session::Lid lid;
   camera::CameraCenter cameras{reactor};
+  session::SleepWatch sleep{[this](bool isAsleep) { cameras.setAsleep(isAsleep); }};
 };
 
 namespace {

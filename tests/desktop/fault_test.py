@@ -15,6 +15,7 @@ from tests.desktop.harness import FAILED, REFRESHED, SAVING, STARTED, DesktopTes
 ODD_NAMES = ("", "x" * 500, "Fish & Chips", "<b>bold</b>", "two\nlines", "מצלמה קדמית", "Cafe\u0301 _under_", "Twin", "Twin")
 ABOUT = 1  # in the menu, after the camera
 NEUTRAL = (0xD9, 0xDA, 0xDD)  # the glass without a picture, on a light desktop
+LOGIN_MANAGER = "org.freedesktop.login1.Manager"
 
 
 class CameraFaultTest(DesktopTest):
@@ -123,19 +124,26 @@ class CameraFaultTest(DesktopTest):
         listed = next(line for line in vistrel.lines if line.startswith(REFRESHED))
         self.assertEqual(re.findall(r"AVCaptureDevice: (.*?) \[", listed), ["In the lid", "Second", "Tenth", "Another"])
 
-    def test_behind_a_closed_lid_the_built_in_camera_is_not_listed(self):
-        name, path, mock = "org.freedesktop.login1", "/org/freedesktop/login1", "org.freedesktop.DBus.Mock"
-        manager, bus = name + ".Manager", self.desktop.bus
-        login = self.desktop.start(["/usr/bin/python3", "-m", "dbusmock", name, path, manager])
+    def start_logind(self):
+        """A scripted one on the session's bus. Gives the environment in which that is the system's too, and a way to
+        call its script."""
+        name, path = "org.freedesktop.login1", "/org/freedesktop/login1"
+        login = self.desktop.start(["/usr/bin/python3", "-m", "dbusmock", name, path, LOGIN_MANAGER])
         self.addCleanup(login.end)
-        wait_until(lambda: bus.has_owner(name), "the scripted logind")
+        wait_until(lambda: self.desktop.bus.has_owner(name), "the scripted logind")
+
+        def script(*call):
+            self.desktop.bus.call(name, path, "org.freedesktop.DBus.Mock", *call)
+        return {"DBUS_SYSTEM_BUS_ADDRESS": self.desktop.environment["DBUS_SESSION_BUS_ADDRESS"]}, script
+
+    def test_behind_a_closed_lid_the_built_in_camera_is_not_listed(self):
+        system, script = self.start_logind()
 
         def shut(is_closed, method="UpdateProperties"):
-            bus.call(name, path, mock, method, "(sa{sv})", manager, {"LidClosed": GLib.Variant("b", is_closed)})
+            script(method, "(sa{sv})", LOGIN_MANAGER, {"LidClosed": GLib.Variant("b", is_closed)})
         shut(True, "AddProperties")
         lid = self.desktop.camera(name="Lid", node="a", options=["--property", "api.libcamera.location=front"])
         dock = self.desktop.camera(name="Dock", node="b")
-        system = {"DBUS_SYSTEM_BUS_ADDRESS": self.desktop.environment["DBUS_SESSION_BUS_ADDRESS"]}
         vistrel = self.start(environment=system)
         for is_closed, shown in ((True, dock), (False, lid), (True, dock)):
             shut(is_closed)
@@ -146,6 +154,25 @@ class CameraFaultTest(DesktopTest):
             self.assertEqual(("Lid" in listed, "Dock" in listed), (not is_closed, True))
             vistrel.click()
             self.wait_closed(shown)
+
+    def test_the_camera_is_let_go_while_the_computer_sleeps(self):
+        system, script = self.start_logind()
+        vistrel = self.start(environment=system)
+        for offer in ("yuy2:1280x720@30", "mjpeg:1280x720@30"):
+            camera = self.desktop.camera(offers=[offer])
+            self.open(vistrel)
+            said = list(vistrel.lines)
+            for is_asleep in (True, False):
+                script("EmitSignal", "(sssav)", LOGIN_MANAGER, "PrepareForSleep", "b",
+                       [GLib.Variant("b", is_asleep)])
+                if is_asleep:
+                    self.wait_closed(camera)
+                    self.assertTrue(vistrel.windows())
+            self.screen.live_picture()
+            self.assertEqual(vistrel.lines, said)
+            vistrel.click()
+            self.wait_closed(camera)
+            self.desktop.unplug_all()
 
     def test_a_renamed_camera_is_listed_by_its_new_name(self):
         camera = self.desktop.camera()

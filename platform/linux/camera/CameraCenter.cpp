@@ -64,8 +64,15 @@ std::vector<backend::CameraDevice> CameraCenter::devices() {
 Result<std::unique_ptr<backend::CameraStream>> CameraCenter::open(const std::string& id) {
   auto device = provider_->open(id);
   if (!device) return device.error();
-  return std::unique_ptr<backend::CameraStream>(
-      std::make_unique<CaptureStream>(reactor_, std::move(device).value()));
+  auto stream = std::make_unique<CaptureStream>(reactor_, std::move(device).value());
+  std::erase_if(streams_, [](const auto& handle) { return handle.expired(); });
+  streams_.push_back(stream->handle());
+  return std::unique_ptr<backend::CameraStream>(std::move(stream));
+}
+
+void CameraCenter::setAsleep(bool isAsleep) {
+  for (const auto& handle : streams_)
+    if (const auto stream = handle.lock(); stream && *stream) (*stream)->setAsleep(isAsleep);
 }
 
 void CameraCenter::connect(int attempts) {

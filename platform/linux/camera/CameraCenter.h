@@ -13,6 +13,8 @@
 
 namespace vistrel::camera {
 
+class CaptureStream;
+
 /// The order of the list: what is built in first, then by where it is attached.
 [[nodiscard]] bool isListedBefore(const CameraEntry& a, const CameraEntry& b);
 
@@ -27,6 +29,9 @@ class CameraCenter final : public backend::Cameras {
   /// Answers whether the lid is closed, behind which a built-in camera sees nothing.
   void setLidQuestion(std::function<bool()> question) { isLidClosed_ = std::move(question); }
 
+  /// Every stream lets go of its camera while the computer sleeps, and goes on by itself afterwards.
+  void setAsleep(bool isAsleep);
+
   [[nodiscard]] std::vector<backend::CameraDevice> devices() override;
   Result<std::unique_ptr<backend::CameraStream>> open(const std::string& id) override;
 
@@ -37,6 +42,7 @@ class CameraCenter final : public backend::Cameras {
 
   desktop::Reactor& reactor_;
   std::function<bool()> isLidClosed_;
+  std::vector<std::weak_ptr<CaptureStream*>> streams_;
   std::shared_ptr<PipeWireGraph> graph_;
   std::unique_ptr<CameraProvider> provider_;
   std::unique_ptr<FileWatch> daemonWatch_;

@@ -28,10 +28,15 @@ bool CaptureStream::supports(PixelSize size) const { return supportsSize(device_
 void CaptureStream::begin(std::optional<PixelSize> size, backend::CameraStreamClient& client) {
   stop();
   client_ = &client;
-  lastFrame_ = std::chrono::steady_clock::now();
+  isStarted_ = false;
   mode_ = size ? chooseMode(device_->modes(), *size) : chooseMode(device_->modes());
   if (!mode_) return failLater({"The camera offers no picture format that can be shown."});
+  run();
+}
+
+void CaptureStream::run() {
   if (auto ready = prepareDecoder(); !ready) return mode_.reset(), failLater(ready.error());
+  lastFrame_ = std::chrono::steady_clock::now();
   showing_ = Showing::WaitingForGoodFrame;
   device_->begin(*mode_, *this);
 }
@@ -45,7 +50,9 @@ Result<void> CaptureStream::prepareDecoder() {
 }
 
 backend::StreamStart CaptureStream::awaitStart(std::chrono::milliseconds patience) {
-  return mode_ ? device_->awaitStart(patience) : backend::StreamStart::Failed;
+  const auto start = mode_ ? device_->awaitStart(patience) : backend::StreamStart::Failed;
+  isStarted_ = start == backend::StreamStart::Running;
+  return start;
 }
 
 // The decoder gives up while the device stops, so that their times do not add up.
@@ -57,6 +64,7 @@ void CaptureStream::stop() {
 }
 
 std::chrono::milliseconds CaptureStream::silence() const {
+  if (isAsleep_) return {};
   const auto silence = std::chrono::steady_clock::now() - lastFrame_;
   return std::chrono::duration_cast<std::chrono::milliseconds>(silence);
 }
@@ -64,6 +72,19 @@ std::chrono::milliseconds CaptureStream::silence() const {
 void CaptureStream::clearPicture() {
   if (showing_ == Showing::Picture) showing_ = Showing::WaitingForGoodFrame;
   hasUnpaintedPicture_ = false;
+  tellGlass();
+}
+
+void CaptureStream::setAsleep(bool isAsleep) {
+  if (!mode_ || isAsleep == isAsleep_) return;
+  isAsleep_ = isAsleep;
+  if (!isAsleep) return run();
+  if (decoder_) decoder_->callOff();
+  device_->stop();
+  const auto mode = mode_;
+  reset();
+  mode_ = mode;
+  isAsleep_ = true;
   tellGlass();
 }
 
@@ -90,7 +111,9 @@ bool CaptureStream::paint(const GlassTarget& target) {
   return picture.has_value();
 }
 
-void CaptureStream::captureStarted() { client_->streamDidStart(); }
+void CaptureStream::captureStarted() {
+  if (!std::exchange(isStarted_, true)) client_->streamDidStart();
+}
 
 // Only what can be shown is a sign of life.
 void CaptureStream::frameArrived() {
@@ -156,7 +179,7 @@ void CaptureStream::offerPicture() {
 
 void CaptureStream::tellGlass() {
   if (!handler_ || isGlassTold_) return;
-  isGlassTold_ = true;
+  isGlassTold_ = showing_ == Showing::Picture;  // of an empty glass nothing is painted
   handler_();
 }
 
@@ -183,6 +206,7 @@ void CaptureStream::failLater(Error error) {
 void CaptureStream::reset() {
   decoder_.reset();
   mode_.reset();
+  isAsleep_ = false;
   showing_ = Showing::Nothing;
   firstFrame_.reset();
   hasUnusableFrames_ = false;

@@ -28,6 +28,12 @@ class CaptureStream final : public backend::CameraStream, public GlassSource, pr
   [[nodiscard]] bool sendsUnusableFrames() const override { return hasUnusableFrames_; }
   void clearPicture() override;
 
+  /// Lets go of the device while the computer sleeps, and takes it again afterwards. The client hears nothing
+  /// of it, but if the device fails then.
+  void setAsleep(bool isAsleep);
+  /// Points to the stream as long as there is one.
+  [[nodiscard]] std::weak_ptr<CaptureStream*> handle() const { return self_; }
+
   [[nodiscard]] PixelSize pictureSize() const override;
   void setGlassSize(PixelSize size) override;
   void setPictureHandler(std::function<void()> handler) override;
@@ -41,6 +47,7 @@ class CaptureStream final : public backend::CameraStream, public GlassSource, pr
   void unusableFrameArrived() override { hasUnusableFrames_ = true; }
   void captureFailed(const Error& error) override;
 
+  void run();
   Result<void> prepareDecoder();
   void noteUsable();
   void decodeNewest();
@@ -66,6 +73,8 @@ class CaptureStream final : public backend::CameraStream, public GlassSource, pr
   std::optional<std::chrono::steady_clock::time_point> firstFrame_;
   std::function<void()> handler_;
   bool isGlassTold_ = false;
+  bool isStarted_ = false;
+  bool isAsleep_ = false;
   PixelSize glass_;
   PictureConverter converter_;
 

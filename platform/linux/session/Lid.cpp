@@ -7,13 +7,12 @@
 #include <fstream>
 #include <string>
 
+#include "linux/session/Logind.h"
+
 namespace vistrel::session {
 
 namespace {
 
-constexpr const char* kLogin = "org.freedesktop.login1";
-constexpr const char* kLoginPath = "/org/freedesktop/login1";
-constexpr const char* kManager = "org.freedesktop.login1.Manager";
 // In milliseconds. The mirror opens meanwhile; logind answers within one.
 constexpr int kPatience = 50;
 
@@ -23,9 +22,9 @@ constexpr int kPatience = 50;
 bool Lid::isClosed() const {
   const auto bus = QDBusConnection::systemBus();
   if (!bus.isConnected()) return isClosedByKernel();
-  auto question =
-      QDBusMessage::createMethodCall(kLogin, kLoginPath, "org.freedesktop.DBus.Properties", "Get");
-  question << kManager << "LidClosed";
+  auto question = QDBusMessage::createMethodCall(logind::kService, logind::kPath,
+                                                 "org.freedesktop.DBus.Properties", "Get");
+  question << logind::kManager << "LidClosed";
   question.setAutoStartService(false);
   const QDBusReply<QVariant> answer = bus.call(question, QDBus::Block, kPatience);
   return answer.isValid() ? answer.value().toBool() : isClosedByKernel();
