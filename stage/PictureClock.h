@@ -15,8 +15,8 @@ namespace vistrel::stage {
 ///     | clock row 1: CLOCK_MONOTONIC in ms    |   light is 1: guard 1011, 28 bits, CRC-8.
 ///     +---------------------------------------+
 ///
-/// Values are modulo 2^28 (the clock wraps after three days). A picture is read only when both rows agree on
-/// the way round.
+/// The clock can be a strip instead, each row a thirtieth. Values are modulo 2^28 (the clock wraps after
+/// three days). A picture is read only when both rows agree on the way round.
 namespace clock {
 
 inline constexpr int kCells = 40;
@@ -27,6 +27,7 @@ inline constexpr std::uint32_t kGuard = 0b1011;
 inline constexpr std::uint32_t kMask = (1U << kValueCells) - 1;
 inline constexpr int kRows = 2;
 inline constexpr int kRowsPerPicture = 12;
+inline constexpr int kStripRowsPerPicture = 30;
 
 /// The checksum over the four bytes of `value`: polynomial 0x07, start 0xa5.
 constexpr std::uint32_t checksum(std::uint32_t value) {
@@ -56,7 +57,9 @@ constexpr int difference(std::uint32_t later, std::uint32_t earlier) {
 }
 
 /// The first line of a clock row in a picture of `height` lines; row 2 is the end of the picture.
-constexpr int rowTop(int height, int row) { return height - (kRows - row) * (height / kRowsPerPicture); }
+constexpr int rowTop(int height, int row, int rowsPerPicture = kRowsPerPicture) {
+  return height - (kRows - row) * (height / rowsPerPicture);
+}
 
 struct Reading {
   std::uint32_t counter = 0;

@@ -78,5 +78,6 @@ class Screen:
     def wait_no_picture(self):
         wait_until(lambda: self.ask("find")["place"] is None, "the end of the picture")
 
-    def save(self, path):
-        self.ask("shot", path)
+    def save(self, path, place=()):
+        """The whole screen, or the part at `place`."""
+        self.ask("shot", path, *place)

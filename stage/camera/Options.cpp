@@ -87,6 +87,8 @@ bool canBeContinuous(const Options& options) {
 bool takeFlag(Options& options, std::string_view option) {
   if (option == "--rich") {
     options.picture = Picture::Rich;
+  } else if (option == "--person") {
+    options.picture = Picture::Person;
   } else if (option == "--refuse") {
     options.manner = Manner::Refusing;
   } else if (option == "--silent") {

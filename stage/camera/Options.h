@@ -20,7 +20,7 @@ struct Offer {
   std::vector<int> rates;
 };
 
-enum class Picture { Plain, Rich };
+enum class Picture { Plain, Rich, Person };
 enum class Manner { Willing, Refusing, Silent };
 
 struct Options {
@@ -39,9 +39,11 @@ struct Options {
 
   static constexpr const char* kUsage =
       "usage: vistrel-testcam [--name TEXT] [--node NAME] [--offer FORMAT:WIDTHxHEIGHT@RATE[/RATE...]]...\n"
-      "                       [--property KEY=VALUE]... [--quality N] [--black FRAMES] [--rich] [--refuse]\n"
+      "                       [--property KEY=VALUE]... [--quality N] [--black FRAMES] [--rich] [--person] "
+      "[--refuse]\n"
       "                       [--silent] [--memory KIND] [--transform TURN] [--continuous] [--obey]\n"
       "FORMAT: mjpeg yuy2 uyvy nv12 i420 yv12 rgb bgr rgbx bgrx.  --rich: detail, 1 to 2 MB at 4K MJPEG.\n"
+      "--person: somebody to look at, with the clock as a thin strip.\n"
       "KIND: dmabuf sealed unsealed short shrinking: the camera allocates its buffers, and how far they can "
       "be "
       "trusted.\n"

@@ -6,6 +6,7 @@
 
 #include "stage/PictureClock.h"
 #include "stage/camera/Jpeg.h"
+#include "stage/camera/PersonPicture.h"
 
 namespace vistrel::stage {
 namespace {
@@ -20,7 +21,14 @@ constexpr int kBlock = 8;
 constexpr int kJpegUnit = 16;  // columns
 constexpr int kRoughness = 26;
 
-void drawBody(RawPicture& picture, int bottom, int phase, const Options& options) {
+int clockTop(int height, int row, const Options& options) {
+  const bool isStrip = options.picture == Picture::Person;
+  return clock::rowTop(height, row, isStrip ? clock::kStripRowsPerPicture : clock::kRowsPerPicture);
+}
+
+void drawBody(RawPicture& picture, int phase, const Options& options) {
+  const int bottom = clockTop(picture.height(), 0, options);
+  if (options.picture == Picture::Person) return drawPerson(picture, bottom);
   const int width = picture.width();
   picture.fill({0, 0, width / 2, bottom}, kRed);
   picture.fill({width / 2, 0, width, bottom}, kBlue);
@@ -44,11 +52,11 @@ void drawClockRow(RawPicture& picture, int top, int bottom, std::uint32_t value)
 class RawSource : public PictureSource {
  public:
   RawSource(const Offer& offer, const Options& options)
-      : black_(*offer.raw, offer.width, offer.height, options.transform) {
+      : options_(options), black_(*offer.raw, offer.width, offer.height, options.transform) {
     black_.fill({0, 0, black_.width(), black_.height()}, kBlack);
     for (int phase = 0; phase < kPhases; ++phase) {
       phases_.emplace_back(*offer.raw, offer.width, offer.height, options.transform);
-      drawBody(phases_.back(), clock::rowTop(black_.height(), 0), phase, options);
+      drawBody(phases_.back(), phase, options);
     }
   }
 
@@ -60,8 +68,9 @@ class RawSource : public PictureSource {
     RawPicture& picture = look == Look::Black ? black_ : phases_[counter % kPhases];
     if (look != Look::Black) {
       const int height = picture.height();
-      drawClockRow(picture, clock::rowTop(height, 0), clock::rowTop(height, 1), counter);
-      drawClockRow(picture, clock::rowTop(height, 1), height, milliseconds);
+      const int second = clockTop(height, 1, options_);
+      drawClockRow(picture, clockTop(height, 0, options_), second, counter);
+      drawClockRow(picture, second, height, milliseconds);
     }
     const auto bytes = picture.bytes();
     if (bytes.size() > target.size()) return 0;
@@ -70,6 +79,7 @@ class RawSource : public PictureSource {
   }
 
  private:
+  Options options_;
   RawPicture black_;
   std::vector<RawPicture> phases_;
 };
@@ -81,10 +91,12 @@ class JpegSource : public PictureSource {
         height_(offer.height),
         quality_(options.quality),
         isContinuous_(options.isContinuous),
+        firstClockLine_(clockTop(height_, 0, options)),
+        secondClockLine_(clockTop(height_, 1, options)),
         clockRow_(PixelFormat::I422Full, width_, kBlock) {
     RawPicture picture(PixelFormat::I422Full, width_, height_);
     for (int phase = 0; phase < kPhases; ++phase) {
-      drawBody(picture, clock::rowTop(height_, 0), phase, options);
+      drawBody(picture, phase, options);
       phases_.push_back(encode(picture));
     }
     picture.fill({0, 0, width_, height_}, kBlack);
@@ -118,8 +130,8 @@ class JpegSource : public PictureSource {
     const JpegPieces& body = phases_[counter % kPhases];
     const Bytes first = clockPiece(counter);
     const Bytes second = clockPiece(milliseconds);
-    const int firstRow = clock::rowTop(height_, 0) / kBlock;
-    const int secondRow = clock::rowTop(height_, 1) / kBlock;
+    const int firstRow = firstClockLine_ / kBlock;
+    const int secondRow = secondClockLine_ / kBlock;
     return body.join(height_ / kBlock, [&](int row) -> const Bytes& {
       if (row < firstRow) return body.pieces[row];
       return row < secondRow ? first : second;
@@ -154,6 +166,8 @@ class JpegSource : public PictureSource {
   int height_;
   int quality_;
   bool isContinuous_;
+  int firstClockLine_;
+  int secondClockLine_;
   RawPicture clockRow_;
   std::vector<JpegPieces> phases_;
   JpegPieces black_;

@@ -92,8 +92,9 @@ void Commands::addKeyboard() {
 }
 
 void Commands::addSight() {
-  commands_["shot"] = [this](const Words& a) {
-    return require(writePng(screen_.capture(screen_.whole()), a.at(0)), "cannot write the picture");
+  commands_["shot"] = [this](const Words& a) {  // FILE [X Y WIDTH HEIGHT]
+    const Rectangle part = a.size() > 1 ? rectangleFrom(a, 1) : screen_.whole();
+    return require(writePng(screen_.capture(part), a.at(0)), "cannot write the picture");
   };
   commands_["pixel"] = [this](const Words& a) -> Json {
     const Image image = screen_.capture({number(a, 0), number(a, 1), 1, 1});

@@ -71,9 +71,8 @@ int clockBottom(const Image& image, Rectangle guess, bool isMirrored) {
   return std::abs(y - expected) > kDoubt ? expected : y;
 }
 
-/// The picture whose body is given: the clock takes the lower sixth. The edges are a pixel soft.
-std::optional<Rectangle> wholePicture(const Image& image, const Run& run, int top, int bottom) {
-  const int height = (bottom - top) * clock::kRowsPerPicture / (clock::kRowsPerPicture - clock::kRows);
+/// The picture that begins at `top` and has about that height. The edges are a pixel soft.
+std::optional<Rectangle> pictureAt(const Image& image, const Run& run, int top, int height) {
   for (const int taller : {0, 1, -1, 2, -2, 3, -3, 4, -4}) {
     for (const int inset : {0, 1, -1}) {
       const Rectangle place{run.start + inset, top, run.length() - 2 * inset, height + taller};
@@ -83,6 +82,17 @@ std::optional<Rectangle> wholePicture(const Image& image, const Run& run, int to
     }
   }
   return std::nullopt;
+}
+
+/// The picture whose body is given, above the clock; of one with a strip for a clock the lower part, in which
+/// the strip is as high as the clock is elsewhere.
+std::optional<Rectangle> wholePicture(const Image& image, const Run& run, int top, int bottom) {
+  constexpr int kAll = clock::kRowsPerPicture;
+  constexpr int kStrip = clock::kStripRowsPerPicture;
+  const int body = bottom - top;
+  if (const auto place = pictureAt(image, run, top, body * kAll / (kAll - clock::kRows))) return place;
+  const int part = body * kAll / (kStrip - clock::kRows);
+  return pictureAt(image, run, bottom - part * (kAll - clock::kRows) / kAll, part);
 }
 
 }  // namespace
