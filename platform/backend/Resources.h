@@ -16,8 +16,8 @@ class Resources {
   /// Content of the file at an absolute path; nothing when it cannot be read.
   [[nodiscard]] virtual std::optional<std::string> read(const std::string& path) const = 0;
   [[nodiscard]] virtual bool isDirectory(const std::string& path) const = 0;
-  /// The user's languages, most wanted first, as in "de_DE", "de" (POSIX locale without codeset).
-  [[nodiscard]] virtual std::string preferredLanguage() const = 0;
+  /// The text in the user's language (UTF-8); `text` itself where there is no translation.
+  [[nodiscard]] virtual std::string translation(const std::string& text) const = 0;
 };
 
 }  // namespace vistrel::backend

@@ -12,9 +12,16 @@ namespace {
 
 std::string parentFolder(const std::string& path) { return path.substr(0, path.find_last_of('/')); }
 
-std::optional<json::Value> readJson(const std::string& path) {
+// The members of a JSON object that are texts; empty when it cannot be read.
+std::map<std::string, std::string> readTexts(const std::string& path) {
+  std::map<std::string, std::string> result;
   const auto bytes = backend::current().resources().read(path);
-  return bytes ? json::parse(*bytes) : std::nullopt;
+  const auto value = bytes ? json::parse(*bytes) : std::nullopt;
+  if (!value || !value->object()) return result;
+  for (const auto& [key, member] : *value->object()) {
+    if (const auto* text = member.text()) result[key] = *text;
+  }
+  return result;
 }
 
 }  // namespace
@@ -48,29 +55,15 @@ std::optional<std::string> Bundle::resource(const std::string& name) const {
 }
 
 std::map<std::string, std::string> Bundle::infoDictionary() const {
-  std::map<std::string, std::string> result;
-  const auto info = readJson(resourcePath_ + "/Info.json");
-  if (!info || !info->object()) return result;
-  for (const auto& [key, value] : *info->object()) {
-    if (const auto* text = value.text()) result[key] = *text;
-  }
-  return result;
-}
-
-std::optional<std::string> Bundle::lookUp(const std::string& language, const std::string& key) const {
-  const auto table = readJson(resourcePath_ + "/" + language + ".lproj/Localizable.json");
-  const auto* entry = table ? table->member(key) : nullptr;
-  const auto* text = entry ? entry->text() : nullptr;
-  return text ? std::optional(*text) : std::nullopt;
+  return readTexts(resourcePath_ + "/Info.json");
 }
 
 std::string Bundle::localizedString(const std::string& key) const {
-  const std::string wanted = backend::current().resources().preferredLanguage();
-  for (const auto& language : {wanted, wanted.substr(0, wanted.find('_')), std::string("en")}) {
-    if (language.empty()) continue;
-    if (const auto text = lookUp(language, key)) return *text;
-  }
-  return key;
+  auto translated = backend::current().resources().translation(key);
+  if (translated != key) return translated;
+  if (!englishTexts_) englishTexts_ = readTexts(resourcePath_ + "/en.lproj/Localizable.json");
+  const auto found = englishTexts_->find(key);
+  return found == englishTexts_->end() ? key : found->second;
 }
 
 }  // namespace vistrel

@@ -23,15 +23,15 @@ class Bundle {
   [[nodiscard]] std::map<std::string, std::string> infoDictionary() const;
   /// The content of a resource; none when it is missing.
   [[nodiscard]] std::optional<std::string> resource(const std::string& name) const;
-  /// The text under `key` in the default string table ("LANGUAGE.lproj/Localizable.json") of the user's
-  /// language, else of English, else the key itself.
+  /// The text for `key`: in the user's language by the backend, else in English by the bundle's string table
+  /// ("en.lproj/Localizable.json", read once), else the key itself.
   [[nodiscard]] std::string localizedString(const std::string& key) const;
 
  private:
   Bundle(std::string bundlePath, std::string resourcePath);
-  [[nodiscard]] std::optional<std::string> lookUp(const std::string& language, const std::string& key) const;
   std::string bundlePath_;
   std::string resourcePath_;
+  mutable std::optional<std::map<std::string, std::string>> englishTexts_;
 };
 
 }  // namespace vistrel

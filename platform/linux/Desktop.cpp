@@ -35,6 +35,8 @@ struct Desktop::Parts {
   Parts(std::unique_ptr<tray::HostMessages> messages, std::unique_ptr<QApplication> app,
         std::unique_ptr<session::SingleInstance> one)
       : hostMessages(std::move(messages)), application(std::move(app)), instance(std::move(one)) {
+    // TRANSLATORS: "RTL" for a language that is written from right to left, else "LTR".
+    if (resources.translation("LTR") == "RTL") QApplication::setLayoutDirection(Qt::RightToLeft);
     session.setTrayQuestion([this] { return statusArea.hasTray(); });
     cameras.setLidQuestion([this] { return lid.isClosed(); });
     session.setScreenHandler([this] { statusArea.forgetIconFrame(); });

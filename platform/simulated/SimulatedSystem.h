@@ -30,11 +30,14 @@ class SimulatedResources final : public backend::Resources {
   [[nodiscard]] std::string executablePath() const override { return directory_ + "/../vistrel"; }
   [[nodiscard]] std::optional<std::string> read(const std::string& path) const override;
   [[nodiscard]] bool isDirectory(const std::string& path) const override;
-  [[nodiscard]] std::string preferredLanguage() const override { return language; }
+  [[nodiscard]] std::string translation(const std::string& text) const override {
+    const auto found = translations.find(text);
+    return found == translations.end() ? text : found->second;
+  }
 
   /// By path below the resource folder; an empty optional hides a real file.
   std::map<std::string, std::optional<std::string>> overrides;
-  std::string language;
+  std::map<std::string, std::string> translations;
 
  private:
   std::string directory_;

@@ -1,7 +1,11 @@
 """The Preferences and About windows."""
 
+import re
+import shutil
+import subprocess
 import unittest
 
+from stage.desktop import ROOT
 from stage.processes import wait_until
 from stage.program import centre, inside
 from tests.desktop.harness import SIZES
@@ -91,8 +95,10 @@ class PreferencesTest(SettingsTest):
         self.addCleanup(fonts.unlink)
         large = {"XDG_CURRENT_DESKTOP": "KDE", "KDE_FULL_SESSION": "true", "KDE_SESSION_VERSION": "5"}
         reversed_ = ["sh", "-c", 'exec "$0" -reverse']
+        self.make_pseudo_language()
         for options in ({}, {"environment": {"QT_SCALE_FACTOR": "1.5"}}, {"environment": large},
-                        {"environment": large, "prefix": reversed_}):
+                        {"environment": large, "prefix": reversed_}, {"environment": {"LANGUAGE": "de"}},
+                        {"environment": {"LANGUAGE": "pseudo"}}):
             with self.subTest(**options), self.start(**options) as vistrel:
                 for title in ROWS:
                     self.open_window(vistrel, title)
@@ -107,6 +113,27 @@ class PreferencesTest(SettingsTest):
                                        and self.overlap(one["place"], other["place"])]
                         self.assertEqual(overlapping, [], one["name"])
                     self.close_window(title)
+
+    def make_pseudo_language(self):
+        """Every text longer and with accents, from right to left."""
+        folder = self.desktop.programs / "locale" / "pseudo" / "LC_MESSAGES"
+        folder.mkdir(parents=True, exist_ok=True)
+        self.addCleanup(shutil.rmtree, folder.parent)
+        texts = re.findall(r'^msgid "(.+)"$', (ROOT / "po" / "vistrel.pot").read_text(), re.MULTILINE)
+        translations = {text: "RTL" if text == "LTR" else f"«{text.replace('e', 'é')}··»" for text in texts}
+        source = 'msgid ""\nmsgstr "Content-Type: text/plain; charset=UTF-8\\n"\n' + "".join(
+            f'msgid "{text}"\nmsgstr "{translation}"\n' for text, translation in translations.items())
+        subprocess.run(["msgfmt", "-", "-o", folder / "vistrel.mo"], input=source, text=True, check=True)
+
+    def test_it_speaks_the_users_language_in_its_direction(self):
+        self.make_pseudo_language()
+        for language, words, is_reversed in (("de:en", "Bild spiegeln", False), ("pseudo", "«Mirror vidéo··»", True),
+                                             ("xx", "Mirror video", False)):
+            with self.subTest(language), self.start(environment={"LANGUAGE": language}) as vistrel:
+                x, _y, width, _height = self.open_window(vistrel, "Preferences")
+                box = self.find(vistrel, words, "check box")["place"]
+                self.assertEqual(centre(box)[0] > x + width / 2, is_reversed)
+                self.screen.save(ROOT / "build" / "desktop" / f"preferences-{language[:2]}.png")
 
     @staticmethod
     def overlap(a, b):

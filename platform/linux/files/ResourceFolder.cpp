@@ -1,5 +1,7 @@
 #include "linux/files/ResourceFolder.h"
 
+#include <libintl.h>
+
 #include <filesystem>
 
 #include "base/Log.h"
@@ -9,13 +11,21 @@ namespace vistrel::files {
 
 namespace fs = std::filesystem;
 
+namespace {
+constexpr const char* kCatalogue = "vistrel";
+}  // namespace
+
 ResourceFolder::ResourceFolder() {
   std::error_code error;
   const fs::path executable = fs::read_symlink("/proc/self/exe", error);
   executable_ = executable.string();
   const fs::path beside = executable.parent_path() / "resources";
   const fs::path installed = executable.parent_path().parent_path() / "share" / "vistrel";
-  directory_ = (fs::is_directory(beside, error) ? beside : installed).string();
+  const bool isInstalled = !fs::is_directory(beside, error);
+  directory_ = (isInstalled ? installed : beside).string();
+  const fs::path catalogues = (isInstalled ? installed.parent_path() : executable.parent_path()) / "locale";
+  bindtextdomain(kCatalogue, catalogues.c_str());
+  bind_textdomain_codeset(kCatalogue, "UTF-8");
 }
 
 std::optional<std::string> ResourceFolder::read(const std::string& path) const {
@@ -30,14 +40,9 @@ bool ResourceFolder::isDirectory(const std::string& path) const {
   return fs::is_directory(path, error);
 }
 
-std::string ResourceFolder::preferredLanguage() const {
-  for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
-    const std::string value = environment(name);
-    if (value.empty()) continue;
-    const std::string language = value.substr(0, value.find_first_of(".@"));
-    return language == "C" || language == "POSIX" ? "" : language;
-  }
-  return "";
+std::string ResourceFolder::translation(const std::string& text) const {
+  // The empty text stands for the catalogue's own head.
+  return text.empty() ? text : dgettext(kCatalogue, text.c_str());
 }
 
 }  // namespace vistrel::files

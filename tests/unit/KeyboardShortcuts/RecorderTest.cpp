@@ -259,13 +259,11 @@ TEST_F(RecorderTest, ShowsTheShortcutOfItsName) {
 }
 
 TEST_F(RecorderTest, SpeaksTheUsersLanguage) {
-  const std::string table = "KeyboardShortcuts_KeyboardShortcuts.bundle/de.lproj/Localizable.json";
-  desktop.resourceFolder.overrides[table] = R"({"record_shortcut": "Kürzel aufnehmen"})";
-  desktop.resourceFolder.language = "de_DE";
+  desktop.resourceFolder.translations["record_shortcut"] = "Kürzel aufnehmen";
   const auto german = std::make_shared<RecorderCocoa>(name);
   EXPECT_EQ(german->placeholderString(), "Kürzel aufnehmen");
   german->becomeFirstResponder();
-  EXPECT_EQ(german->placeholderString(), kListening) << "English where the table has no entry";
+  EXPECT_EQ(german->placeholderString(), kListening) << "English where there is no translation";
   EXPECT_EQ(resourceBundle().localizedString("unknown_key"), "unknown_key");
 }
 
