@@ -1,5 +1,6 @@
 #include "app/AppDelegate.h"
 
+#include <any>
 #include <utility>
 
 #include "KeyboardShortcuts/KeyboardShortcuts.h"
@@ -9,6 +10,7 @@
 #include "app/PreferenceKeys.h"
 #include "appkit/NSStatusBar.h"
 #include "base/Log.h"
+#include "base/Program.h"
 #include "foundation/ProcessInfo.h"
 
 namespace vistrel {
@@ -53,6 +55,15 @@ void AppDelegate::observeChanges() {
         popover_->performClose(nullptr);
       },
       NotificationCenter::Queue::Main);
+  emptinessObserver_ = center.addObserver(notification::emptinessChanged(), nullptr,
+                                          [this](const Notification& change) { tellWhyEmpty(change); });
+}
+
+// Who started from a menu sees no standard output.
+void AppDelegate::tellWhyEmpty(const Notification& change) {
+  const auto reason = std::any_cast<std::string>(change.userInfo.at(notification::kReasonKey));
+  const std::string name = program::kName;
+  statusBarItem_->button()->setToolTip(reason.empty() ? name : name + ": " + reason);
 }
 
 void AppDelegate::attachShortcut() {
@@ -96,6 +107,7 @@ void AppDelegate::applicationWillResignActive() {
 void AppDelegate::applicationWillTerminate() {
   dataObserver_.remove();
   displayObserver_.remove();
+  emptinessObserver_.remove();
 }
 
 void AppDelegate::setUpStatusItem() {

@@ -41,6 +41,7 @@ class AppDelegate final : public NSObject, public NSApplicationDelegate, public 
 
  private:
   void observeChanges();
+  void tellWhyEmpty(const Notification& change);
   void attachShortcut();
   void registerPreferenceDefaults();
   void readDismissPreference();
@@ -64,6 +65,7 @@ class AppDelegate final : public NSObject, public NSApplicationDelegate, public 
   std::unique_ptr<CameraManagement> cameras_;
   ObservationToken dataObserver_;
   ObservationToken displayObserver_;
+  ObservationToken emptinessObserver_;
 };
 
 /// Hands control to the application's main loop with the program's own delegate; a backend is installed

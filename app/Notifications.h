@@ -23,6 +23,14 @@ namespace vistrel::notification {
   return name;
 }
 
+/// Why the mirror shows no picture: in the user info under `kReasonKey` a sentence as `std::string`, empty
+/// when there is no reason (any more). Posted by the mirror's content.
+[[nodiscard]] inline const std::string& emptinessChanged() {
+  static const std::string name = "emptinessChanged";
+  return name;
+}
+inline constexpr const char* kReasonKey = "reason";
+
 /// The desktop switched between light and dark; on the distributed centre.
 [[nodiscard]] inline const std::string& interfaceThemeChanged() {
   static const std::string name = "AppleInterfaceThemeChangedNotification";

@@ -27,10 +27,9 @@ NSView& connected(const std::shared_ptr<NSView>& view, const char* outlet) {
   return *view;
 }
 
-std::string errorText(const Notification& notification) {
+const Error* errorIn(const Notification& notification) {
   const auto found = notification.userInfo.find(AVCaptureSessionErrorKey);
-  const auto* error = found == notification.userInfo.end() ? nullptr : std::any_cast<Error>(&found->second);
-  return error ? error->message : "n/a";
+  return found == notification.userInfo.end() ? nullptr : std::any_cast<Error>(&found->second);
 }
 
 std::shared_ptr<CALayer> makeBacking(const CGColor& color, double radius) {
@@ -97,15 +96,20 @@ void CameraViewController::observe() {
 
 void CameraViewController::observeSession() {
   auto& center = NotificationCenter::defaultCenter();
-  sessionRuntimeErrorObserver_ = center.addObserver(
-      AVCaptureSessionRuntimeErrorNotification, nullptr,
-      [](const Notification& n) { Log::line("📹💥 Capture Session Runtime Error: " + errorText(n)); });
+  sessionRuntimeErrorObserver_ = center.addObserver(AVCaptureSessionRuntimeErrorNotification, nullptr,
+                                                    [this](const Notification& n) { sessionDidFail(n); });
   sessionStartObserver_ =
       center.addObserver(AVCaptureSessionDidStartRunningNotification, nullptr,
                          [](const Notification&) { Log::line("📹✅ Capture Session Started"); });
   sessionStopObserver_ =
       center.addObserver(AVCaptureSessionDidStopRunningNotification, nullptr,
                          [](const Notification&) { Log::line("📹🛑 Capture Session Stopped"); });
+}
+
+void CameraViewController::sessionDidFail(const Notification& failure) {
+  const Error* error = errorIn(failure);
+  Log::line("📹💥 Capture Session Runtime Error: " + (error ? error->message : "n/a"));
+  tellWhyEmpty(error ? error->message : "The camera does not say what is wrong.");
 }
 
 void CameraViewController::stopObserving() {
@@ -125,6 +129,7 @@ void CameraViewController::viewWillAppear() {
   noCamerasView().setHidden(hasCameras);
   if (previewLayer_) previewLayer_->setHidden(!hasCameras);
   addTrackingArea();
+  tellWhyEmpty(hasCameras ? "" : "No camera was found.");
   if (const auto device = cameras_->selectedDevice()) startCaptureSession(*device);
   focusButton();
 }
@@ -132,6 +137,7 @@ void CameraViewController::viewWillAppear() {
 void CameraViewController::viewDidDisappear() {
   stopObserving();
   stopCaptureSession();
+  tellWhyEmpty({});
   isDetached_ = false;
   // The pointer cannot be over a view that is gone; the next showing begins without controls.
   availableCamerasPopupButton().setHidden(true);
@@ -167,6 +173,7 @@ void CameraViewController::addInput(AVCaptureSession& session, const AVCaptureDe
     session.addInput(std::move(input).value());
   } else {
     Log::line(input.error().message);
+    tellWhyEmpty(input.error().message);
   }
 }
 
@@ -207,6 +214,7 @@ void CameraViewController::switchCameraInputWithSender(NSObject* sender) {
   const std::string name = item->title();
   stopCaptureSession();
   cameras_->saveDefaultCamera(name);
+  tellWhyEmpty({});
   if (const auto device = cameras_->selectedDevice()) startCaptureSession(*device);
   populateCameraMenu();
 }
@@ -264,6 +272,12 @@ void CameraViewController::mouseExited(const NSEvent& /*event*/) {
 void CameraViewController::keyDown(const NSEvent& event) {
   showControls();
   NSViewController::keyDown(event);
+}
+
+void CameraViewController::tellWhyEmpty(const std::string& reason) {
+  if (NSWindow* window = view().window()) window->setAccessibilityHelp(reason);
+  NotificationCenter::defaultCenter().post(notification::emptinessChanged(), this,
+                                           {{notification::kReasonKey, reason}});
 }
 
 void CameraViewController::performDetachedWindowTasks() {

@@ -44,6 +44,7 @@ class CameraViewController final : public NSViewController {
   void observe();
   void stopObserving();
   void observeSession();
+  void sessionDidFail(const Notification& failure);
   void addTrackingArea();
   void focusButton();
   void startCaptureSession(const AVCaptureDevice& device);
@@ -59,6 +60,8 @@ class CameraViewController final : public NSViewController {
   void showControls();
   void performDetachedWindowTasks();
   void setCloseButtonHidden(bool isHidden);
+  /// In a sentence; an empty one when nothing is the matter.
+  void tellWhyEmpty(const std::string& reason);
 
   std::weak_ptr<NSView> noCamerasView_;
   std::shared_ptr<NSView> viewContainingVideo_;

@@ -104,6 +104,15 @@ class Program:
             return [[x, y + step * index, width, step] for index in mine]
         return [[x + step * index, y, step, height] for index in mine]
 
+    def tooltip(self):
+        """What the bus says of its icon."""
+        name, _, path = self._items()[0].partition("/")
+        return self.desktop.bus.property(name, "/" + path, "org.kde.StatusNotifierItem", "ToolTip")[2]
+
+    def _items(self):
+        items = self.desktop.bus.property(WATCHER, "/StatusNotifierWatcher", WATCHER, "RegisteredStatusNotifierItems")
+        return [item for item in items if self._process_of(item.split("/")[0]) == self.pid]
+
     def _wait_menu_known(self, calls):
         """Until the panel has read the icon's menu, a secondary click opens the panel's own."""
         if self._hosted_icons():

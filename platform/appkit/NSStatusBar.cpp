@@ -91,6 +91,10 @@ void NSStatusBar::setHighlighted(const NSStatusItem& item, bool isHighlighted) {
   if (isPresent(item)) backend::current().statusArea().setHighlighted(isHighlighted);
 }
 
+void NSStatusBar::setToolTip(const NSStatusItem& item, const std::string& text) {
+  if (isPresent(item)) backend::current().statusArea().setToolTip(text);
+}
+
 void NSStatusBar::mirrorMenu(const NSStatusItem& item, std::shared_ptr<NSMenu> menu) {
   if (isPresent(item)) backend::current().statusArea().mirrorMenu(std::move(menu));
 }

@@ -41,6 +41,7 @@ class NSStatusBar final : public backend::StatusAreaClient {
   void itemDidChange(const NSStatusItem& item);
   void itemWillEnd(const NSStatusItem& item);
   void setHighlighted(const NSStatusItem& item, bool isHighlighted);
+  void setToolTip(const NSStatusItem& item, const std::string& text);
   void mirrorMenu(const NSStatusItem& item, std::shared_ptr<NSMenu> menu);
   /// Shows the item's attached menu.
   void openMenu(const NSStatusItem& item);

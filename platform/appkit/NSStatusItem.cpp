@@ -18,6 +18,8 @@ void NSStatusBarButton::setHighlighted(bool isHighlighted) {
   item_.bar_.setHighlighted(item_, isHighlighted);
 }
 
+void NSStatusBarButton::setToolTip(const std::string& text) { item_.bar_.setToolTip(item_, text); }
+
 void NSStatusBarButton::performClick(NSObject* sender) {
   if (item_.menu()) {
     item_.bar_.openMenu(item_);

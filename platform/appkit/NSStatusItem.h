@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 
 #include "appkit/NSControl.h"
 #include "appkit/NSWindow.h"
@@ -17,6 +18,8 @@ class NSStatusBarButton final : public NSButton {
   explicit NSStatusBarButton(NSStatusItem& item) : item_(item) {}
   void setImage(std::shared_ptr<NSImage> image) override;
   void setHighlighted(bool isHighlighted) override;
+  /// What the desktop says of the icon.
+  void setToolTip(const std::string& text);
   /// Opens the item's menu where one is attached, else sends the action.
   void performClick(NSObject* sender) override;
 

@@ -119,6 +119,11 @@ void NSWindow::setTitle(std::string title) {
   if (native_) native_->attributesDidChange();
 }
 
+void NSWindow::setAccessibilityHelp(std::string text) {
+  if (std::exchange(accessibilityHelp_, std::move(text)) == accessibilityHelp_) return;
+  if (native_) native_->attributesDidChange();
+}
+
 void NSWindow::setContentView(std::shared_ptr<NSView> view) {
   makeFirstResponder(nullptr);
   if (contentView_) contentView_->setWindow(nullptr);

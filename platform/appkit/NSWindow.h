@@ -69,6 +69,9 @@ class NSWindow : public NSResponder,
 
   [[nodiscard]] const std::string& title() const { return title_; }
   void setTitle(std::string title);
+  /// What a screen reader says of the window beside its title.
+  [[nodiscard]] const std::string& accessibilityHelp() const { return accessibilityHelp_; }
+  void setAccessibilityHelp(std::string text);
   [[nodiscard]] const std::optional<PopoverTip>& tip() const { return tip_; }
   void setTip(std::optional<PopoverTip> tip) { tip_ = tip; }
   void setReleasedWhenClosed(bool /*isReleased*/) {}
@@ -144,6 +147,7 @@ class NSWindow : public NSResponder,
   unsigned styleMask_;
   Rect frame_;
   std::string title_;
+  std::string accessibilityHelp_;
   std::string autosaveName_;
   std::optional<PopoverTip> tip_;
   std::optional<NSAppearance> appearance_;

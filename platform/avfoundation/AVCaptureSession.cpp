@@ -103,7 +103,7 @@ void AVCaptureSession::lookForFrames(Look look) {
   } else {
     const bool isUnusable = input_->stream().sendsUnusableFrames();
     streamDidFail(
-        {isUnusable ? "the camera sends pictures that cannot be shown" : "the camera sends no pictures"});
+        {isUnusable ? "The camera sends pictures that cannot be shown." : "The camera sends no pictures."});
   }
 }
 

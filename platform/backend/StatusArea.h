@@ -40,6 +40,8 @@ class StatusArea {
   /// Shows the icon, or changes it in place: absolute path of a scalable image.
   virtual void setIcon(const std::string& imagePath) = 0;
   virtual void hideIcon() = 0;
+  /// What the desktop says of the icon, in its tooltip; UTF-8.
+  virtual void setToolTip(const std::string& text) = 0;
   virtual void setHighlighted(bool isHighlighted) = 0;
   /// What hosts that draw the menu themselves show from now on. Reconciled in place, and never inside a
   /// showing or a closing. Keeps the items alive that it shows.

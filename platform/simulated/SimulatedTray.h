@@ -16,6 +16,7 @@ class SimulatedTray final : public backend::StatusArea {
   void setClient(backend::StatusAreaClient* client) override { client_ = client; }
   void setIcon(const std::string& imagePath) override { icons.push_back(imagePath); }
   void hideIcon() override { icons.emplace_back(); }
+  void setToolTip(const std::string& text) override { toolTip = text; }
   void setHighlighted(bool highlighted) override { isHighlighted = highlighted; }
   void mirrorMenu(std::shared_ptr<NSMenu> menu) override { mirrored = std::move(menu); }
   void popUpMenu(std::shared_ptr<NSMenu> menu) override { poppedUp = std::move(menu); }
@@ -31,6 +32,7 @@ class SimulatedTray final : public backend::StatusArea {
 
   /// Every icon that was shown, in order; an empty text for "hidden".
   std::vector<std::string> icons;
+  std::string toolTip;
   bool isHighlighted = false;
   std::shared_ptr<NSMenu> mirrored;
   std::shared_ptr<NSMenu> poppedUp;

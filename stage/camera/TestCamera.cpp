@@ -252,7 +252,8 @@ bool TestCamera::carryOut(const std::string& command, const std::string& argumen
   } else if (command == "rename") {
     rename(argument);
   } else if (command == "error") {
-    pw_stream_set_error(stream_, -EIO, "%s", argument.c_str());
+    const int number = argument == "busy" ? EBUSY : argument == "denied" ? EACCES : EIO;
+    pw_stream_set_error(stream_, -number, "%s", argument.c_str());
   } else if (command == "die") {
     _exit(kPulledCable);
   } else if (command == "quit") {

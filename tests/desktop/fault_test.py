@@ -63,7 +63,7 @@ class CameraFaultTest(DesktopTest):
         vistrel = self.start()
         camera.tell("garbage")
         vistrel.click()
-        vistrel.wait_line(FAILED + "the camera sends pictures that cannot be shown")
+        vistrel.wait_line(FAILED + "The camera sends pictures that cannot be shown.")
 
     def test_a_hung_camera_holds_up_no_window(self):
         camera = self.desktop.camera()

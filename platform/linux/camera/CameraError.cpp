@@ -15,12 +15,12 @@ Error reported(const std::string& text) { return {"The camera reported an error:
 
 }  // namespace
 
-Error errorOf(CameraError problem) {
+Error errorOf(CameraError problem, const std::string& group) {
   switch (problem) {
     case CameraError::Busy:
       return {"The camera is in use by another program."};
     case CameraError::Denied:
-      return {"Access to the camera is denied."};
+      return {"Access to the camera is denied" + (group.empty() ? "." : "; the group " + group + " has it.")};
     case CameraError::Silent:
       return {"The camera does not answer."};
     default:
@@ -28,13 +28,13 @@ Error errorOf(CameraError problem) {
   }
 }
 
-Error errorOfCall(int errorNumber) {
+Error errorOfCall(int errorNumber, const std::string& group) {
   switch (errorNumber) {
     case EBUSY:
       return errorOf(CameraError::Busy);
     case EACCES:
     case EPERM:
-      return errorOf(CameraError::Denied);
+      return errorOf(CameraError::Denied, group);
     case ENOENT:
     case ENODEV:
     case ENXIO:
@@ -46,11 +46,11 @@ Error errorOfCall(int errorNumber) {
 
 // A daemon says what the kernel said in the user's language, which is this program's too; only what it says
 // of its own accord is always English.
-Error errorOfMessage(const std::string& message) {
+Error errorOfMessage(const std::string& message, const std::string& group) {
   for (const int number : {EBUSY, EACCES, EPERM, ENODEV, ENXIO})
-    if (contains(message, std::generic_category().message(number))) return errorOfCall(number);
+    if (contains(message, std::generic_category().message(number))) return errorOfCall(number, group);
   if (contains(message, "busy")) return errorOf(CameraError::Busy);
-  if (contains(message, "ermission")) return errorOf(CameraError::Denied);
+  if (contains(message, "ermission")) return errorOf(CameraError::Denied, group);
   const bool isGone = message.empty() || contains(message, "target") || contains(message, "connection");
   return isGone ? errorOf(CameraError::Gone) : reported(message);
 }

@@ -1,5 +1,9 @@
 #include "linux/camera/DeviceLocation.h"
 
+#include <grp.h>
+#include <sys/stat.h>
+
+#include <array>
 #include <cctype>
 #include <fstream>
 #include <system_error>
@@ -99,6 +103,17 @@ bool seemsCamera(const std::string& devicePath, const fs::path& sysfs) {
     if (isSibling && isPathBefore(placeOf(other, sysfs), place)) return false;
   }
   return true;
+}
+
+std::string groupOf(const std::string& devicePath) {
+  struct stat node {};
+  const bool isShared =
+      ::stat(devicePath.c_str(), &node) == 0 && (node.st_mode & S_IRWXG) >= (S_IRGRP | S_IWGRP);
+  group entry{};
+  group* found = nullptr;
+  std::array<char, 16384> memory{};
+  if (isShared) ::getgrgid_r(node.st_gid, &entry, memory.data(), memory.size(), &found);
+  return found ? found->gr_name : "";
 }
 
 bool isPathBefore(std::string_view a, std::string_view b) {

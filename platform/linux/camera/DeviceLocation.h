@@ -27,6 +27,9 @@ enum class DeviceLocation { BuiltIn, External };
 /// on USB or in software.
 [[nodiscard]] bool seemsCamera(const std::string& devicePath, const std::filesystem::path& sysfs = "/sys");
 
+/// The group that may read and write such a node; empty where there is no such group.
+[[nodiscard]] std::string groupOf(const std::string& devicePath);
+
 /// Orders paths as people do: "/dev/video2" before "/dev/video10".
 [[nodiscard]] bool isPathBefore(std::string_view a, std::string_view b);
 

@@ -9,6 +9,7 @@
 
 #include "base/Program.h"
 #include "linux/camera/CameraError.h"
+#include "linux/camera/DeviceLocation.h"
 
 namespace vistrel::camera {
 namespace {
@@ -221,7 +222,8 @@ void PipeWireDevice::afterIteration() {
   if (!stream_) return;
   const PipeWireNode* node = graph_->find(nodeId_);
   const bool hasEnded = state_ == PW_STREAM_STATE_ERROR || state_ == PW_STREAM_STATE_UNCONNECTED;
-  if (node && node->errorCount() != errorsBefore_) return fail(errorOfMessage(node->lastError()));
+  if (node && node->errorCount() != errorsBefore_)
+    return fail(errorOfMessage(node->lastError(), groupOf(node->v4l2Path())));
   if (hasEnded || !node) fail(errorOfMessage(stateError_));
 }
 

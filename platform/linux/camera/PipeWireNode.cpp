@@ -2,6 +2,7 @@
 
 #include <spa/node/command.h>
 #include <spa/param/param.h>
+#include <spa/utils/keys.h>
 
 #include "linux/camera/PipeWireFormats.h"
 
@@ -9,6 +10,7 @@ namespace vistrel::camera {
 namespace {
 
 constexpr std::uint32_t kAll = UINT32_MAX;
+constexpr std::string_view kV4l2Prefix = "v4l2:";
 
 }  // namespace
 
@@ -33,6 +35,12 @@ PipeWireNode::~PipeWireNode() {
 const std::string* PipeWireNode::property(std::string_view key) const {
   const auto found = properties_.find(key);
   return found == properties_.end() ? nullptr : &found->second;
+}
+
+std::string PipeWireNode::v4l2Path() const {
+  if (const auto* path = property(SPA_KEY_API_V4L2_PATH)) return *path;
+  const auto* path = property(PW_KEY_OBJECT_PATH);
+  return path && path->starts_with(kV4l2Prefix) ? path->substr(kV4l2Prefix.size()) : std::string();
 }
 
 void PipeWireNode::suspendWhenIdle() {

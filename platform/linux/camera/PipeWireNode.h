@@ -31,6 +31,8 @@ class PipeWireNode {
   [[nodiscard]] std::uint32_t globalId() const { return globalId_; }
   /// The value of a property; nullptr when the node has none of that name.
   [[nodiscard]] const std::string* property(std::string_view key) const;
+  /// The "/dev/video" node behind the camera; empty for one that V4L2 does not know.
+  [[nodiscard]] std::string v4l2Path() const;
   [[nodiscard]] const std::vector<VideoMode>& modes() const { return modes_; }
   [[nodiscard]] bool isInError() const { return state_ == PW_NODE_STATE_ERROR; }
   /// How often the node has gone into its error state, and what it said the last time.

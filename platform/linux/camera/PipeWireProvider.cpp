@@ -13,8 +13,6 @@
 namespace vistrel::camera {
 namespace {
 
-constexpr std::string_view kV4l2Prefix = "v4l2:";
-
 std::string idOf(const PipeWireNode& node) {
   const auto* serial = node.property(PW_KEY_OBJECT_SERIAL);
   return "pipewire:" + (serial ? *serial : std::to_string(node.globalId()));
@@ -27,15 +25,8 @@ std::string nameOf(const PipeWireNode& node) {
   return {};
 }
 
-// The "/dev/video" node behind a camera; empty for one that V4L2 does not know.
-std::string v4l2PathOf(const PipeWireNode& node) {
-  if (const auto* path = node.property(SPA_KEY_API_V4L2_PATH)) return *path;
-  const auto* path = node.property(PW_KEY_OBJECT_PATH);
-  return path && path->starts_with(kV4l2Prefix) ? path->substr(kV4l2Prefix.size()) : std::string();
-}
-
 std::string pathOf(const PipeWireNode& node) {
-  if (const auto path = v4l2PathOf(node); !path.empty()) return placeOf(path);
+  if (const auto path = node.v4l2Path(); !path.empty()) return placeOf(path);
   for (const char* key : {PW_KEY_OBJECT_PATH, PW_KEY_NODE_NAME})
     if (const auto* path = node.property(key)) return *path;
   return {};
@@ -44,7 +35,7 @@ std::string pathOf(const PipeWireNode& node) {
 bool isBuiltIn(const PipeWireNode& node) {
   if (const auto* location = node.property(SPA_KEY_API_LIBCAMERA_LOCATION))
     return *location == "front" || *location == "back";
-  const std::string path = v4l2PathOf(node);
+  const std::string path = node.v4l2Path();
   return !path.empty() && deviceLocationOf(path) == DeviceLocation::BuiltIn;
 }
 
@@ -64,7 +55,7 @@ bool isSeenThroughV4l2(const PipeWireNode& node, const std::vector<std::string>&
 std::vector<std::string> v4l2Products(const PipeWireGraph& graph) {
   std::vector<std::string> products;
   for (const auto& node : graph.nodes())
-    if (const auto path = v4l2PathOf(*node); !path.empty() && !node->modes().empty())
+    if (const auto path = node->v4l2Path(); !path.empty() && !node->modes().empty())
       if (auto product = usbProductOf(path); !product.empty()) products.push_back(std::move(product));
   return products;
 }
@@ -78,7 +69,7 @@ std::vector<CameraEntry> PipeWireProvider::cameras() {
   for (const auto& node : graph_->nodes()) {
     const std::string path = pathOf(*node);
     // Infrared and grey-only sensors have no mode that can be shown.
-    if (node->modes().empty() || (!v4l2PathOf(*node).empty() && isListed(entries, path))) continue;
+    if (node->modes().empty() || (!node->v4l2Path().empty() && isListed(entries, path))) continue;
     if (isSeenThroughV4l2(*node, products)) continue;
     entries.push_back(
         {{.id = idOf(*node), .localizedName = nameOf(*node), .isBuiltIn = isBuiltIn(*node)}, path});
@@ -90,7 +81,7 @@ Result<std::unique_ptr<CaptureDevice>> PipeWireProvider::open(const std::string&
   const auto waited = graph_->refresh();
   for (const auto& node : graph_->nodes()) {
     if (idOf(*node) != id) continue;
-    if (node->isInError()) return errorOfMessage(node->lastError());
+    if (node->isInError()) return errorOfMessage(node->lastError(), groupOf(node->v4l2Path()));
     return std::unique_ptr<CaptureDevice>(std::make_unique<PipeWireDevice>(graph_, *node, waited));
   }
   return errorOf(CameraError::Gone);

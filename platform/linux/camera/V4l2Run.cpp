@@ -104,7 +104,7 @@ void V4l2Run::openUntilEnd() {
 
 Result<void> V4l2Run::openDevice() {
   const int fd = system_.open(node_.path);
-  if (fd < 0) return errorOfCall(-fd);
+  if (fd < 0) return errorOfCall(-fd, system_.groupOf(node_.path));
   fd_ = fd;
   if (isBusy(system_, fd_)) return errorOf(CameraError::Busy);
   modes_ = modesOf(system_, fd_);

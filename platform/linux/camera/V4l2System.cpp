@@ -38,6 +38,8 @@ class Kernel final : public V4l2System {
     return label;
   }
 
+  std::string groupOf(const std::string& path) override { return camera::groupOf(path); }
+
   int open(const std::string& path) override {
     const int fd = ::open(path.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
     return fd < 0 ? -errno : fd;

@@ -37,6 +37,9 @@ class V4l2System {
   };
   [[nodiscard]] virtual Label label(const std::string& path) = 0;
 
+  /// See `DeviceLocation.h`.
+  [[nodiscard]] virtual std::string groupOf(const std::string& path) = 0;
+
   virtual int open(const std::string& path) = 0;
   virtual void close(int fd) = 0;
   virtual int ioctl(int fd, unsigned long request, void* argument) = 0;

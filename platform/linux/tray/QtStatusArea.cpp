@@ -59,6 +59,7 @@ void QtStatusArea::makeIcon(TrayHost host) {
                          .chosen = [this](auto item) { tellChosen(std::move(item)); },
                          .isHostMenuSeen = [this] { return hostMenu_.isMenuOnScreen(); }});
   if (menu_) icon_->menu().mirror(menu_);
+  icon_->setToolTip(toolTip_);
   update();
 }
 
@@ -86,6 +87,10 @@ void QtStatusArea::setIcon(const std::string& imagePath) {
 void QtStatusArea::hideIcon() {
   isShown_ = false;
   update();
+}
+
+void QtStatusArea::setToolTip(const std::string& text) {
+  if (std::exchange(toolTip_, text) != text && icon_) icon_->setToolTip(toolTip_);
 }
 
 void QtStatusArea::setHighlighted(bool isHighlighted) {

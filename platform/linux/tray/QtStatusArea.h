@@ -5,6 +5,7 @@
 #include <string>
 
 #include "backend/StatusArea.h"
+#include "base/Program.h"
 #include "linux/tray/HostMessages.h"
 #include "linux/tray/IconMenu.h"
 #include "linux/tray/TrayHostWatch.h"
@@ -28,6 +29,7 @@ class QtStatusArea final : public backend::StatusArea {
   void setClient(backend::StatusAreaClient* client) override { client_ = client; }
   void setIcon(const std::string& imagePath) override;
   void hideIcon() override;
+  void setToolTip(const std::string& text) override;
   void setHighlighted(bool isHighlighted) override;
   void mirrorMenu(std::shared_ptr<NSMenu> menu) override;
   void popUpMenu(std::shared_ptr<NSMenu> menu) override;
@@ -59,6 +61,7 @@ class QtStatusArea final : public backend::StatusArea {
   std::shared_ptr<NSMenu> menu_;
   std::unique_ptr<IconMenu> popUp_;
   TrayImage image_;
+  std::string toolTip_ = program::kName;
   bool isShown_ = false;
   bool isHighlighted_ = false;
   std::optional<Rect> guessedFrame_;

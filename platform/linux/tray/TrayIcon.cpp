@@ -4,10 +4,8 @@
 #include <qpa/qplatformtheme.h>
 #include <QApplication>
 #include <QMouseEvent>
-#include <QWidget>
+#include <QTextDocument>
 #include <utility>
-
-#include "base/Program.h"
 
 namespace vistrel::tray {
 
@@ -41,7 +39,6 @@ bool deliverAsPress(QObject& icon, const QMouseEvent& event) {
 
 TrayIcon::TrayIcon(TrayHost host, Pressed pressed, TrayMenu::Handlers menuHandlers)
     : menu_(std::move(menuHandlers)), native_(makeNative(host)) {
-  native_->setToolTip(program::kName);
   native_->setContextMenu(&menu_.native());
   menu_.didAttach();
   connect(native_.get(), &QSystemTrayIcon::activated, this, std::move(pressed));
@@ -55,15 +52,27 @@ void TrayIcon::show(const QIcon& icon) {
   native_->show();
 }
 
+void TrayIcon::setToolTip(const std::string& text) {
+  toolTip_ = QString::fromStdString(text);
+  // An embedded icon's is drawn by Qt, which takes a text with a tag in it for markup.
+  native_->setToolTip(Qt::mightBeRichText(toolTip_) ? Qt::convertFromPlainText(toolTip_) : toolTip_);
+  nameWindow();
+}
+
 // An embedded icon is a window of ours: what reads the screen aloud finds it by that window's name.
+void TrayIcon::nameWindow() {
+  if (!window_) return;
+  window_->setWindowTitle(toolTip_);
+  window_->setAccessibleName(toolTip_);
+}
+
 bool TrayIcon::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::MouseButtonDblClick && isEmbeddedIcon(*watched)) {
     return deliverAsPress(*watched, static_cast<QMouseEvent&>(*event));
   }
   if (event->type() == QEvent::Show && isEmbeddedIcon(*watched)) {
-    auto& window = static_cast<QWidget&>(*watched);
-    window.setWindowTitle(program::kName);
-    window.setAccessibleName(program::kName);
+    window_ = static_cast<QWidget*>(watched);
+    nameWindow();
   }
   return false;
 }

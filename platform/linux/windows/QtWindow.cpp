@@ -119,6 +119,7 @@ void QtWindow::activate() {
 void QtWindow::attributesDidChange() {
   const CommandScope scope(*this);
   shell_->setWindowTitle(QString::fromStdString(window_.title()));
+  shell_->setAccessibleDescription(QString::fromStdString(window_.accessibilityHelp()));
   applyLook();
   applyFrame();
   addCloseButton();

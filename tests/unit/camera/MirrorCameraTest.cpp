@@ -53,6 +53,7 @@ TEST(MirrorCamera, FaultsOfACameraEndInALineAndANeutralGlass) {
     std::function<void(Program&)> prepare;
     std::function<void(Program&)> happen;
     Lines log;
+    std::string reason;
   };
   const std::string started = "📹✅ Capture Session Started";
   const std::string error = "📹💥 Capture Session Runtime Error: ";
@@ -65,19 +66,26 @@ TEST(MirrorCamera, FaultsOfACameraEndInALineAndANeutralGlass) {
   };
   using simulated::StartBehavior;
   const std::vector<Fault> faults = {
-      {"busy", [&](Program& p) { camera(p).openError = "A is busy"; }, nothing, {"A is busy", started}},
+      {"busy",
+       [&](Program& p) { camera(p).openError = "A is busy"; },
+       nothing,
+       {"A is busy", started},
+       "A is busy"},
       {"refuses the format",
        behave(StartBehavior::RefusesFormat),
        nothing,
-       {error + "the camera refused the format"}},
+       {error + "the camera refused the format"},
+       "the camera refused the format"},
       {"never starts",
        behave(StartBehavior::HangsForEver),
        [](Program& p) { p.desktop.loop.advance(3s); },
-       {error + "the camera sends no pictures"}},
+       {error + "The camera sends no pictures."},
+       "The camera sends no pictures."},
       {"starts late",
        behave(StartBehavior::StartsLater),
        [&](Program& p) { camera(p).streams[0]->begin(); },
-       {started}},
+       {started},
+       {}},
       {"freezes",
        nothing,
        [&](Program& p) {
@@ -90,15 +98,18 @@ TEST(MirrorCamera, FaultsOfACameraEndInALineAndANeutralGlass) {
          EXPECT_EQ(p.takeLog(), Lines{started});
          p.desktop.loop.advance(1ms);
        },
-       {error + "the camera sends no pictures"}},
+       {error + "The camera sends no pictures."},
+       "The camera sends no pictures."},
       {"is unplugged",
        nothing,
        [](Program& p) { p.desktop.simulatedCameras.unplug("A"); },
-       {started, error + "the camera was unplugged"}},
+       {started, error + "the camera was unplugged"},
+       "the camera was unplugged"},
       {"an error without information",
        nothing,
        [](Program&) { NotificationCenter::defaultCenter().post(AVCaptureSessionRuntimeErrorNotification); },
-       {started, error + "n/a"}},
+       {started, error + "n/a"},
+       "The camera does not say what is wrong."},
   };
   for (const auto& fault : faults) {
     SCOPED_TRACE(fault.description);
@@ -111,8 +122,11 @@ TEST(MirrorCamera, FaultsOfACameraEndInALineAndANeutralGlass) {
     program.desktop.loop.settle();
     EXPECT_EQ(program.takeLog(), fault.log);
     EXPECT_TRUE(program.isShown());
+    EXPECT_EQ(program.desktop.tray.toolTip, fault.reason.empty() ? "Vistrel" : "Vistrel: " + fault.reason);
+    EXPECT_EQ(program.mirror().view().window()->accessibilityHelp(), fault.reason);
     EXPECT_TRUE(program.desktop.simulatedCameras.camera("B").streams.empty());
     program.desktop.clickIcon();
+    EXPECT_EQ(program.desktop.tray.toolTip, "Vistrel");
     EXPECT_EQ(program.desktop.loop.timerCount(), 0U);
     program.desktop.clickIcon();
     EXPECT_TRUE(program.isShown());
@@ -190,6 +204,7 @@ TEST(MirrorCamera, WithoutACameraItSaysSo) {
   EXPECT_FALSE(program.mirror().noCamerasView().isHidden());
   EXPECT_TRUE(program.mirror().previewLayer()->isHidden());
   EXPECT_EQ(program.mirror().captureSession(), nullptr);
+  EXPECT_EQ(program.desktop.tray.toolTip, "Vistrel: No camera was found.");
 }
 
 }  // namespace

@@ -39,6 +39,7 @@ struct ScriptedNode {
   int index = 0;
   bool seemsCamera = true;
   std::string place{};
+  std::string group{};
   std::chrono::milliseconds openTakes{};
   int openResult = 0;     ///< or a negative errno
   int buffersResult = 0;  ///< of asking for buffers
@@ -78,6 +79,7 @@ class ScriptedV4l2 final : public V4l2System {
 
   std::vector<std::string> nodes() override;
   Label label(const std::string& path) override;
+  std::string groupOf(const std::string& path) override { return script[path].group; }
   int open(const std::string& path) override;
   void close(int fd) override;
   int ioctl(int fd, unsigned long request, void* argument) override;

@@ -107,12 +107,12 @@ TEST_F(V4l2Test, TellsWhyACameraCannotBeOpened) {
   system_.script[node(1)] = {.openResult = -EACCES};
   system_.script[node(2)] = {.openResult = -EBUSY};
   system_.script[node(3)] = {.buffersResult = -EBUSY};
-  system_.script[node(4)] = {.openResult = -EPERM};
+  system_.script[node(4)] = {.group = "video", .openResult = -EPERM};
   const std::string texts[] = {"",
                                "Access to the camera is denied.",
                                "The camera is in use by another program.",
                                "The camera is in use by another program.",
-                               "Access to the camera is denied.",
+                               "Access to the camera is denied; the group video has it.",
                                "The camera is no longer connected."};
   makeProvider();
   for (int i = 0; i < 6; ++i) EXPECT_EQ(openError(idOf(i)), texts[i]) << i;
