@@ -12,6 +12,10 @@ inline constexpr PixelSize kSources[] = {{640, 480}, {1280, 720}, {1920, 1080}, 
 /// The three glasses, for cameras of 16:9.
 inline constexpr PixelSize kGlasses[] = {{426, 240}, {852, 480}, {1278, 720}};
 
+/// What the user sees magnified four times: the middle of the picture.
+inline constexpr int kMagnification = 4;
+inline constexpr Rect kMagnifiedPart = {.375, .375, .25, .25};
+
 /// The glass of that height with the source's own shape.
 [[nodiscard]] PixelSize glassFor(PixelSize source, PixelSize glass);
 

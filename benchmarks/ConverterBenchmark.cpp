@@ -20,11 +20,11 @@ void tell(benchmark::State& state, PixelSize glass) {
       benchmark::Counter(pixels, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
 
-void convert(benchmark::State& state, PixelFormat format, PixelSize source, PixelSize glass,
-             bool isMirrored) {
+void convert(benchmark::State& state, PixelFormat format, PixelSize source, PixelSize glass, bool isMirrored,
+             Rect part = {0, 0, 1, 1}) {
   const auto frames = rawFrames(format, source);
   std::vector<std::uint8_t> pixels(static_cast<std::size_t>(glass.width) * 4 * glass.height);
-  const camera::GlassTarget target{pixels.data(), glass.width * 4, glass, isMirrored};
+  const camera::GlassTarget target{pixels.data(), glass.width * 4, glass, isMirrored, part};
   camera::PictureConverter converter;
   std::size_t turn = 0;
   for ([[maybe_unused]] auto _ : state) {
@@ -75,6 +75,9 @@ const bool kRegistered = [] {
     for (const PixelSize source : kSources)
       for (const PixelSize glass : kGlasses)
         registerConverter(format.name, format.format, source, glassFor(source, glass));
+  benchmark::RegisterBenchmark("YUY2/3840x2160/426x240/mirrored/magnified", [](benchmark::State& s) {
+    convert(s, PixelFormat::Yuy2, kSources[3], kGlasses[0], true, kMagnifiedPart);
+  })->Unit(benchmark::kMicrosecond);
   return true;
 }();
 

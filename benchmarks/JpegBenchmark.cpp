@@ -29,15 +29,20 @@ void decode(benchmark::State& state, PixelSize source, PixelSize glass, Scene sc
   state.counters["bytes"] = static_cast<double>(jpeg.size());
 }
 
-void paint(benchmark::State& state, PixelSize source, PixelSize glass, Scene scene) {
+PixelSize magnified(PixelSize glass) { return {glass.width * kMagnification, glass.height * kMagnification}; }
+
+void paint(benchmark::State& state, PixelSize source, PixelSize glass, Scene scene,
+           bool isMagnified = false) {
   const auto jpeg = jpegFrame(source, scene);
   camera::FrameDecoder decoder;
   camera::OwnedPicture picture;
-  if (!decoder.decode(jpeg, glass, picture)) return state.SkipWithError("the frame was not decoded");
+  if (!decoder.decode(jpeg, isMagnified ? magnified(glass) : glass, picture))
+    return state.SkipWithError("the frame was not decoded");
   std::vector<std::uint8_t> pixels(static_cast<std::size_t>(glass.width) * 4 * glass.height);
   camera::PictureConverter converter;
   for ([[maybe_unused]] auto _ : state) {
-    converter.convert(picture.picture, {pixels.data(), glass.width * 4, glass, true});
+    converter.convert(picture.picture, {pixels.data(), glass.width * 4, glass, true,
+                                        isMagnified ? kMagnifiedPart : Rect{0, 0, 1, 1}});
     benchmark::ClobberMemory();
   }
 }
@@ -63,6 +68,14 @@ const bool kRegistered = [] {
           add("jpeg_paint/" + name, [=](benchmark::State& s) { paint(s, source, glass, scene); });
       }
     }
+  const PixelSize largest = kSources[3];
+  for (const Scene scene : {Scene::Plain, Scene::Rich})
+    add(std::string("jpeg_decode/") + (scene == Scene::Rich ? "rich" : "plain") + "/2160/240/magnified",
+        [=](benchmark::State& s) {
+          decode<camera::FrameDecoder>(s, largest, magnified(kGlasses[0]), scene);
+        });
+  add("jpeg_paint/plain/2160/240/magnified",
+      [=](benchmark::State& s) { paint(s, largest, kGlasses[0], Scene::Plain, true); });
   return true;
 }();
 

@@ -17,13 +17,14 @@ def measure(program, names, seconds):
 
 def _read(entry):
     """Names are copy/GLASS, FORMAT/SOURCE/GLASS/mirrored, jpeg_floor/SCENE/HEIGHT, jpeg_decode/SCENE/HEIGHT/HEIGHT and
-    the like."""
+    the like; what is seen magnified four times has a word for it at the end."""
     kind, *words = entry["name"].split("/")
+    more = ", 4 times" if words[-1] == "magnified" else ""
     if kind == "copy":
         width, height = map(int, words[0].split("x"))
         return COPY, f"{'4:3' if 3 * width == 4 * height else '16:9'} at {words[0]}", 1e9 * entry["s/pixel"]
     if kind.startswith("jpeg"):
         lines = {"jpeg_floor": FLOOR, "jpeg_library": "libjpeg", "jpeg_decode": DECODING, "jpeg_paint": "converting"}[kind]
         glass = words[2] if len(words) > 2 else "any"
-        return f"MJPEG {words[0]}: {lines}", f"{words[1]} at {glass}", 1000 * entry["cpu_time"]
-    return kind, f"{words[0]} at {words[1]}", 1e9 * entry["s/pixel"]
+        return f"MJPEG {words[0]}: {lines}{more}", f"{words[1]} at {glass}", 1000 * entry["cpu_time"]
+    return kind + more, f"{words[0]} at {words[1]}", 1e9 * entry["s/pixel"]

@@ -137,6 +137,7 @@ void CameraViewController::viewWillAppear() {
 void CameraViewController::viewDidDisappear() {
   stopObserving();
   stopCaptureSession();
+  gestures_.setLayer(nullptr);
   tellWhyEmpty({});
   isDetached_ = false;
   // The pointer cannot be over a view that is gone; the next showing begins without controls.
@@ -201,6 +202,7 @@ void CameraViewController::installPreview() {
   }
   previewLayer_ = layer;
   viewContainingVideo().setLayer(layer);
+  gestures_.setLayer(layer);
 }
 
 void CameraViewController::stopCaptureSession() {

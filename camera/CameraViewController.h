@@ -8,6 +8,7 @@
 #include "avfoundation/AVCaptureSession.h"
 #include "avfoundation/AVCaptureVideoPreviewLayer.h"
 #include "camera/CameraManagement.h"
+#include "camera/PictureGestures.h"
 #include "foundation/NotificationCenter.h"
 #include "foundation/UserDefaults.h"
 
@@ -28,6 +29,12 @@ class CameraViewController final : public NSViewController {
   void mouseExited(const NSEvent& event) override;
   /// A key that reaches the hidden button shows the controls.
   void keyDown(const NSEvent& event) override;
+  void keyUp(const NSEvent& event) override { gestures_.keyUp(event); }
+  bool performKeyEquivalent(const NSEvent& event) override { return gestures_.performKeyEquivalent(event); }
+  void scrollWheel(const NSEvent& event) override { gestures_.scrollWheel(event); }
+  void magnifyWithEvent(const NSEvent& event) override { gestures_.magnify(event); }
+  void rightMouseDown(const NSEvent& event) override { gestures_.rightMouseDown(event); }
+  void rightMouseDragged(const NSEvent& event) override { gestures_.rightMouseDragged(event); }
 
   [[nodiscard]] NSPopUpButton& availableCamerasPopupButton() const;
   [[nodiscard]] NSView& noCamerasView() const;
@@ -73,6 +80,7 @@ class CameraViewController final : public NSViewController {
   std::unique_ptr<CameraManagement> cameras_;
   std::shared_ptr<AVCaptureVideoPreviewLayer> previewLayer_;
   std::shared_ptr<AVCaptureSession> captureSession_;
+  PictureGestures gestures_;
   bool isDetached_ = false;
   UserDefaults& defaults_;
   std::shared_ptr<NSWindow> prefsWindow_;

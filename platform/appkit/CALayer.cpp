@@ -8,20 +8,20 @@ namespace vistrel {
 
 void CALayer::setBackgroundColor(const CGColor& color) {
   backgroundColor_ = color;
-  didChange();
+  setNeedsDisplay();
 }
 
 void CALayer::setCornerRadius(double radius) {
   cornerRadius_ = radius;
-  didChange();
+  setNeedsDisplay();
 }
 
 void CALayer::setHidden(bool isHidden) {
   isHidden_ = isHidden;
-  didChange();
+  setNeedsDisplay();
 }
 
-void CALayer::didChange() {
+void CALayer::setNeedsDisplay() {
   if (owner_) owner_->didChange();
 }
 

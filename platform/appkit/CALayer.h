@@ -31,13 +31,12 @@ class CALayer {
   [[nodiscard]] bool isHidden() const { return isHidden_; }
   void setHidden(bool isHidden);
 
+  /// Has the view drawn again.
+  void setNeedsDisplay();
+
   /// The view that shows the layer; kept by that view.
   void setOwner(NSView* owner) { owner_ = owner; }
   [[nodiscard]] NSView* owner() const { return owner_; }
-
- protected:
-  /// Has the view drawn again.
-  void didChange();
 
  private:
   std::optional<CGColor> backgroundColor_;

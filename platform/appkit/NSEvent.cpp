@@ -1,10 +1,12 @@
 #include "appkit/NSEvent.h"
-#include "base/KeyCodes.h"
 
 #include <algorithm>
 #include <array>
 #include <utility>
 #include <vector>
+
+#include "backend/Backend.h"
+#include "base/KeyCodes.h"
 
 namespace vistrel {
 
@@ -50,8 +52,17 @@ std::shared_ptr<NSEvent> NSEvent::keyEvent(const Key& key, NSWindow* window) {
   auto event = std::shared_ptr<NSEvent>(new NSEvent(common, window));
   event->keyCode_ = key.keyCode;
   event->isARepeat_ = key.isARepeat;
+  event->characters_ = key.characters;
   return event;
 }
+
+bool NSEvent::types(char character, std::uint16_t place) const {
+  constexpr unsigned char kFirstBeyondAscii = 0x80;
+  const bool isAscii = !characters_.empty() && static_cast<unsigned char>(characters_[0]) < kFirstBeyondAscii;
+  return isAscii ? characters_ == std::string(1, character) : keyCode_ == place;
+}
+
+Point NSEvent::mouseLocation() { return backend::current().session().pointerLocation(); }
 
 std::optional<NSSpecialKey> NSEvent::specialKey() const {
   if (!isKeyEvent()) return std::nullopt;

@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 
 #include "base/Geometry.h"
 
@@ -35,13 +36,16 @@ enum class NSEventType : int {
   LeftMouseUp = 2,
   RightMouseDown = 3,
   RightMouseUp = 4,
+  RightMouseDragged = 7,
   MouseEntered = 8,
   MouseExited = 9,
   KeyDown = 10,
   KeyUp = 11,
   FlagsChanged = 12,
+  ScrollWheel = 22,
   OtherMouseDown = 25,
   OtherMouseUp = 26,
+  Magnify = 30,
 };
 
 /// Kinds of events as a set: bit n stands for type n.
@@ -73,6 +77,8 @@ class NSEvent {
     int eventNumber = 0;
     int clickCount = 1;
     float pressure = 0;
+    double scrollingDeltaY = 0;  ///< steps of a wheel, away from the user
+    double magnification = 0;    ///< of a pinch since its last event: 0.1 for a tenth larger
   };
   /// The key code of a key that has no place on the platform's keyboard.
   static constexpr std::uint16_t kNoKeyCode = 0xFFFF;
@@ -81,6 +87,7 @@ class NSEvent {
     NSEventModifierFlags modifierFlags = {};
     std::uint16_t keyCode = 0;  ///< virtual key code: a position on the keyboard
     bool isARepeat = false;
+    std::string characters = {};  ///< what the key types without Control and the like, in lower case, UTF-8
   };
 
   [[nodiscard]] static std::shared_ptr<NSEvent> mouseEvent(const Mouse& mouse, NSWindow* window = nullptr);
@@ -90,6 +97,9 @@ class NSEvent {
   [[nodiscard]] NSEventModifierFlags modifierFlags() const { return mouse_.modifierFlags; }
   [[nodiscard]] std::uint16_t keyCode() const { return keyCode_; }
   [[nodiscard]] bool isARepeat() const { return isARepeat_; }
+  /// Whether the key types that character of ASCII; where the layout has another script there, whether the
+  /// character is printed at its place on an ANSI keyboard, which is given.
+  [[nodiscard]] bool types(char character, std::uint16_t place) const;
   /// The special key that was pressed; none for a key that types a character.
   [[nodiscard]] std::optional<NSSpecialKey> specialKey() const;
   [[nodiscard]] Point locationInWindow() const { return mouse_.location; }
@@ -98,6 +108,10 @@ class NSEvent {
   [[nodiscard]] int eventNumber() const { return mouse_.eventNumber; }
   [[nodiscard]] int clickCount() const { return mouse_.clickCount; }
   [[nodiscard]] float pressure() const { return mouse_.pressure; }
+  [[nodiscard]] double scrollingDeltaY() const { return mouse_.scrollingDeltaY; }
+  [[nodiscard]] double magnification() const { return mouse_.magnification; }
+  /// Where the pointer is now, on the desktop.
+  [[nodiscard]] static Point mouseLocation();
   [[nodiscard]] NSWindow* window() const { return window_; }
   /// Whether a press means a context menu: by the secondary button, or by the primary one with Control or
   /// Option held.
@@ -124,6 +138,7 @@ class NSEvent {
   Mouse mouse_;
   std::uint16_t keyCode_ = 0;
   bool isARepeat_ = false;
+  std::string characters_;
   NSWindow* window_ = nullptr;
 };
 

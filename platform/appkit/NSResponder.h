@@ -24,8 +24,19 @@ class NSResponder : public NSObject {
 
   /// Each of these passes the event on to the next responder unless it is overridden.
   virtual void keyDown(const NSEvent& event);
+  virtual void keyUp(const NSEvent& event);
+  virtual void rightMouseDown(const NSEvent& event);
+  virtual void rightMouseDragged(const NSEvent& event);
+  virtual void scrollWheel(const NSEvent& event);
+  virtual void magnifyWithEvent(const NSEvent& event);
   virtual void mouseEntered(const NSEvent& event);
   virtual void mouseExited(const NSEvent& event);
+  /// A key that may be a command whoever has the focus. True when it was one.
+  virtual bool performKeyEquivalent(const NSEvent& event);
+
+  /// Hands the event of a window to the method above that it is for, wherever the focus is; a pressed key to
+  /// `performKeyEquivalent`. True when that was a command.
+  bool dispatch(const NSEvent& event);
 
  private:
   NSResponder* nextResponder_ = nullptr;

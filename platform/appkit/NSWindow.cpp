@@ -215,6 +215,7 @@ Rect NSWindow::convertRectToScreen(const Rect& rect) const {
 }
 
 bool NSWindow::sendEvent(const NSEvent& event) {
+  if (contentView_ && contentView_->dispatch(event)) return true;
   if (event.type() != NSEventType::KeyDown || !firstResponder_) return false;
   const auto* button = dynamic_cast<NSPopUpButton*>(firstResponder_);
   const bool isTaken = button && button->takesKey(event.keyCode());

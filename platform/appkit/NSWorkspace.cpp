@@ -14,4 +14,6 @@ bool NSWorkspace::openURL(const URL& url) {
   return backend::current().session().openUrl(url.absoluteString());
 }
 
+bool NSWorkspace::isVoiceOverEnabled() const { return backend::current().session().isScreenReaderOn(); }
+
 }  // namespace vistrel

@@ -10,6 +10,8 @@ class NSWorkspace {
   static NSWorkspace& shared();
   /// Opens the address in the user's default program for it; false when there is none.
   bool openURL(const URL& url);
+  /// Whether a screen reader says that it runs.
+  [[nodiscard]] bool isVoiceOverEnabled() const;
 };
 
 }  // namespace vistrel

@@ -64,6 +64,10 @@ class CameraStream {
   /// Whether frames came in that time, of which none could be shown.
   [[nodiscard]] virtual bool sendsUnusableFrames() const = 0;
 
+  /// The size of the pictures as they are seen, upright; 0 × 0 while there is nothing to show (no good frame
+  /// yet, cleared, stopped).
+  [[nodiscard]] virtual PixelSize pictureSize() const = 0;
+
   /// Drops the picture, so that the glass shows a neutral surface instead of a frozen one.
   virtual void clearPicture() = 0;
 };

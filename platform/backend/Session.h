@@ -44,6 +44,8 @@ class Session {
   [[nodiscard]] virtual std::vector<Screen> screens() = 0;
   [[nodiscard]] virtual Point pointerLocation() = 0;
   [[nodiscard]] virtual bool isDark() = 0;
+  /// Whether a screen reader says that it runs.
+  [[nodiscard]] virtual bool isScreenReaderOn() = 0;
   /// Version of the platform as major, minor, patch; on Linux one after 10.15 and before 12.3.
   struct Version {
     int major = 0;

@@ -41,7 +41,8 @@ class WindowClient {
   virtual void focusWanted(NSView* view) = 0;
   /// The user pressed a native control.
   virtual void viewClicked(NSView& view) = 0;
-  /// A key or button event for the window, before its native handling. True when it was swallowed.
+  /// A key, button, wheel or pinch event for the window, or a movement with the secondary button held, before
+  /// its native handling. True when it was swallowed.
   virtual bool handleEvent(const std::shared_ptr<NSEvent>& event) = 0;
 };
 

@@ -68,6 +68,9 @@ class SimulatedStream final : public backend::CameraStream {
   void stop() override;
   [[nodiscard]] std::chrono::milliseconds silence() const override { return owner_.loop_.now() - lastFrame_; }
   [[nodiscard]] bool sendsUnusableFrames() const override { return false; }
+  [[nodiscard]] PixelSize pictureSize() const override {
+    return hasPicture_ ? camera_->sizes.front() : PixelSize{};
+  }
   void clearPicture() override { hasPicture_ = false; }
 
   void sendFrame();

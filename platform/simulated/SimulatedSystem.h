@@ -101,6 +101,7 @@ class SimulatedSession final : public backend::Session {
   [[nodiscard]] std::vector<backend::Screen> screens() override { return screenList; }
   [[nodiscard]] Point pointerLocation() override { return pointer; }
   [[nodiscard]] bool isDark() override { return dark; }
+  [[nodiscard]] bool isScreenReaderOn() override { return hasScreenReader; }
   [[nodiscard]] Version platformVersion() override { return version; }
   bool openUrl(const std::string& url) override;
   [[nodiscard]] backend::SessionClient& client() const;
@@ -108,6 +109,7 @@ class SimulatedSession final : public backend::Session {
   std::vector<backend::Screen> screenList = {{"main", {0, 0, 1280, 800}, {0, 28, 1280, 772}, 1, true}};
   Point pointer{640, 400};
   bool dark = false;
+  bool hasScreenReader = false;
   bool hasBrowser = true;
   Version version{12, 0, 0};
   std::vector<std::string> openedUrls;

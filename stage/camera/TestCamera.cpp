@@ -192,9 +192,9 @@ void TestCamera::frameWanted(void* self) {
     const std::size_t room = std::min<std::size_t>(data.maxsize, camera.source_->maximumBytes());
     const std::span<std::uint8_t> target(static_cast<std::uint8_t*>(data.data), room);
     data.chunk->offset = 0;
-    data.chunk->size =
-        camera.source_->write(camera.counter_, static_cast<std::uint32_t>(taken / kNanosecondsPerMillisecond),
-                              camera.nextLook(), target);
+    const auto milliseconds = static_cast<std::uint32_t>(taken / kNanosecondsPerMillisecond);
+    data.chunk->size = camera.source_->write(camera.isStill_ ? 0 : camera.counter_,
+                                             camera.isStill_ ? 0 : milliseconds, camera.nextLook(), target);
     data.chunk->stride = camera.source_->stride();
     data.chunk->flags = 0;
     auto* const header = static_cast<spa_meta_header*>(
@@ -238,9 +238,11 @@ bool TestCamera::carryOut(const std::string& command, const std::string& argumen
   if (command == "stall") {
     isStalled_ = true;
   } else if (command == "resume") {
-    isStalled_ = isGarbage_ = false;
+    isStalled_ = isGarbage_ = isStill_ = false;
   } else if (command == "garbage") {
     isGarbage_ = true;
+  } else if (command == "still") {
+    isStill_ = true;
   } else if (command == "black") {
     blackLeft_ = options_.blackFrames = std::atoi(argument.c_str());
   } else if (command == "slow") {

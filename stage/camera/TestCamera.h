@@ -58,6 +58,7 @@ class TestCamera {
   int latency_ = 0;
   bool isStalled_ = false;
   bool isGarbage_ = false;
+  bool isStill_ = false;  ///< the same picture again and again
   int blackLeft_ = 0;
   std::string input_;
 };

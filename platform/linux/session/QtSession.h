@@ -7,6 +7,7 @@
 #include "linux/qt/SingleShot.h"
 #include "linux/session/ActivationWatch.h"
 #include "linux/session/ColorScheme.h"
+#include "linux/session/ScreenReader.h"
 #include "linux/session/ScreenWatch.h"
 #include "linux/session/TerminationSignals.h"
 
@@ -24,6 +25,7 @@ class QtSession final : public QObject, public backend::Session {
   [[nodiscard]] std::vector<backend::Screen> screens() override { return screenWatch_.screens(); }
   [[nodiscard]] Point pointerLocation() override;
   [[nodiscard]] bool isDark() override { return colorScheme_.isDark(); }
+  [[nodiscard]] bool isScreenReaderOn() override { return screenReader_.isOn(); }
   [[nodiscard]] Version platformVersion() override { return {12, 0, 0}; }
   bool openUrl(const std::string& url) override;
 
@@ -53,6 +55,7 @@ class QtSession final : public QObject, public backend::Session {
   ScreenWatch screenWatch_;
   ActivationWatch activation_;
   ColorScheme colorScheme_;
+  ScreenReader screenReader_;
   TerminationSignals signals_;
 };
 

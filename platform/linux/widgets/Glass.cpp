@@ -5,6 +5,7 @@
 #include <QGuiApplication>
 #include <QPaintEvent>
 #include <QPainter>
+#include <cmath>
 #include <utility>
 
 namespace vistrel::widgets {
@@ -48,6 +49,14 @@ void Glass::setLayer(std::shared_ptr<AVCaptureVideoPreviewLayer> layer) {
   update();
 }
 
+void Glass::layerDidChange() {
+  if (!layer_ || !isAttached_) return;
+  if (shownPart_ == layer_->contentsRect() && isShownMirrored_ == layer_->isMirrored()) return;
+  const Place where = place();
+  tellSize(where);
+  pictureChanged();
+}
+
 void Glass::setNeutralColor(const QColor& color) {
   if (std::exchange(neutral_, color) != color) update();
 }
@@ -68,7 +77,10 @@ void Glass::detach() {
 }
 
 void Glass::tellSize(const Place& place) {
-  const PixelSize size = isEmpty(place.picture) ? place.glass.size : place.picture.size;
+  const PixelSize seen = isEmpty(place.picture) ? place.glass.size : place.picture.size;
+  const Rect& part = layer_->contentsRect();
+  const PixelSize size{static_cast<int>(std::lround(seen.width / part.width)),
+                       static_cast<int>(std::lround(seen.height / part.height))};
   if (std::exchange(toldSize_, size) != size) source_->setGlassSize(size);
 }
 
@@ -198,9 +210,10 @@ bool Glass::paintInto(QImage& image, const PixelRect& target) {
 }
 
 bool Glass::paintInto(std::uint8_t* pixels, int stride, PixelSize size) {
-  const auto* connection = layer_->connection();
-  const bool isMirrored = connection && connection->isVideoMirrored();
-  return source_->paint({.pixels = pixels, .stride = stride, .size = size, .isMirrored = isMirrored});
+  shownPart_ = layer_->contentsRect();
+  isShownMirrored_ = layer_->isMirrored();
+  return source_->paint(
+      {.pixels = pixels, .stride = stride, .size = size, .isMirrored = isShownMirrored_, .part = shownPart_});
 }
 
 void Glass::paintAround(const QRect& picture, const QRegion& region) {

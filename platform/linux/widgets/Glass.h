@@ -25,6 +25,8 @@ class Glass final : public QWidget {
   ~Glass() override;
 
   void setLayer(std::shared_ptr<AVCaptureVideoPreviewLayer> layer);
+  /// The layer shows another part of the picture, or another way round: shown at once.
+  void layerDidChange();
   void setNeutralColor(const QColor& color);
 
  protected:
@@ -61,6 +63,8 @@ class Glass final : public QWidget {
   QColor neutral_;
   QImage spare_;
   PixelSize toldSize_;
+  Rect shownPart_;
+  bool isShownMirrored_ = false;
   PixelRect paintedPicture_;
   std::unique_ptr<x11::SharedPicture> shared_;
   QPointer<QWindow> watched_;

@@ -49,6 +49,7 @@ void QtView::refreshGlass() {
   }
   glass_->setNeutralColor(qt::neutralGlass(view_->effectiveAppearance()));
   glass_->setLayer(std::move(layer));
+  glass_->layerDidChange();
 }
 
 void QtView::fillWith(QWidget& content) {

@@ -39,6 +39,7 @@ NSEventType typeOf(const QKeyEvent& event, std::uint16_t keyCode) {
 }
 
 NSEventType typeOf(const QMouseEvent& event) {
+  if (event.type() == QEvent::MouseMove) return NSEventType::RightMouseDragged;
   const bool isRelease = event.type() == QEvent::MouseButtonRelease;
   if (event.button() == Qt::LeftButton) {
     return isRelease ? NSEventType::LeftMouseUp : NSEventType::LeftMouseDown;
@@ -48,6 +49,15 @@ NSEventType typeOf(const QMouseEvent& event) {
   }
   return isRelease ? NSEventType::OtherMouseUp : NSEventType::OtherMouseDown;
 }
+
+// By the keysym: with Control held the text is a control character.
+std::string charactersOf(const QKeyEvent& event) {
+  const auto key = static_cast<char32_t>(event.key());
+  return key > 0 && key < Qt::Key_Escape ? QString::fromUcs4(&key, 1).toLower().toStdString() : std::string();
+}
+
+// A wheel's step is fifteen degrees, told in eighths.
+constexpr double kWheelStep = 120;
 
 }  // namespace
 
@@ -64,7 +74,8 @@ std::shared_ptr<NSEvent> keyEvent(const QKeyEvent& event, NSWindow& window) {
   return NSEvent::keyEvent({.type = typeOf(event, keyCode),
                             .modifierFlags = flagsOf(event.modifiers()),
                             .keyCode = keyCode,
-                            .isARepeat = event.isAutoRepeat()},
+                            .isARepeat = event.isAutoRepeat(),
+                            .characters = charactersOf(event)},
                            &window);
 }
 
@@ -75,6 +86,24 @@ std::shared_ptr<NSEvent> buttonEvent(const QMouseEvent& event, QPoint origin, NS
                               .modifierFlags = flagsOf(event.modifiers()),
                               .timestamp = double(event.timestamp()) / kMillisecondsPerSecond,
                               .clickCount = event.type() == QEvent::MouseButtonDblClick ? 2 : 1},
+                             &window);
+}
+
+std::shared_ptr<NSEvent> wheelEvent(const QWheelEvent& event, QPoint origin, NSWindow& window) {
+  const QPointF location = event.position() - origin;
+  return NSEvent::mouseEvent({.type = NSEventType::ScrollWheel,
+                              .location = {location.x(), location.y()},
+                              .modifierFlags = flagsOf(event.modifiers()),
+                              .scrollingDeltaY = event.angleDelta().y() / kWheelStep},
+                             &window);
+}
+
+std::shared_ptr<NSEvent> pinchEvent(const QNativeGestureEvent& event, QPoint origin, NSWindow& window) {
+  if (event.gestureType() != Qt::ZoomNativeGesture) return nullptr;
+  const QPointF location = event.position() - origin;
+  return NSEvent::mouseEvent({.type = NSEventType::Magnify,
+                              .location = {location.x(), location.y()},
+                              .magnification = event.value()},
                              &window);
 }
 

@@ -2,6 +2,8 @@
 
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QNativeGestureEvent>
+#include <QWheelEvent>
 #include <memory>
 
 #include "appkit/NSEvent.h"
@@ -15,5 +17,9 @@ namespace vistrel::windows {
 
 /// The event that a button makes, with its location in the content that begins at `origin`.
 [[nodiscard]] std::shared_ptr<NSEvent> buttonEvent(const QMouseEvent& event, QPoint origin, NSWindow& window);
+[[nodiscard]] std::shared_ptr<NSEvent> wheelEvent(const QWheelEvent& event, QPoint origin, NSWindow& window);
+/// The event of a touch pad's pinch; null for any other gesture.
+[[nodiscard]] std::shared_ptr<NSEvent> pinchEvent(const QNativeGestureEvent& event, QPoint origin,
+                                                  NSWindow& window);
 
 }  // namespace vistrel::windows

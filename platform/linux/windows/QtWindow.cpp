@@ -290,8 +290,11 @@ bool QtWindow::shellFilter(QEvent& event) {
 
 std::shared_ptr<NSEvent> QtWindow::translated(QEvent& event) {
   if (auto* key = dynamic_cast<QKeyEvent*>(&event)) return keyEvent(*key, window_);
+  const QPoint origin = shell_->content().pos();
+  if (auto* wheel = dynamic_cast<QWheelEvent*>(&event)) return wheelEvent(*wheel, origin, window_);
+  if (auto* pinch = dynamic_cast<QNativeGestureEvent*>(&event)) return pinchEvent(*pinch, origin, window_);
   auto* press = dynamic_cast<QMouseEvent*>(&event);
-  return press ? buttonEvent(*press, shell_->content().pos(), window_) : nullptr;
+  return press ? buttonEvent(*press, origin, window_) : nullptr;
 }
 
 void QtWindow::focusWanted(NSView& view) {

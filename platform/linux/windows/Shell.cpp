@@ -122,7 +122,12 @@ bool Shell::filterWindow(QEvent& event) {
     case QEvent::MouseButtonPress:
     case QEvent::MouseButtonDblClick:
     case QEvent::MouseButtonRelease:
+    case QEvent::Wheel:
+    case QEvent::NativeGesture:
       return client_->shellFilter(event);
+    case QEvent::MouseMove:
+      return static_cast<const QMouseEvent&>(event).buttons() == Qt::RightButton &&
+             client_->shellFilter(event);
     default:
       return false;
   }

@@ -30,7 +30,8 @@ class ShellClient {
   virtual void shellDragged(QPoint position) = 0;
   virtual void shellPointerEntered() = 0;
   virtual void shellPointerLeft() = 0;
-  /// A key or button event before any widget gets it. True when it was swallowed.
+  /// A key, button, wheel or touch pad event, or a movement with the secondary button held, before any widget
+  /// gets it. True when it was swallowed.
   virtual bool shellFilter(QEvent& event) = 0;
 };
 
