@@ -79,5 +79,6 @@ class Screen:
         wait_until(lambda: self.ask("find")["place"] is None, "the end of the picture")
 
     def save(self, path, place=()):
-        """The whole screen, or the part at `place`."""
+        """The whole screen, or the part at `place`, in a file whose folder is made."""
+        path.parent.mkdir(parents=True, exist_ok=True)
         self.ask("shot", path, *place)

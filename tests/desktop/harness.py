@@ -50,7 +50,6 @@ class DesktopTest(unittest.TestCase):
         result = self._outcome.result
         if any(self in (test, getattr(test, "test_case", None)) for test, _ in result.failures + result.errors):
             picture = ROOT / "build" / "desktop" / f"{self.id()}.png"
-            picture.parent.mkdir(parents=True, exist_ok=True)
             self.screen.save(picture)
             print("\n".join(["--- standard output", *vistrel.lines, "--- standard error", *vistrel.process.errors,
                              f"--- status {vistrel.process.status}, screen in {picture}"]), flush=True)
