@@ -7,6 +7,7 @@
 #include "linux/AnswerWatch.h"
 #include "linux/camera/CameraCenter.h"
 #include "linux/files/Autostart.h"
+#include "linux/files/FileTools.h"
 #include "linux/files/PreferencesFile.h"
 #include "linux/files/ResourceFolder.h"
 #include "linux/files/StandardStreams.h"
@@ -49,7 +50,8 @@ struct Desktop::Parts {
   qt::LoopReactor reactor{mainLoop};
   files::PreferencesFile userFiles;
   files::ResourceFolder resources;
-  files::Autostart loginItems{files::AutostartFolders::fromEnvironment(), resources.executablePath()};
+  files::Autostart loginItems{files::AutostartFolders::fromEnvironment(), resources.executablePath(),
+                              files::environment("XDG_CURRENT_DESKTOP")};
   x11::X11Connection x11{reactor};
   keyboard::HotKeyGrabs grabs{x11};
   keyboard::X11Keyboard keyboard{x11, qt::toolkitConnection()};

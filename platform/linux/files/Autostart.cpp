@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <set>
+#include <sstream>
 #include <string_view>
 #include <utility>
 
@@ -22,7 +23,10 @@ namespace {
 
 constexpr std::string_view kSuffix = ".desktop";
 constexpr const char* kHidden = "Hidden";
-constexpr const char* kDesktopEnabled = "X-GNOME-Autostart-enabled";
+// Each desktop's own switch; the others follow GNOME's.
+constexpr std::array<const char*, 2> kSwitches = {"X-GNOME-Autostart-enabled", "X-MATE-Autostart-enabled"};
+constexpr const char* kOnlyShowIn = "OnlyShowIn";
+constexpr const char* kNotShowIn = "NotShowIn";
 constexpr const char* kDefaultSystemFolders = "/etc/xdg";
 // Far more than any entry needs; what is larger is none.
 constexpr std::uintmax_t kLargestEntry = 1U << 20U;
@@ -44,12 +48,41 @@ bool isProgramThere(const DesktopEntry& entry) {
   return !program || !program->starts_with('/') || ::access(program->c_str(), X_OK) == 0;
 }
 
-bool startsSomething(const std::string& path) {
+bool isSwitchedOn(const DesktopEntry& entry) {
+  return !entry.boolean(kHidden).value_or(false) &&
+         std::all_of(kSwitches.begin(), kSwitches.end(),
+                     [&](const char* key) { return entry.boolean(key).value_or(true); });
+}
+
+/// The parts of a list, which `separator` ends or divides.
+std::vector<std::string> partsOf(const std::string& list, char separator) {
+  std::vector<std::string> parts;
+  std::istringstream stream(list);
+  for (std::string part; std::getline(stream, part, separator);)
+    if (!part.empty()) parts.push_back(part);
+  return parts;
+}
+
+/// Whether the list under the key names one of the desktops; none when there is no such list.
+std::optional<bool> names(const DesktopEntry& entry, const char* key,
+                          const std::vector<std::string>& desktops) {
+  const auto list = entry.value(key);
+  if (!list) return std::nullopt;
+  const auto named = partsOf(*list, ';');
+  return std::any_of(named.begin(), named.end(), [&](const std::string& name) {
+    return std::find(desktops.begin(), desktops.end(), name) != desktops.end();
+  });
+}
+
+bool isForOneOf(const DesktopEntry& entry, const std::vector<std::string>& desktops) {
+  return names(entry, kOnlyShowIn, desktops).value_or(true) &&
+         !names(entry, kNotShowIn, desktops).value_or(false);
+}
+
+bool startsSomething(const std::string& path, const std::vector<std::string>& desktops) {
   const auto entry = readEntry(path);
-  if (!entry || entry->boolean(kHidden).value_or(false) || !entry->boolean(kDesktopEnabled).value_or(true)) {
-    return false;
-  }
-  return !entry->value("Exec").value_or("").empty() && isProgramThere(*entry);
+  return entry && isSwitchedOn(*entry) && isForOneOf(*entry, desktops) &&
+         !entry->value("Exec").value_or("").empty() && isProgramThere(*entry);
 }
 
 /// The entries of a folder by file name; an error when it cannot be read. A folder that is missing is empty.
@@ -79,17 +112,13 @@ AutostartFolders AutostartFolders::fromEnvironment() {
   AutostartFolders result{configurationFolder() + "/autostart", {}};
   std::string configured = environment("XDG_CONFIG_DIRS");
   if (configured.empty()) configured = kDefaultSystemFolders;
-  for (std::size_t start = 0; start <= configured.size();) {
-    const auto end = std::min(configured.find(':', start), configured.size());
-    const std::string folder = configured.substr(start, end - start);
+  for (const std::string& folder : partsOf(configured, ':'))
     if (folder.starts_with('/')) result.ofSystem.push_back(folder + "/autostart");
-    start = end + 1;
-  }
   return result;
 }
 
-Autostart::Autostart(AutostartFolders folders, std::string program)
-    : folders_(std::move(folders)), program_(std::move(program)) {}
+Autostart::Autostart(AutostartFolders folders, std::string program, const std::string& desktops)
+    : folders_(std::move(folders)), program_(std::move(program)), desktops_(partsOf(desktops, ':')) {}
 
 Result<std::vector<backend::LoginItem>> Autostart::items() {
   std::vector<backend::LoginItem> found;
@@ -104,7 +133,7 @@ Result<std::vector<backend::LoginItem>> Autostart::items() {
     for (const auto& name : names.value()) {
       if (!seen.insert(name).second) continue;
       found.push_back({name.substr(0, name.size() - kSuffix.size()),
-                       startsSomething((fs::path(folder) / name).string())});
+                       startsSomething((fs::path(folder) / name).string(), desktops_)});
     }
   }
   if (found.empty() && failure) return *failure;
@@ -135,7 +164,10 @@ Result<void> Autostart::enable(const std::string& path) {
   entry.set("Icon", program::kIdentifier);
   entry.set("Terminal", "false");
   if (entry.value(kHidden)) entry.set(kHidden, "false");
-  if (entry.value(kDesktopEnabled)) entry.set(kDesktopEnabled, "true");
+  for (const char* key : kSwitches)
+    if (entry.value(key)) entry.set(key, "true");
+  for (const char* key : {kOnlyShowIn, kNotShowIn})
+    if (!isForOneOf(entry, desktops_)) entry.remove(key);
   return replaceFile(path, entry.text());
 }
 

@@ -20,13 +20,14 @@ struct AutostartFolders {
 /// The desktop entries that a desktop starts with the session.
 class Autostart final : public backend::LoginItems {
  public:
-  /// `program` is the absolute path that an enabled item starts.
-  Autostart(AutostartFolders folders, std::string program);
+  /// `program` is the absolute path that an enabled item starts; `desktops` are the names of the running one,
+  /// as XDG_CURRENT_DESKTOP gives them.
+  Autostart(AutostartFolders folders, std::string program, const std::string& desktops);
 
   Result<std::vector<backend::LoginItem>> items() override;
-  /// Enabling writes the user's entry, or updates it without touching keys that others added. Disabling
-  /// removes an entry of our own making, and hides one that others added keys to or that lies over a system's
-  /// entry.
+  /// Enabling writes the user's entry, or updates it without touching keys that others added, but for those
+  /// that keep it from being started here. Disabling removes an entry of our own making, and hides one that
+  /// others added keys to or that lies over a system's entry.
   Result<void> setEnabled(const std::string& label, bool isEnabled) override;
 
  private:
@@ -36,6 +37,7 @@ class Autostart final : public backend::LoginItems {
 
   AutostartFolders folders_;
   std::string program_;
+  std::vector<std::string> desktops_;
 };
 
 }  // namespace vistrel::files

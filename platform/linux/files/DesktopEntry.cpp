@@ -125,6 +125,10 @@ void DesktopEntry::set(std::string_view key, std::string_view value) {
   lines_.insert(lines_.begin() + static_cast<std::ptrdiff_t>(place), std::move(line));
 }
 
+void DesktopEntry::remove(std::string_view key) {
+  if (const auto present = lineOf(key)) lines_.erase(lines_.begin() + static_cast<std::ptrdiff_t>(*present));
+}
+
 std::vector<std::string> DesktopEntry::keys() const {
   std::vector<std::string> result;
   for (std::size_t i = groupBegin(); i < groupEnd(); ++i) {

@@ -21,6 +21,7 @@ class DesktopEntry {
   /// True for the value "true"; none for a missing key.
   [[nodiscard]] std::optional<bool> boolean(std::string_view key) const;
   void set(std::string_view key, std::string_view value);
+  void remove(std::string_view key);
   /// The keys of the main group, in their order.
   [[nodiscard]] std::vector<std::string> keys() const;
   [[nodiscard]] std::string text() const;

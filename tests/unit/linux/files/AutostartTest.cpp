@@ -32,7 +32,7 @@ class AutostartTest : public ::testing::Test {
   [[nodiscard]] std::string system() const { return root_ + "/system/autostart"; }
   [[nodiscard]] std::string entry() const { return user() + "/" + kLabel + ".desktop"; }
   Autostart autostart(const std::string& program = "/bin/true") const {
-    return {AutostartFolders{user(), {system()}}, program};
+    return {AutostartFolders{user(), {system()}}, program, "ubuntu:MATE"};
   }
   static void write(const std::string& path, const std::string& text) {
     fs::create_directories(fs::path(path).parent_path());
@@ -70,6 +70,11 @@ TEST_F(AutostartTest, ReadsWhatADesktopWouldStart) {
        "# by hand\n\n [Desktop Entry]\r\n Exec = true \r\n", true},
       {"hidden", head + "Exec=/bin/true\nHidden=true\n", false},
       {"switched off by a desktop", head + "Exec=/bin/true\nX-GNOME-Autostart-enabled=false\n", false},
+      {"switched off by MATE", head + "Exec=/bin/true\nX-MATE-Autostart-enabled=false\n", false},
+      {"for this desktop", head + "Exec=/bin/true\nOnlyShowIn=GNOME;MATE;\n", true},
+      {"for another desktop", head + "Exec=/bin/true\nOnlyShowIn=GNOME;KDE\n", false},
+      {"not for this desktop", head + "Exec=/bin/true\nNotShowIn=MATE;\n", false},
+      {"not for another desktop", head + "Exec=/bin/true\nNotShowIn=GNOME;\n", true},
       {"switched on by both", head + "Exec=true\nHidden=false\nX-GNOME-Autostart-enabled=true\n", true},
       {"a key of another group", head + "Exec=/bin/true\n\n[Desktop Action x]\nHidden=true\n", true},
       {"a program that is gone", head + "Exec=/gone\nTryExec=/gone/vistrel\n", false},
@@ -117,7 +122,8 @@ TEST_F(AutostartTest, WritesOneEntryAndTakesItAwayAgain) {
 TEST_F(AutostartTest, KeepsWhatOthersWrote) {
   const std::string foreign =
       "# mine\n[Desktop Entry]\nName[de]=Spiegel\nExec=/old\nHidden=true\nX-GNOME-Autostart-enabled=false\n"
-      "X-MATE-Autostart-Delay=5\n\n[Desktop Action x]\nExec=keep\n";
+      "X-MATE-Autostart-enabled=false\nOnlyShowIn=KDE;\nX-MATE-Autostart-Delay=5\n\n[Desktop Action "
+      "x]\nExec=keep\n";
   write(entry(), foreign);
   ASSERT_TRUE(autostart().setEnabled(kLabel, true));
   EXPECT_TRUE(isEnabled());
