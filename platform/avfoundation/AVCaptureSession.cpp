@@ -1,5 +1,6 @@
 #include "avfoundation/AVCaptureSession.h"
 
+#include <algorithm>
 #include <chrono>
 #include <optional>
 #include <utility>
@@ -15,7 +16,9 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr std::chrono::milliseconds kStartPatience = 250ms;
+constexpr std::chrono::milliseconds kLongestStart = 10s;
 constexpr std::chrono::milliseconds kLongestSilence = 3s;
+constexpr std::chrono::milliseconds kBetweenLooks = 1s;
 
 std::optional<PixelSize> sizeOf(const std::string& preset) {
   if (preset == AVCaptureSessionPreset3840x2160) return PixelSize{3840, 2160};
@@ -52,7 +55,8 @@ void AVCaptureSession::startRunning() {
   input_->stream().begin(sizeOf(preset_), *this);
   CATransaction::flush();
   const auto outcome = input_->stream().awaitStart(kStartPatience);
-  if (outcome != backend::StreamStart::Failed) armWatchdog(kLongestSilence, Look::First);
+  silence_ = 0ms;
+  if (outcome != backend::StreamStart::Failed) lookAgainAfter(kBetweenLooks);
   if (outcome == backend::StreamStart::Running) didStart();
 }
 
@@ -89,22 +93,21 @@ void AVCaptureSession::streamDidFail(const Error& error) {
                                            {{AVCaptureSessionErrorKey, reason}});
 }
 
-void AVCaptureSession::armWatchdog(std::chrono::milliseconds delay, Look look) {
-  watchdog_ = backend::current().mainLoop().after(delay, [this, look] { lookForFrames(look); });
+void AVCaptureSession::lookAgainAfter(std::chrono::milliseconds delay) {
+  delay_ = delay;
+  watchdog_ = backend::current().mainLoop().after(delay, [this] { lookForFrames(); });
 }
 
-// The frames of a loop that stood still wait in it: before a camera counts as silent, they are let in.
-void AVCaptureSession::lookForFrames(Look look) {
-  const auto left = kLongestSilence - input_->stream().silence();
-  if (left > 0ms) {
-    armWatchdog(left, Look::First);
-  } else if (look == Look::First) {
-    armWatchdog(0ms, Look::Second);
-  } else {
-    const bool isUnusable = input_->stream().sendsUnusableFrames();
-    streamDidFail(
-        {isUnusable ? "The camera sends pictures that cannot be shown." : "The camera sends no pictures."});
-  }
+// A program that stood still (stopped, swapped out) looks late, and its frames wait for it: of the time since
+// the last look no more counts than was to pass.
+void AVCaptureSession::lookForFrames() {
+  auto& stream = input_->stream();
+  silence_ = std::min(stream.silence(), silence_ + delay_);
+  const auto left = (stream.hasSentPicture() ? kLongestSilence : kLongestStart) - silence_;
+  if (left > 0ms) return lookAgainAfter(std::min(left, kBetweenLooks));
+  const bool isUnusable = stream.sendsUnusableFrames();
+  streamDidFail(
+      {isUnusable ? "The camera sends pictures that cannot be shown." : "The camera sends no pictures."});
 }
 
 }  // namespace vistrel

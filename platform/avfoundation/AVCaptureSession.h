@@ -37,8 +37,9 @@ class AVCaptureDeviceInput {
   std::unique_ptr<backend::CameraStream> stream_;
 };
 
-/// Runs a camera at a preset and says what becomes of it: started, stopped, or ended by an error, three
-/// seconds without a frame included. Main thread only; notifications are posted on the default centre.
+/// Runs a camera at a preset and says what becomes of it: started, stopped, or ended by an error, ten seconds
+/// without a first picture and three without a further one included. Main thread only; notifications are
+/// posted on the default centre.
 class AVCaptureSession final : public backend::CameraStreamClient,
                                public std::enable_shared_from_this<AVCaptureSession> {
  public:
@@ -66,13 +67,14 @@ class AVCaptureSession final : public backend::CameraStreamClient,
 
  private:
   void didStart();
-  enum class Look { First, Second };
-  void armWatchdog(std::chrono::milliseconds delay, Look look);
-  void lookForFrames(Look look);
+  void lookAgainAfter(std::chrono::milliseconds delay);
+  void lookForFrames();
 
   std::unique_ptr<AVCaptureDeviceInput> input_;
   std::string preset_;
   std::unique_ptr<backend::Timer> watchdog_;
+  std::chrono::milliseconds delay_{0};    // of the watchdog
+  std::chrono::milliseconds silence_{0};  // at its last look
   bool isRunning_ = false;
   bool hasStarted_ = false;
 };

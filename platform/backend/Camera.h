@@ -61,6 +61,8 @@ class CameraStream {
 
   /// For how long no frame has come that could be shown: since the last one, or since `begin`.
   [[nodiscard]] virtual std::chrono::milliseconds silence() const = 0;
+  /// Whether one has come since `begin`.
+  [[nodiscard]] virtual bool hasSentPicture() const = 0;
   /// Whether frames came in that time, of which none could be shown.
   [[nodiscard]] virtual bool sendsUnusableFrames() const = 0;
 

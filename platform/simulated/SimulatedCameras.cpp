@@ -96,7 +96,7 @@ void SimulatedStream::stop() {
 
 void SimulatedStream::sendFrame() {
   lastFrame_ = owner_.loop_.now();
-  hasPicture_ = true;
+  hasPicture_ = hasSentPicture_ = true;
 }
 
 // Reports come from the loop, as a real camera's do, and reach nobody when the stream is gone by then.

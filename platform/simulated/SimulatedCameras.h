@@ -67,6 +67,7 @@ class SimulatedStream final : public backend::CameraStream {
   backend::StreamStart awaitStart(std::chrono::milliseconds patience) override;
   void stop() override;
   [[nodiscard]] std::chrono::milliseconds silence() const override { return owner_.loop_.now() - lastFrame_; }
+  [[nodiscard]] bool hasSentPicture() const override { return hasSentPicture_; }
   [[nodiscard]] bool sendsUnusableFrames() const override { return false; }
   [[nodiscard]] PixelSize pictureSize() const override {
     return hasPicture_ ? camera_->sizes.front() : PixelSize{};
@@ -87,6 +88,7 @@ class SimulatedStream final : public backend::CameraStream {
   backend::CameraStreamClient* client_ = nullptr;
   std::chrono::milliseconds lastFrame_{0};
   bool hasPicture_ = false;
+  bool hasSentPicture_ = false;
 };
 
 }  // namespace vistrel::simulated

@@ -61,7 +61,7 @@ void SimulatedMainLoop::advance(std::chrono::milliseconds time) {
   const auto end = now_ + time;
   settle();
   while (!timers_.empty() && timers_.begin()->first <= end) {
-    now_ = timers_.begin()->first;
+    now_ = std::max(now_, timers_.begin()->first);
     auto* timer = timers_.begin()->second;
     timers_.erase(timers_.begin());
     timer->fire();

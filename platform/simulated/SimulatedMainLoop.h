@@ -23,6 +23,8 @@ class SimulatedMainLoop final : public backend::MainLoop {
   void settle();
   /// Moves the clock on, firing the timers on the way.
   void advance(std::chrono::milliseconds time);
+  /// Moves the clock on while nothing runs: the timers are late.
+  void standStill(std::chrono::milliseconds time) { now_ += time; }
   /// Does `work` when the next modal loop waits: the user's answer.
   void onceModal(std::function<void()> work) { modalScript_.push_back(std::move(work)); }
   [[nodiscard]] std::chrono::milliseconds now() const { return now_; }

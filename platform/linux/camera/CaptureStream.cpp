@@ -133,6 +133,7 @@ void CaptureStream::frameArrived() {
 
 void CaptureStream::noteUsable() {
   lastFrame_ = std::chrono::steady_clock::now();
+  hasSentPicture_ = true;
   hasUnusableFrames_ = false;
 }
 
@@ -209,6 +210,7 @@ void CaptureStream::reset() {
   isAsleep_ = false;
   showing_ = Showing::Nothing;
   firstFrame_.reset();
+  hasSentPicture_ = false;
   hasUnusableFrames_ = false;
   hasUndecodedFrame_ = false;
   hasUnpaintedPicture_ = false;

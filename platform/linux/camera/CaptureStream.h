@@ -25,6 +25,7 @@ class CaptureStream final : public backend::CameraStream, public GlassSource, pr
   backend::StreamStart awaitStart(std::chrono::milliseconds patience) override;
   void stop() override;
   [[nodiscard]] std::chrono::milliseconds silence() const override;
+  [[nodiscard]] bool hasSentPicture() const override { return hasSentPicture_; }
   [[nodiscard]] bool sendsUnusableFrames() const override { return hasUnusableFrames_; }
   void clearPicture() override;
 
@@ -82,6 +83,7 @@ class CaptureStream final : public backend::CameraStream, public GlassSource, pr
   Orientation decoding_;  // of the frame that the decoder was given last
   Orientation decoded_;
   bool hasUndecodedFrame_ = false;
+  bool hasSentPicture_ = false;
   bool hasUnusableFrames_ = false;
   bool hasUnpaintedPicture_ = false;
 };

@@ -78,9 +78,32 @@ TEST(MirrorCamera, FaultsOfACameraEndInALineAndANeutralGlass) {
        "the camera refused the format"},
       {"never starts",
        behave(StartBehavior::HangsForEver),
-       [](Program& p) { p.desktop.loop.advance(3s); },
+       [](Program& p) {
+         p.desktop.loop.advance(9999ms);
+         EXPECT_EQ(p.takeLog(), Lines{});
+         p.desktop.loop.advance(1ms);
+       },
        {error + "The camera sends no pictures."},
        "The camera sends no pictures."},
+      {"sends its first picture late",
+       nothing,
+       [&](Program& p) {
+         p.desktop.loop.advance(8s);
+         camera(p).streams[0]->sendFrame();
+         p.desktop.loop.advance(2500ms);
+       },
+       {started}},
+      {"waits for a program that stood still",
+       nothing,
+       [&](Program& p) {
+         camera(p).streams[0]->sendFrame();
+         p.desktop.loop.advance(1500ms);
+         p.desktop.loop.standStill(60s);
+         p.desktop.loop.advance(400ms);
+         camera(p).streams[0]->sendFrame();
+         p.desktop.loop.advance(2s);
+       },
+       {started}},
       {"starts late",
        behave(StartBehavior::StartsLater),
        [&](Program& p) { camera(p).streams[0]->begin(); },
