@@ -2,6 +2,7 @@
 
 #include <grp.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 
 #include <array>
 #include <cctype>
@@ -114,6 +115,17 @@ std::string groupOf(const std::string& devicePath) {
   std::array<char, 16384> memory{};
   if (isShared) ::getgrgid_r(node.st_gid, &entry, memory.data(), memory.size(), &found);
   return found ? found->gr_name : "";
+}
+
+bool isAlias(const std::string& devicePath, const fs::path& sysfs) {
+  struct stat status {};
+  if (::stat(devicePath.c_str(), &status) != 0 || !S_ISCHR(status.st_mode)) return false;
+  const std::string number =
+      std::to_string(major(status.st_rdev)) + ":" + std::to_string(minor(status.st_rdev));
+  std::error_code error;
+  const fs::path own = fs::read_symlink(sysfs / "dev/char" / number, error).filename();
+  const fs::path path = devicePath;
+  return !own.empty() && own != path.filename() && fs::exists(path.parent_path() / own, error);
 }
 
 bool isPathBefore(std::string_view a, std::string_view b) {

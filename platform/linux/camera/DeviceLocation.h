@@ -30,6 +30,10 @@ enum class DeviceLocation { BuiltIn, External };
 /// The group that may read and write such a node; empty where there is no such group.
 [[nodiscard]] std::string groupOf(const std::string& devicePath);
 
+/// True for another name, such as a link's, of a node that is there under the kernel's own name, too: the
+/// node's number decides.
+[[nodiscard]] bool isAlias(const std::string& devicePath, const std::filesystem::path& sysfs = "/sys");
+
 /// Orders paths as people do: "/dev/video2" before "/dev/video10".
 [[nodiscard]] bool isPathBefore(std::string_view a, std::string_view b);
 

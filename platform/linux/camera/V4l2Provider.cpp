@@ -21,7 +21,8 @@ V4l2Provider::V4l2Provider(desktop::Reactor& reactor, V4l2System& system, const 
       watch_(reactor, folder, [this](const std::string& name, FileWatch::Change change) {
         if (name.starts_with(kNodePrefix)) changed(folder_ + "/" + name, change);
       }) {
-  for (const auto& path : system_.nodes()) look(path);
+  for (const auto& path : system_.nodes())
+    if (!system_.isAlias(path)) look(path);
 }
 
 std::vector<CameraEntry> V4l2Provider::cameras() {
@@ -55,6 +56,7 @@ Result<std::unique_ptr<CaptureDevice>> V4l2Provider::open(const std::string& id)
 }
 
 void V4l2Provider::changed(const std::string& path, FileWatch::Change change) {
+  if (system_.isAlias(path)) return;
   Node& node = nodes_[path];
   if (change != FileWatch::Change::Permissions) node.camera.reset();
   if (change == FileWatch::Change::Appeared) {

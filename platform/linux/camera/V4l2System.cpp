@@ -26,6 +26,8 @@ class Kernel final : public V4l2System {
     return paths;
   }
 
+  bool isAlias(const std::string& path) override { return camera::isAlias(path); }
+
   Label label(const std::string& path) override {
     const auto folder = fs::path("/sys/class/video4linux") / fs::path(path).filename();
     Label label;

@@ -23,8 +23,10 @@ class V4l2System {
   /// The real one.
   [[nodiscard]] static V4l2System& kernel();
 
-  /// Every "/dev/video" node.
+  /// Every "/dev/video" node, by whatever name.
   [[nodiscard]] virtual std::vector<std::string> nodes() = 0;
+  /// See `DeviceLocation.h`.
+  [[nodiscard]] virtual bool isAlias(const std::string& path) = 0;
   /// What the kernel tells of a node without opening it.
   struct Label {
     std::string name;

@@ -66,6 +66,19 @@ TEST_F(DeviceLocationTest, FollowsTheKernelsWord) {
   EXPECT_FALSE(seemsCamera("/dev/video99", root_));
 }
 
+TEST_F(DeviceLocationTest, KnowsAnotherNameOfANodeByItsNumber) {
+  fs::create_directories(root_ / "dev/char");
+  fs::create_symlink("../../devices/mem/null", root_ / "dev/char/1:3");
+  fs::create_symlink("/dev/null", root_ / "null");
+  fs::create_symlink("null", root_ / "video-front");
+  EXPECT_TRUE(isAlias(root_ / "video-front", root_));
+  EXPECT_FALSE(isAlias(root_ / "null", root_)) << "the kernel's own name";
+  fs::remove(root_ / "null");
+  fs::create_symlink("/dev/null", root_ / "video-back");
+  EXPECT_FALSE(isAlias(root_ / "video-back", root_)) << "the only name";
+  EXPECT_FALSE(isAlias(root_ / "gone", root_));
+}
+
 TEST(Paths, AreOrderedAsPeopleDo) {
   const std::vector<std::string> ordered{
       "/dev/video2", "/dev/video10", "/dev/video010a", "a", "a1", "a1b", "b"};

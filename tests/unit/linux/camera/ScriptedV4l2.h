@@ -38,6 +38,7 @@ struct ScriptedNode {
   std::vector<Mode> modes{Mode{}};
   int index = 0;
   bool seemsCamera = true;
+  bool isAlias = false;
   std::string place{};
   std::string group{};
   std::chrono::milliseconds openTakes{};
@@ -78,6 +79,7 @@ class ScriptedV4l2 final : public V4l2System {
   [[nodiscard]] v4l2_fract takeAskedInterval();
 
   std::vector<std::string> nodes() override;
+  bool isAlias(const std::string& path) override { return script.contains(path) && script.at(path).isAlias; }
   Label label(const std::string& path) override;
   std::string groupOf(const std::string& path) override { return script[path].group; }
   int open(const std::string& path) override;

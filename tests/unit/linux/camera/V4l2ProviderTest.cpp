@@ -18,7 +18,9 @@ TEST_F(V4l2Test, ListsEachUsableCameraOnce) {
   system_.script[node(7)] = {.card = "Kamera \xd0\x9a\xd0"};
   system_.script[node(8)] = {.card = "Busy", .seemsCamera = false, .openResult = -EBUSY};
   system_.script[node(9)] = {.card = "Busy", .index = 1, .openResult = -EBUSY};
+  system_.script[folder_ / "video-front"] = {.card = "UVC", .isAlias = true};
   makeProvider();
+  std::ofstream(folder_ / "video-front").close();
   EXPECT_EQ(names(),
             (std::vector<std::string>{"UVC", std::string(31, 'L'), "<b>&\n", "Kamera \u041a\ufffd", "Busy"}));
   EXPECT_EQ(provider_->cameras()[1].path, "usb1");
