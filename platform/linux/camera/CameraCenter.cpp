@@ -49,7 +49,11 @@ CameraCenter::CameraCenter(desktop::Reactor& reactor)
 CameraCenter::~CameraCenter() { graph_->setLostHandler(nullptr); }
 
 std::vector<backend::CameraDevice> CameraCenter::devices() {
-  auto entries = provider_->cameras();
+  auto entries = pipewire_ ? pipewire_->cameras() : std::vector<CameraEntry>();
+  if (entries.empty())
+    entries = v4l2().cameras();
+  else
+    v4l2_.reset();
   std::sort(entries.begin(), entries.end(), isListedBefore);
   const auto isBuiltIn = [](const CameraEntry& entry) { return entry.device.isBuiltIn; };
   const bool isLidClosed =
@@ -62,7 +66,8 @@ std::vector<backend::CameraDevice> CameraCenter::devices() {
 }
 
 Result<std::unique_ptr<backend::CameraStream>> CameraCenter::open(const std::string& id) {
-  auto device = provider_->open(id);
+  CameraProvider& provider = v4l2_ ? *v4l2_ : *pipewire_;
+  auto device = provider.open(id);
   if (!device) return device.error();
   auto stream = std::make_unique<CaptureStream>(reactor_, std::move(device).value());
   std::erase_if(streams_, [](const auto& handle) { return handle.expired(); });
@@ -81,19 +86,20 @@ void CameraCenter::connect(int attempts) {
   const bool mayRun = std::filesystem::exists(daemonSocket(), unreachable);
   if (mayRun && graph_->connect()) {
     daemonWatch_.reset();
-    provider_ = std::make_unique<PipeWireProvider>(graph_);
+    pipewire_ = std::make_unique<PipeWireProvider>(graph_, V4l2System::kernel());
     return;
   }
+  pipewire_.reset();
   if (!daemonWatch_) watchForDaemon();
-  useV4l2();
+  v4l2();
   if (mayRun && attempts > 1)
     retry_ = reactor_.after(kBetweenAttempts, [this, attempts] { connect(attempts - 1); });
 }
 
 // An opened stream outlives its provider.
-void CameraCenter::useV4l2() {
-  if (!dynamic_cast<V4l2Provider*>(provider_.get()))
-    provider_ = std::make_unique<V4l2Provider>(reactor_, V4l2System::kernel(), "/dev");
+CameraProvider& CameraCenter::v4l2() {
+  if (!v4l2_) v4l2_ = std::make_unique<V4l2Provider>(reactor_, V4l2System::kernel(), "/dev");
+  return *v4l2_;
 }
 
 void CameraCenter::watchForDaemon() {

@@ -18,8 +18,9 @@ class CaptureStream;
 /// The order of the list: what is built in first, then by where it is attached.
 [[nodiscard]] bool isListedBefore(const CameraEntry& a, const CameraEntry& b);
 
-/// The cameras of a Linux desktop: through PipeWire while its daemon runs, else directly through V4L2. The
-/// streams it opens are `CaptureStream`s, so each is a `GlassSource` too.
+/// The cameras of a Linux desktop: through PipeWire, or directly through V4L2 where PipeWire lists none (its
+/// daemon does not run, or nothing tells it of cameras). The streams it opens are `CaptureStream`s, so each
+/// is a `GlassSource` too.
 class CameraCenter final : public backend::Cameras {
  public:
   /// `reactor` must outlive the center and every stream that it opened.
@@ -37,14 +38,15 @@ class CameraCenter final : public backend::Cameras {
 
  private:
   void connect(int attempts);
-  void useV4l2();
+  CameraProvider& v4l2();
   void watchForDaemon();
 
   desktop::Reactor& reactor_;
   std::function<bool()> isLidClosed_;
   std::vector<std::weak_ptr<CaptureStream*>> streams_;
   std::shared_ptr<PipeWireGraph> graph_;
-  std::unique_ptr<CameraProvider> provider_;
+  std::unique_ptr<CameraProvider> pipewire_;  // while connected
+  std::unique_ptr<CameraProvider> v4l2_;      // while PipeWire lists none
   std::unique_ptr<FileWatch> daemonWatch_;
   std::unique_ptr<desktop::Registration> retry_;
 };

@@ -1,6 +1,8 @@
 #include "linux/camera/CameraError.h"
 
 #include <cerrno>
+#include <charconv>
+#include <optional>
 #include <string_view>
 #include <system_error>
 
@@ -12,6 +14,17 @@ bool contains(std::string_view text, std::string_view part) {
 }
 
 Error reported(const std::string& text) { return {"The camera reported an error: " + text}; }
+
+// As in "error set output format: -16 (Device or resource busy)".
+std::optional<int> errorNumberIn(const std::string& message) {
+  const auto sign = message.find(": -");
+  const auto end = sign == std::string::npos ? sign : message.find(" (", sign);
+  if (end == std::string::npos) return std::nullopt;
+  const char* first = message.data() + sign + 3;
+  int number = 0;
+  const auto read = std::from_chars(first, message.data() + end, number);
+  return read.ec == std::errc() && read.ptr == message.data() + end ? std::optional(number) : std::nullopt;
+}
 
 }  // namespace
 
@@ -47,6 +60,7 @@ Error errorOfCall(int errorNumber, const std::string& group) {
 // A daemon says what the kernel said in the user's language, which is this program's too; only what it says
 // of its own accord is always English.
 Error errorOfMessage(const std::string& message, const std::string& group) {
+  if (const auto number = errorNumberIn(message)) return errorOfCall(*number, group);
   for (const int number : {EBUSY, EACCES, EPERM, ENODEV, ENXIO})
     if (contains(message, std::generic_category().message(number))) return errorOfCall(number, group);
   if (contains(message, "busy")) return errorOf(CameraError::Busy);

@@ -44,12 +44,14 @@ std::string targetOf(const PipeWireNode& node) {
 }  // namespace
 
 PipeWireDevice::PipeWireDevice(std::shared_ptr<PipeWireGraph> graph, const PipeWireNode& node,
-                               std::chrono::milliseconds waited)
+                               std::optional<PixelSize> source, std::chrono::milliseconds waited)
     : graph_(std::move(graph)),
       nodeId_(node.globalId()),
       target_(targetOf(node)),
       modes_(node.modes()),
       waited_(waited) {
+  for (VideoMode& mode : modes_)
+    if (source) mode.limitTo(*source);
   graph_->loop().add(*this);
 }
 
@@ -224,6 +226,8 @@ void PipeWireDevice::afterIteration() {
   const bool hasEnded = state_ == PW_STREAM_STATE_ERROR || state_ == PW_STREAM_STATE_UNCONNECTED;
   if (node && node->errorCount() != errorsBefore_)
     return fail(errorOfMessage(node->lastError(), groupOf(node->v4l2Path())));
+  if (const auto* reason = graph_->linkError(pw_stream_get_node_id(stream_.get())))
+    return fail(errorOfMessage(*reason, node ? groupOf(node->v4l2Path()) : std::string()));
   if (hasEnded || !node) fail(errorOfMessage(stateError_));
 }
 

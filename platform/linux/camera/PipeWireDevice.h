@@ -21,10 +21,10 @@ struct StreamDeleter {
 /// A camera through a PipeWire stream. Of the buffers only the one with the newest frame is held.
 class PipeWireDevice final : public CaptureDevice, private PipeWireClient {
  public:
-  /// `waited`: what the opening took already. Opening and first start share one patience, so that the first
-  /// start is waited for that much less.
+  /// `source`: the size of what the camera sees, where it is known. `waited`: what the opening took already.
+  /// Opening and first start share one patience, so that the first start is waited for that much less.
   PipeWireDevice(std::shared_ptr<PipeWireGraph> graph, const PipeWireNode& node,
-                 std::chrono::milliseconds waited);
+                 std::optional<PixelSize> source, std::chrono::milliseconds waited);
   ~PipeWireDevice() override;
 
   [[nodiscard]] const std::vector<VideoMode>& modes() const override { return modes_; }

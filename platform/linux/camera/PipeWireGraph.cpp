@@ -20,6 +20,12 @@ bool isCamera(const char* type, const spa_dict* properties) {
   return name == "Video/Source" || name == "Video/Source/Virtual";
 }
 
+std::uint32_t numberIn(const spa_dict& properties, const char* key) {
+  std::uint32_t number = PW_ID_ANY;
+  spa_atou32(spa_dict_lookup(&properties, key), &number, 10);
+  return number;
+}
+
 }  // namespace
 
 PipeWireGraph::PipeWireGraph(desktop::Reactor& reactor) : loop_(reactor) { loop_.add(*this); }
@@ -80,6 +86,12 @@ PipeWireNode* PipeWireGraph::find(std::uint32_t globalId) {
   return found == nodes_.end() ? nullptr : found->get();
 }
 
+const std::string* PipeWireGraph::linkError(std::uint32_t reader) const {
+  for (const auto& link : links_)
+    if (link->reader() == reader && link->error()) return &*link->error();
+  return nullptr;
+}
+
 void PipeWireGraph::onDone(void* data, std::uint32_t id, int seq) {
   if (id == PW_ID_CORE) static_cast<PipeWireGraph*>(data)->answered_ = seq;
 }
@@ -90,7 +102,11 @@ void PipeWireGraph::onError(void* data, std::uint32_t id, int, int result, const
 
 void PipeWireGraph::onGlobal(void* data, std::uint32_t id, std::uint32_t, const char* type, std::uint32_t,
                              const spa_dict* properties) {
-  if (isCamera(type, properties)) static_cast<PipeWireGraph*>(data)->announced_.push_back(id);
+  auto& graph = *static_cast<PipeWireGraph*>(data);
+  if (isCamera(type, properties)) graph.announced_.push_back(id);
+  if (properties && std::strcmp(type, PW_TYPE_INTERFACE_Link) == 0)
+    graph.announcedLinks_.push_back(
+        {id, numberIn(*properties, PW_KEY_LINK_OUTPUT_NODE), numberIn(*properties, PW_KEY_LINK_INPUT_NODE)});
 }
 
 // An identifier may be used again at once, so the order of the two lists matters: one that was announced and
@@ -98,6 +114,7 @@ void PipeWireGraph::onGlobal(void* data, std::uint32_t id, std::uint32_t, const 
 void PipeWireGraph::onGlobalRemove(void* data, std::uint32_t id) {
   auto& graph = *static_cast<PipeWireGraph*>(data);
   std::erase(graph.announced_, id);
+  std::erase_if(graph.announcedLinks_, [id](const AnnouncedLink& link) { return link.globalId == id; });
   graph.removed_.push_back(id);
 }
 
@@ -122,11 +139,25 @@ void PipeWireGraph::afterIteration() {
 }
 
 void PipeWireGraph::dropRemoved() {
-  for (const auto id : removed_) std::erase_if(nodes_, [id](auto& node) { return node->globalId() == id; });
+  const auto drop = [](auto& objects, std::uint32_t id) {
+    std::erase_if(objects, [id](const auto& object) { return object->globalId() == id; });
+  };
+  for (const auto id : removed_) {
+    drop(nodes_, id);
+    drop(links_, id);
+  }
   removed_.clear();
 }
 
 void PipeWireGraph::bindAnnounced() {
+  bindNodes();
+  for (const auto& link : announcedLinks_)
+    if (find(link.camera))
+      links_.push_back(std::make_unique<PipeWireLink>(registry_.get(), link.globalId, link.reader));
+  announcedLinks_.clear();
+}
+
+void PipeWireGraph::bindNodes() {
   if (announced_.empty()) return;
   for (const auto id : announced_) nodes_.push_back(std::make_unique<PipeWireNode>(registry_.get(), id));
   announced_.clear();
@@ -139,7 +170,9 @@ void PipeWireGraph::disconnect() {
   if (!core_) return;
   loop_.tellConnectionLost();
   nodes_.clear();
+  links_.clear();
   announced_.clear();
+  announcedLinks_.clear();
   removed_.clear();
   spa_hook_remove(&registryListener_);
   registry_.reset();

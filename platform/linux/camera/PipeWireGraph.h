@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "linux/camera/PipeWireLink.h"
 #include "linux/camera/PipeWireLoop.h"
 #include "linux/camera/PipeWireNode.h"
 
@@ -42,6 +43,8 @@ class PipeWireGraph : private PipeWireClient {
   [[nodiscard]] const std::vector<std::unique_ptr<PipeWireNode>>& nodes() const { return nodes_; }
   /// Null when no camera has the identifier (any more).
   [[nodiscard]] PipeWireNode* find(std::uint32_t globalId);
+  /// Why the camera that this node reads does not deliver; null while all is well.
+  [[nodiscard]] const std::string* linkError(std::uint32_t reader) const;
 
   [[nodiscard]] pw_core* core() const { return core_.get(); }
   [[nodiscard]] PipeWireLoop& loop() { return loop_; }
@@ -56,6 +59,7 @@ class PipeWireGraph : private PipeWireClient {
   void afterIteration() override;
   void deliver() override;
   void bindAnnounced();
+  void bindNodes();
   void dropRemoved();
   void sync();
   void disconnect();
@@ -67,9 +71,15 @@ class PipeWireGraph : private PipeWireClient {
   spa_hook coreListener_{};
   spa_hook registryListener_{};
   std::vector<std::unique_ptr<PipeWireNode>> nodes_;
+  std::vector<std::unique_ptr<PipeWireLink>> links_;
+
+  struct AnnouncedLink {
+    std::uint32_t globalId, camera, reader;
+  };
 
   // Recorded by callbacks.
   std::vector<std::uint32_t> announced_;
+  std::vector<AnnouncedLink> announcedLinks_;
   std::vector<std::uint32_t> removed_;
   int awaited_ = 0;
   int answered_ = 0;

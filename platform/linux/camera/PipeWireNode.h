@@ -34,6 +34,8 @@ class PipeWireNode {
   /// The "/dev/video" node behind the camera; empty for one that V4L2 does not know.
   [[nodiscard]] std::string v4l2Path() const;
   [[nodiscard]] const std::vector<VideoMode>& modes() const { return modes_; }
+  /// True when PipeWire does not hold the camera's device.
+  [[nodiscard]] bool isSuspended() const { return state_ == PW_NODE_STATE_SUSPENDED; }
   [[nodiscard]] bool isInError() const { return state_ == PW_NODE_STATE_ERROR; }
   /// How often the node has gone into its error state, and what it said the last time.
   [[nodiscard]] int errorCount() const { return errorCount_; }

@@ -3,7 +3,8 @@
 #include <spa/utils/keys.h>
 
 #include <algorithm>
-#include <string_view>
+#include <set>
+#include <utility>
 
 #include "base/Unicode.h"
 #include "linux/camera/CameraError.h"
@@ -12,6 +13,8 @@
 
 namespace vistrel::camera {
 namespace {
+
+constexpr std::chrono::milliseconds kPatience{250};
 
 std::string idOf(const PipeWireNode& node) {
   const auto* serial = node.property(PW_KEY_OBJECT_SERIAL);
@@ -25,66 +28,93 @@ std::string nameOf(const PipeWireNode& node) {
   return {};
 }
 
-std::string pathOf(const PipeWireNode& node) {
-  if (const auto path = node.v4l2Path(); !path.empty()) return placeOf(path);
+bool isBuiltIn(const PipeWireNode& node, const std::string& device) {
+  if (const auto* location = node.property(SPA_KEY_API_LIBCAMERA_LOCATION))
+    return *location == "front" || *location == "back";
+  return !device.empty() && deviceLocationOf(device) == DeviceLocation::BuiltIn;
+}
+
+std::string pathOf(const PipeWireNode& node, const std::string& device) {
+  if (!device.empty()) return placeOf(device);
   for (const char* key : {PW_KEY_OBJECT_PATH, PW_KEY_NODE_NAME})
     if (const auto* path = node.property(key)) return *path;
   return {};
 }
 
-bool isBuiltIn(const PipeWireNode& node) {
-  if (const auto* location = node.property(SPA_KEY_API_LIBCAMERA_LOCATION))
-    return *location == "front" || *location == "back";
-  const std::string path = node.v4l2Path();
-  return !path.empty() && deviceLocationOf(path) == DeviceLocation::BuiltIn;
-}
+}  // namespace
 
-bool isListed(const std::vector<CameraEntry>& entries, const std::string& path) {
-  return std::any_of(entries.begin(), entries.end(),
-                     [&](const CameraEntry& entry) { return entry.path == path; });
+void PipeWireProvider::readPlaces() {
+  std::map<std::string, Place> places;
+  for (const auto& node : graph_->nodes()) {
+    const std::string device = node->v4l2Path();
+    const auto known = places_.find(idOf(*node));
+    places[idOf(*node)] = known != places_.end() && known->second.device == device
+                              ? known->second
+                              : Place{device, pathOf(*node, device),
+                                      device.empty() ? "" : usbProductOf(device), isBuiltIn(*node, device)};
+  }
+  places_ = std::move(places);
 }
 
 // One camera may come through the session manager's V4L2 and through its libcamera monitor; libcamera's names
 // end with the USB product.
-bool isSeenThroughV4l2(const PipeWireNode& node, const std::vector<std::string>& v4l2Products) {
+bool PipeWireProvider::isSeenThroughV4l2(const PipeWireNode& node) const {
   const auto* name = node.property(SPA_KEY_API_LIBCAMERA_PATH);
-  return name && std::any_of(v4l2Products.begin(), v4l2Products.end(),
-                             [&](const std::string& product) { return name->ends_with("-" + product); });
+  return name && std::any_of(graph_->nodes().begin(), graph_->nodes().end(), [&](const auto& other) {
+           const std::string& product = places_.at(idOf(*other)).usbProduct;
+           return !product.empty() && !other->modes().empty() && name->ends_with("-" + product);
+         });
 }
-
-std::vector<std::string> v4l2Products(const PipeWireGraph& graph) {
-  std::vector<std::string> products;
-  for (const auto& node : graph.nodes())
-    if (const auto path = node->v4l2Path(); !path.empty() && !node->modes().empty())
-      if (auto product = usbProductOf(path); !product.empty()) products.push_back(std::move(product));
-  return products;
-}
-
-}  // namespace
 
 std::vector<CameraEntry> PipeWireProvider::cameras() {
   (void)graph_->refresh();
+  readPlaces();
   std::vector<CameraEntry> entries;
-  const auto products = v4l2Products(*graph_);
+  std::set<std::string> devices;
   for (const auto& node : graph_->nodes()) {
-    const std::string path = pathOf(*node);
-    // Infrared and grey-only sensors have no mode that can be shown.
-    if (node->modes().empty() || (!node->v4l2Path().empty() && isListed(entries, path))) continue;
-    if (isSeenThroughV4l2(*node, products)) continue;
-    entries.push_back(
-        {{.id = idOf(*node), .localizedName = nameOf(*node), .isBuiltIn = isBuiltIn(*node)}, path});
+    const Place& place = places_.at(idOf(*node));
+    // Infrared and grey-only sensors have no mode that can be shown, nor have metadata.
+    if (node->modes().empty() || isSeenThroughV4l2(*node)) continue;
+    if (!place.device.empty() && !devices.insert(place.device).second) continue;
+    CameraEntry entry;
+    entry.path = place.path;
+    entry.device.id = idOf(*node);
+    entry.device.localizedName = nameOf(*node);
+    entry.device.isBuiltIn = place.isBuiltIn;
+    entries.push_back(std::move(entry));
   }
   return entries;
 }
 
+// While PipeWire itself holds the device, the kernel's answer would be about that.
+std::optional<V4l2Answer> PipeWireProvider::askKernel(const PipeWireNode& node,
+                                                      std::chrono::milliseconds& waited) {
+  const auto device = node.v4l2Path();
+  if (device.empty() || !node.isSuspended() || waited >= kPatience) return std::nullopt;
+  const auto asked = system_.now();
+  auto answer = askV4l2(system_, device, asked + kPatience - waited);
+  waited += std::chrono::ceil<std::chrono::milliseconds>(system_.now() - asked);
+  if (answer && answer->isBusy) waited += graph_->refresh();
+  return answer;
+}
+
 Result<std::unique_ptr<CaptureDevice>> PipeWireProvider::open(const std::string& id) {
-  const auto waited = graph_->refresh();
-  for (const auto& node : graph_->nodes()) {
-    if (idOf(*node) != id) continue;
-    if (node->isInError()) return errorOfMessage(node->lastError(), groupOf(node->v4l2Path()));
-    return std::unique_ptr<CaptureDevice>(std::make_unique<PipeWireDevice>(graph_, *node, waited));
-  }
-  return errorOf(CameraError::Gone);
+  auto waited = graph_->refresh();
+  const auto find = [&] {
+    const auto& nodes = graph_->nodes();
+    const auto found =
+        std::find_if(nodes.begin(), nodes.end(), [&](const auto& n) { return idOf(*n) == id; });
+    return found == nodes.end() ? nullptr : found->get();
+  };
+  const auto* node = find();
+  if (node && node->isInError()) return errorOfMessage(node->lastError(), groupOf(node->v4l2Path()));
+  const auto answer = node ? askKernel(*node, waited) : std::nullopt;
+  node = find();
+  if (!node) return errorOf(CameraError::Gone);
+  // A reader that came meanwhile has PipeWire hold the device, and shares it.
+  if (answer && answer->isBusy && node->isSuspended()) return errorOf(CameraError::Busy);
+  return std::unique_ptr<CaptureDevice>(
+      std::make_unique<PipeWireDevice>(graph_, *node, answer ? answer->sourceSize : std::nullopt, waited));
 }
 
 }  // namespace vistrel::camera

@@ -1,22 +1,44 @@
 #pragma once
 
+#include <map>
 #include <memory>
+#include <optional>
+#include <string>
 
 #include "linux/camera/CameraProvider.h"
 #include "linux/camera/PipeWireGraph.h"
+#include "linux/camera/V4l2Question.h"
 
 namespace vistrel::camera {
 
-/// The cameras on PipeWire's graph.
+/// The cameras on PipeWire's graph. Of a camera that has a device node the kernel is asked, too: PipeWire
+/// cannot tell whether another program holds it.
 class PipeWireProvider final : public CameraProvider {
  public:
-  explicit PipeWireProvider(std::shared_ptr<PipeWireGraph> graph) : graph_(std::move(graph)) {}
+  /// `system` must outlive the program's threads.
+  PipeWireProvider(std::shared_ptr<PipeWireGraph> graph, V4l2System& system)
+      : graph_(std::move(graph)), system_(system) {}
 
   [[nodiscard]] std::vector<CameraEntry> cameras() override;
   Result<std::unique_ptr<CaptureDevice>> open(const std::string& id) override;
 
  private:
+  /// What the kernel tells of a node's place, which stays while the node does.
+  struct Place {
+    std::string device;  ///< the "/dev/video" node; empty for a camera that V4L2 does not know
+    std::string path;
+    std::string usbProduct;
+    bool isBuiltIn = false;
+  };
+
+  void readPlaces();
+  [[nodiscard]] bool isSeenThroughV4l2(const PipeWireNode& node) const;
+  [[nodiscard]] std::optional<V4l2Answer> askKernel(const PipeWireNode& node,
+                                                    std::chrono::milliseconds& waited);
+
   std::shared_ptr<PipeWireGraph> graph_;
+  V4l2System& system_;
+  std::map<std::string, Place> places_;  // by the camera's identifier
 };
 
 }  // namespace vistrel::camera

@@ -1,0 +1,45 @@
+#include "linux/camera/V4l2Question.h"
+
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+#include "linux/camera/V4l2Formats.h"
+
+namespace vistrel::camera {
+namespace {
+
+struct Question {
+  std::mutex mutex;
+  std::condition_variable answered;
+  bool isAnswered = false;
+  std::optional<V4l2Answer> answer;
+};
+
+std::optional<V4l2Answer> answerOf(V4l2System& system, const std::string& path) {
+  const int fd = system.open(path);
+  if (fd < 0) return std::nullopt;
+  const V4l2Answer answer{isBusy(system, fd), sourceSizeOf(system, fd)};
+  system.close(fd);
+  return answer;
+}
+
+}  // namespace
+
+std::optional<V4l2Answer> askV4l2(V4l2System& system, const std::string& path,
+                                  V4l2System::Clock::time_point deadline) {
+  const auto question = std::make_shared<Question>();
+  std::thread([question, &system, path] {
+    const auto answer = answerOf(system, path);
+    const std::lock_guard lock(question->mutex);
+    question->answer = answer;
+    question->isAnswered = true;
+    question->answered.notify_all();
+  }).detach();
+  std::unique_lock lock(question->mutex);
+  system.waitUntil(question->answered, lock, deadline, [&] { return question->isAnswered; });
+  return question->answer;
+}
+
+}  // namespace vistrel::camera
