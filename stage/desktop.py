@@ -21,7 +21,7 @@ gi.require_version("Gio", "2.0")
 from gi.repository import Gio, GLib  # noqa: E402
 
 from stage.testcam import Camera  # noqa: E402
-from stage.processes import MARK, Process, adopt_orphans, end_marked, wait_until  # noqa: E402
+from stage.processes import MARK, PATIENCE, Process, adopt_orphans, end_marked, wait_until  # noqa: E402
 from stage.screen import Screen  # noqa: E402
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
@@ -131,7 +131,7 @@ class Desktop:
     def run(self, *arguments):
         """Runs a program on this desktop to its end and gives back what it printed."""
         return subprocess.run([str(argument) for argument in arguments], env=self.environment, check=True,
-                              capture_output=True, text=True, timeout=30).stdout
+                              capture_output=True, text=True, timeout=PATIENCE + 10).stdout
 
     def _start_display(self, size, monitors):
         read, write = os.pipe()

@@ -3,7 +3,7 @@
 import contextlib
 import json
 
-from stage.processes import NeverCame, wait_until
+from stage.processes import PATIENCE, NeverCame, wait_until
 
 
 class Screen:
@@ -15,7 +15,7 @@ class Screen:
 
     def ask(self, *words):
         self._process.write(" ".join(str(word) for word in words))
-        index = self._process.wait_line("{", since=self._read, patience=60)
+        index = self._process.wait_line("{", since=self._read, patience=3 * PATIENCE)
         self._read = index + 1
         answer = json.loads(self._process.lines[index])
         if "error" in answer:
@@ -64,7 +64,7 @@ class Screen:
     def color(self, place):
         return tuple(self.ask("pixel", *place)["color"])
 
-    def picture(self, frames=3, milliseconds=10000):
+    def picture(self, frames=3, milliseconds=int(PATIENCE * 500)):
         """The test picture, wherever it is, once `frames` different ones were seen; None when it never came."""
         picture = self.ask("watch", frames, milliseconds)["picture"]
         return picture if picture and picture["frames"] >= frames else None
