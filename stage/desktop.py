@@ -229,6 +229,10 @@ class Desktop:
         wait_until(lambda: any(node["info"]["props"].get("application.name") == "WirePlumber"
                                for node in self.graph("Client")), "WirePlumber")
 
+    def stop_session_manager(self):
+        """`wait_pipewire` starts it again."""
+        self._pipewire.pop().end()
+
     def stop_pipewire(self, number=signal.SIGTERM):
         for process in reversed(self._pipewire):
             process.signal(number)
