@@ -3,8 +3,9 @@
 #include <condition_variable>
 #include <memory>
 #include <mutex>
-#include <thread>
+#include <utility>
 
+#include "linux/Threads.h"
 #include "linux/camera/V4l2Formats.h"
 
 namespace vistrel::camera {
@@ -30,13 +31,15 @@ std::optional<V4l2Answer> answerOf(V4l2System& system, const std::string& path) 
 std::optional<V4l2Answer> askV4l2(V4l2System& system, const std::string& path,
                                   V4l2System::Clock::time_point deadline) {
   const auto question = std::make_shared<Question>();
-  std::thread([question, &system, path] {
+  auto thread = desktop::startThread([question, &system, path] {
     const auto answer = answerOf(system, path);
     const std::lock_guard lock(question->mutex);
     question->answer = answer;
     question->isAnswered = true;
     question->answered.notify_all();
-  }).detach();
+  });
+  if (!thread) return std::nullopt;
+  std::move(thread).value().detach();
   std::unique_lock lock(question->mutex);
   system.waitUntil(question->answered, lock, deadline, [&] { return question->isAnswered; });
   return question->answer;
