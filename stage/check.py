@@ -99,6 +99,10 @@ class Mirror:
         return first, changes / (time.monotonic() - begin)
 
     def end(self):
+        """Closes the mirror first: a program that ends leaves the camera to the session manager for some seconds."""
+        if self._program.windows():
+            self._program.click()
+            wait_until(lambda: not self._program.windows(), "the end of the mirror")
         self._program.process.end()
         return self._program.lines + self._program.process.errors
 
