@@ -92,7 +92,8 @@ TEST(MirrorCamera, FaultsOfACameraEndInALineAndANeutralGlass) {
          camera(p).streams[0]->sendFrame();
          p.desktop.loop.advance(2500ms);
        },
-       {started}},
+       {started},
+       ""},
       {"waits for a program that stood still",
        nothing,
        [&](Program& p) {
@@ -103,7 +104,8 @@ TEST(MirrorCamera, FaultsOfACameraEndInALineAndANeutralGlass) {
          camera(p).streams[0]->sendFrame();
          p.desktop.loop.advance(2s);
        },
-       {started}},
+       {started},
+       ""},
       {"starts late",
        behave(StartBehavior::StartsLater),
        [&](Program& p) { camera(p).streams[0]->begin(); },
