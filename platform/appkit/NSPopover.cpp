@@ -83,11 +83,16 @@ void NSPopover::showRelativeToRect(const Rect& rect, NSView& view, NSRectEdge /*
   window_->setFrame(place.frame);
   NSStatusBar::system().popoverWillOpen();
   isShown_ = true;
-  window_->willOrderFront();
-  appear();
-  window_->makeKeyAndOrderFront(this);
-  watchPresses();
-  watchScreen();
+  try {
+    window_->willOrderFront();
+    appear();
+    window_->makeKeyAndOrderFront(this);
+    watchPresses();
+    watchScreen();
+  } catch (...) {
+    performClose(nullptr);  // half of it open is worse than nothing
+    throw;
+  }
 }
 
 // Without a window nobody would see that the camera is on.
@@ -136,7 +141,7 @@ void NSPopover::stopWatching() {
 void NSPopover::pressedOutside(Point location) {
   if (!isShown_ || isDetached_ || NSApplication::shared().isModal()) return;
   performClose(nullptr);
-  NSStatusBar::system().popoverClosedByPress(location);
+  NSStatusBar::system().closedByPress(location);
 }
 
 void NSPopover::tearOff() {

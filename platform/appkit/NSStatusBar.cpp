@@ -30,7 +30,8 @@ std::shared_ptr<NSEvent> pressOf(backend::PointerButton button, std::uint64_t mo
 
 }  // namespace
 
-// Remembers the press that closed the popover until the click of that press has come, or another press.
+// Remembers the press that closed the popover or the menu until the click of that press has come, or another
+// press.
 class NSStatusBar::PressWatch final : public backend::OutsidePressClient {
  public:
   PressWatch(NSStatusBar& bar, Point location)
@@ -102,6 +103,7 @@ void NSStatusBar::mirrorMenu(const NSStatusItem& item, std::shared_ptr<NSMenu> m
 void NSStatusBar::openMenu(const NSStatusItem& item) {
   if (!isPresent(item)) return;
   shownMenu_ = item.menu();
+  isShownByHost_ = isHostOpening_;
   if (!isHostOpening_) backend::current().statusArea().popUpMenu(shownMenu_);
 }
 
@@ -112,8 +114,10 @@ void NSStatusBar::endShowing() {
   if (menu->delegate()) menu->delegate()->menuDidClose(*menu);
 }
 
-void NSStatusBar::popoverClosedByPress(Point location) {
+// Where the host tells of a click as the button goes down, the click was told before this.
+void NSStatusBar::closedByPress(Point location) {
   closingPress_.reset();
+  if (!backend::current().statusArea().tellsOfReleases()) return;
   closingPress_ = std::make_unique<PressWatch>(*this, location);
 }
 
@@ -136,7 +140,13 @@ void NSStatusBar::statusMenuWillOpen() {
   isHostOpening_ = false;
 }
 
-void NSStatusBar::statusMenuDidClose() { endShowing(); }
+// A menu that the program draws may have closed by a press on the icon; after any other end, the press of the
+// next click makes this one forgotten.
+void NSStatusBar::statusMenuDidClose() {
+  const bool wasOurs = shownMenu_ && !isShownByHost_;
+  endShowing();
+  if (wasOurs) closedByPress(backend::current().session().pointerLocation());
+}
 
 void NSStatusBar::statusMenuItemChosen(std::shared_ptr<NSMenuItem> item) {
   endShowing();

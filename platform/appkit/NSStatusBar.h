@@ -31,9 +31,9 @@ class NSStatusBar final : public backend::StatusAreaClient {
   void statusMenuDidClose() override;
   void statusMenuItemChosen(std::shared_ptr<NSMenuItem> item) override;
 
-  /// The popover closed because of a press at that place. Should that press turn out to be a click on the
-  /// icon, it must not open the popover again.
-  void popoverClosedByPress(Point location);
+  /// The popover or the icon's menu closed because of a press at that place. Should that press turn out to be
+  /// a click on the icon, it must not open the popover.
+  void closedByPress(Point location);
   /// A popover is about to open: the press that closed an earlier one is forgotten.
   void popoverWillOpen();
 
@@ -59,6 +59,7 @@ class NSStatusBar final : public backend::StatusAreaClient {
   std::shared_ptr<NSMenu> shownMenu_;
   std::unique_ptr<PressWatch> closingPress_;
   bool isHostOpening_ = false;
+  bool isShownByHost_ = false;
 };
 
 }  // namespace vistrel

@@ -22,6 +22,7 @@ class SimulatedTray final : public backend::StatusArea {
   void popUpMenu(std::shared_ptr<NSMenu> menu) override { poppedUp = std::move(menu); }
   void dismissMenu() override { poppedUp.reset(); }
   [[nodiscard]] std::optional<Rect> iconFrame() override { return frame; }
+  [[nodiscard]] bool tellsOfReleases() override { return isReleaseTold; }
   [[nodiscard]] bool hasTray() override { return isThere; }
 
   [[nodiscard]] backend::StatusAreaClient& client() const { return *client_; }
@@ -36,6 +37,7 @@ class SimulatedTray final : public backend::StatusArea {
   bool isHighlighted = false;
   std::shared_ptr<NSMenu> mirrored;
   std::shared_ptr<NSMenu> poppedUp;
+  bool isReleaseTold = true;
   bool isThere = true;
   std::optional<Rect> frame = Rect{1200, 2, 24, 24};
 

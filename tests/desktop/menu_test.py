@@ -114,6 +114,20 @@ class MenuUnderPanelTest(MenuRules, DesktopTest):
 class MenuUnderTrayerTest(MenuRules, DesktopTest):
     stage = {"host": "trayer"}
 
+    def test_every_click_after_another_press_closed_the_mirror_opens_it(self):
+        camera = self.plug()[0]
+        vistrel = self.start({"dismissPreference": 1})
+        self.open(vistrel)
+        vistrel.click(button=2)
+        self.wait_closed(camera)
+        self.open(vistrel)
+        self.screen.key("Down")  # the view's own menu, which the press closes, too
+        vistrel.menu_rows()
+        vistrel.click()
+        vistrel.wait_no_menu()
+        self.wait_closed(camera)
+        self.open(vistrel)
+
 
 class ScriptedHostTest(DesktopTest):
     """A tray host that does on the bus what panels of other desktops do, and draws nothing."""

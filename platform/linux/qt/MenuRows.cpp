@@ -75,6 +75,7 @@ QString labelForBusMenu(const QString& text) {
 }
 
 void addRows(QMenu& native, const NSMenu& menu, std::size_t first, const MenuItemChosen& chosen) {
+  native.setSeparatorsCollapsible(false);  // a menu may begin with one
   const auto& items = menu.itemArray();
   for (std::size_t i = first; i < items.size(); ++i) addRow(native, items[i], chosen);
 }

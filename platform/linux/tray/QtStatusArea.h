@@ -35,6 +35,7 @@ class QtStatusArea final : public backend::StatusArea {
   void popUpMenu(std::shared_ptr<NSMenu> menu) override;
   void dismissMenu() override;
   [[nodiscard]] std::optional<Rect> iconFrame() override;
+  [[nodiscard]] bool tellsOfReleases() override { return hosts_.known() == TrayHost::Bus; }
   [[nodiscard]] bool hasTray() override { return icon_ != nullptr; }
 
   /// The desktop's screens changed: where the icon was last pressed tells nothing any more.

@@ -25,6 +25,9 @@ class TrayHostWatch final : public QObject, public QAbstractNativeEventFilter {
   explicit TrayHostWatch(std::function<void(TrayHost)> handler);
   ~TrayHostWatch() override;
 
+  /// The one that was told of last.
+  [[nodiscard]] TrayHost known() const { return known_; }
+
   bool nativeEventFilter(const QByteArray& type, void* message, qintptr* result) override;
 
  private slots:

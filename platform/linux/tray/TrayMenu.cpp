@@ -40,6 +40,7 @@ bool isAlternative(const NSMenuItem& item, const NSMenu& menu) {
 }  // namespace
 
 TrayMenu::TrayMenu(Handlers handlers) : handlers_(std::move(handlers)) {
+  native_.setSeparatorsCollapsible(false);  // without a camera the menu begins with one
   rows_.push_back(makeRow(kPlaceholder));
   rows_.back().action->setEnabled(false);
   native_.addAction(rows_.back().action);

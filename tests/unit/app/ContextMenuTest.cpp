@@ -64,6 +64,21 @@ TEST(ContextMenu, ChosenCameraIsStoredMarkedAndShownNext) {
   EXPECT_TRUE(program.desktop.simulatedCameras.camera("B").streams.front()->isActive());
 }
 
+TEST(ContextMenu, TheClickThatClosesAMenuOfTheProgramsOwnOpensNothing) {
+  Program program;
+  program.launchWith({});
+  EXPECT_EQ(program.menuRows()[0], "---");
+  program.desktop.clickIcon(kControl);
+  program.desktop.tray.client().statusMenuDidClose();
+  program.desktop.tray.client().statusIconPressed(backend::PointerButton::Left, 0,
+                                                  program.desktop.simulatedSession.pointer);
+  EXPECT_FALSE(program.isShown());
+  program.desktop.clickIcon(kControl);
+  program.desktop.tray.client().statusMenuDidClose();  // by Escape: the next click is one of its own
+  program.desktop.clickIcon();
+  EXPECT_TRUE(program.isShown());
+}
+
 TEST(ContextMenu, MenuHoldsTheCamerasOfItsBuild) {
   Program program;
   program.launchWith({"A", "B"});
