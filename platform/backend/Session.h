@@ -28,7 +28,7 @@ class SessionClient {
   /// The focus came to one of the program's windows, or left them all. A key grab in between does not count.
   virtual void didBecomeActive() = 0;
   virtual void willResignActive() = 0;
-  /// A screen was added, removed, moved, resized or rescaled.
+  /// A screen was added, removed, moved, resized or rescaled, or another one is the primary.
   virtual void screensDidChange() = 0;
   /// The desktop's light or dark preference changed.
   virtual void appearanceDidChange() = 0;

@@ -18,10 +18,10 @@ namespace {
 constexpr std::chrono::milliseconds kSettleTime{100};
 
 bool isSamePlace(const backend::Screen& a, const backend::Screen& b) {
-  return a.name == b.name && a.frame == b.frame && a.scale == b.scale;
+  return a.name == b.name && a.frame == b.frame && a.scale == b.scale && a.isPrimary == b.isPrimary;
 }
 
-// The order of the screens counts for nothing, and neither does which one is the primary.
+// The order of the screens counts for nothing.
 bool areSamePlaces(const std::vector<backend::Screen>& a, const std::vector<backend::Screen>& b) {
   return std::is_permutation(a.begin(), a.end(), b.begin(), b.end(), isSamePlace);
 }
@@ -50,6 +50,7 @@ ScreenWatch::ScreenWatch(x11::X11Connection& x11, std::function<void()> handler)
     checkSoon();
   });
   QObject::connect(qGuiApp, &QGuiApplication::screenRemoved, &context_, [this] { checkSoon(); });
+  QObject::connect(qGuiApp, &QGuiApplication::primaryScreenChanged, &context_, [this] { checkSoon(); });
 }
 
 std::vector<backend::Screen> ScreenWatch::screens() {
