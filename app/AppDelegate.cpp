@@ -118,7 +118,10 @@ void AppDelegate::setUpStatusItem() {
   statusBarItem_ = NSStatusBar::system().statusItemWithLength(NSVariableStatusItemLength);
   const auto button = statusBarItem_->button();
   if (!button) return;
-  button->setImage(NSImage::imageNamed(preference::entryAt(availableIcons, selectedIconIndex_)));
+  const std::string name = preference::entryAt(availableIcons, selectedIconIndex_);
+  const auto image = NSImage::imageNamed(name);
+  if (!image) fatalError("unable to find image named " + name);
+  button->setImage(image);
   button->setAction(kClickedStatusBarButton);
   button->sendActionOn(kMouseDowns);
   if (menu_) statusBarItem_->setUpcomingMenu(menu_);

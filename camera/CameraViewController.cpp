@@ -272,7 +272,7 @@ void CameraViewController::mouseExited(const NSEvent& /*event*/) {
 }
 
 void CameraViewController::keyDown(const NSEvent& event) {
-  showControls();
+  if (availableCamerasPopupButton().takesKey(event.keyCode())) showControls();
   NSViewController::keyDown(event);
 }
 

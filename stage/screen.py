@@ -51,6 +51,10 @@ class Screen:
     def focus(self):
         return self.ask("focus")["window"]
 
+    def is_keyboard_free(self):
+        """Whether a program could have the keyboard to itself, as a menu or a screen locker wants it."""
+        return self.ask("keyboard")["free"]
+
     def property(self, name):
         return self.ask("property", name)["value"]
 

@@ -132,6 +132,7 @@ void NSApplication::windowDidOrderFront(const std::shared_ptr<NSWindow>& window)
 }
 
 void NSApplication::windowDidOrderOut(NSWindow* window) {
+  if (comingWindow_.lock().get() == window) comingWindow_.reset();
   const auto isIt = [&](const auto& listed) { return listed.get() == window; };
   const auto found = std::find_if(windows_.begin(), windows_.end(), isIt);
   if (found == windows_.end()) return;
@@ -152,7 +153,9 @@ void NSApplication::didFinishLaunching() {
 
 void NSApplication::reopen() {
   // A popover that hangs from its icon is no window to the user; a torn-off one is.
-  const auto isWindow = [](const auto& window) { return window->kind() != NSWindowKind::Popover; };
+  const auto isWindow = [](const auto& window) {
+    return window->kind() != NSWindowKind::Popover && !window->isPutAside();
+  };
   const bool hasWindows = std::any_of(windows_.begin(), windows_.end(), isWindow);
   if (delegate_) delegate_->applicationShouldHandleReopen(hasWindows);
 }
@@ -174,6 +177,8 @@ void NSApplication::screensDidChange() {
 
 void NSApplication::appearanceDidChange() {
   DistributedNotificationCenter::defaultCenter().post("AppleInterfaceThemeChangedNotification");
+  const auto open = windows_;
+  for (const auto& window : open) window->appearanceDidChange();
 }
 
 void NSApplication::terminateRequested() { terminate(nullptr); }

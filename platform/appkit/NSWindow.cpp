@@ -145,6 +145,10 @@ void NSWindow::setAppearance(std::optional<NSAppearance> appearance) {
   if (native_) native_->attributesDidChange();
 }
 
+void NSWindow::appearanceDidChange() {
+  if (native_) native_->attributesDidChange();
+}
+
 void NSWindow::makeNative() {
   if (native_) return;
   native_ = backend::current().windows().makeWindow(*this, *this);
@@ -174,10 +178,10 @@ void NSWindow::makeKeyAndOrderFront(NSObject* /*sender*/) {
 }
 
 void NSWindow::orderOut(NSObject* /*sender*/) {
-  if (!isVisible_) return;
+  if (!isVisible_ && !isMapped_) return;
   setKey(false);
-  isVisible_ = isMapped_ = false;
-  native_->hide();
+  isVisible_ = isMapped_ = isPutAside_ = false;
+  if (native_) native_->hide();
   NSApplication::shared().windowDidOrderOut(this);
 }
 
@@ -186,9 +190,9 @@ void NSWindow::performClose(NSObject* /*sender*/) {
 }
 
 void NSWindow::close() {
-  if (!isVisible_) return;
+  if (!isVisible_ && !isMapped_) return;
   if (const auto sheet = sheet_) sheet->respond(NSModalResponse::Abort);
-  saveFrame();
+  if (movement_) saveFrame();
   makeFirstResponder(nullptr);
   orderOut(nullptr);
 }
@@ -257,6 +261,12 @@ void NSWindow::didMove(const Rect& frame) {
   movement_ = backend::current().mainLoop().after(kRestAfterMoving, [this] { saveFrame(); });
 }
 
+// No style of ours can be minimized. Where the window manager does it all the same, it is undone.
+void NSWindow::didLeaveScreen(backend::Hiding how) {
+  isPutAside_ = true;
+  if (how == backend::Hiding::Minimized) activate();
+}
+
 void NSWindow::tellTrackingOwners(NSEventType type) {
   if (!contentView_) return;
   const auto event = NSEvent::mouseEvent({.type = type}, this);
@@ -271,9 +281,15 @@ void NSWindow::tellTrackingOwners(NSEventType type) {
   }
 }
 
-void NSWindow::pointerDidEnter() { tellTrackingOwners(NSEventType::MouseEntered); }
+void NSWindow::pointerDidEnter() {
+  isPointerInside_ = true;
+  tellTrackingOwners(NSEventType::MouseEntered);
+}
 
-void NSWindow::pointerDidLeave() { tellTrackingOwners(NSEventType::MouseExited); }
+void NSWindow::pointerDidLeave() {
+  isPointerInside_ = false;
+  tellTrackingOwners(NSEventType::MouseExited);
+}
 
 void NSWindow::focusWanted(NSView* view) {
   if (view == firstResponder_) return;

@@ -80,6 +80,8 @@ class NSWindow : public NSResponder,
   void setContentView(std::shared_ptr<NSView> view);
   [[nodiscard]] NSAppearance effectiveAppearance() const;
   void setAppearance(std::optional<NSAppearance> appearance);
+  /// The desktop's changed, which a window without one of its own follows.
+  void appearanceDidChange();
 
   void makeKeyAndOrderFront(NSObject* sender);
   /// Announces `makeKeyAndOrderFront`: what its content does until then may block the main thread, and the
@@ -93,6 +95,8 @@ class NSWindow : public NSResponder,
   [[nodiscard]] bool isVisible() const { return isVisible_; }
   /// Whether the desktop shows it indeed, which is asked anew.
   [[nodiscard]] bool isOnScreen() const { return native_ && native_->isOnScreen(); }
+  /// Whether the desktop has said that it keeps the window off the screen for now.
+  [[nodiscard]] bool isPutAside() const { return isPutAside_; }
   [[nodiscard]] bool isKeyWindow() const { return isVisible_ && isKey_; }
 
   /// The alert that waits on this window for an answer.
@@ -111,6 +115,9 @@ class NSWindow : public NSResponder,
 
   [[nodiscard]] Rect convertRectToScreen(const Rect& rect) const;
 
+  /// Whether the pointer is over the content.
+  [[nodiscard]] bool isPointerInside() const { return isPointerInside_; }
+
   /// Delivers an event of this window. True when it was taken.
   virtual bool sendEvent(const NSEvent& event);
 
@@ -128,6 +135,8 @@ class NSWindow : public NSResponder,
   void didGainFocus() override;
   void didLoseFocus() override;
   void didMove(const Rect& frame) override;
+  void didLeaveScreen(backend::Hiding how) override;
+  void didReturnToScreen() override { isPutAside_ = false; }
   void dragDidBegin() override {}
   void pointerDidEnter() override;
   void pointerDidLeave() override;
@@ -159,7 +168,9 @@ class NSWindow : public NSResponder,
   std::unique_ptr<backend::Timer> movement_;  // while the window is being moved
   bool isMapped_ = false;
   bool isVisible_ = false;
+  bool isPutAside_ = false;
   bool isKey_ = false;
+  bool isPointerInside_ = false;
 };
 
 }  // namespace vistrel

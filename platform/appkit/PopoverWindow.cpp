@@ -5,8 +5,6 @@
 
 namespace vistrel {
 
-namespace {}
-
 PopoverWindow::PopoverWindow(NSPopover& popover, const Rect& contentRect)
     : NSWindow(NSWindowKind::Popover, contentRect, static_cast<unsigned>(NSWindowStyleMask::Borderless)),
       popover_(&popover) {}
@@ -18,6 +16,9 @@ void PopoverWindow::performClose(NSObject* sender) {
 void PopoverWindow::dragDidBegin() {
   if (popover_) popover_->tearOff();
 }
+
+// The camera runs only while its picture is on the screen.
+void PopoverWindow::didLeaveScreen(backend::Hiding /*how*/) { performClose(nullptr); }
 
 bool PopoverWindow::sendEvent(const NSEvent& event) {
   const bool isEscape = event.type() == NSEventType::KeyDown && event.keyCode() == kVK_Escape;

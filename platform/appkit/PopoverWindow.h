@@ -13,6 +13,7 @@ class PopoverWindow final : public NSWindow {
 
   void performClose(NSObject* sender) override;
   void dragDidBegin() override;
+  void didLeaveScreen(backend::Hiding how) override;
   bool sendEvent(const NSEvent& event) override;
 
   /// The window may outlive its popover by a turn of the loop, in which reports still come in.

@@ -20,6 +20,12 @@ class NSWindow;
 
 namespace vistrel::backend {
 
+/// How the desktop takes a window off the screen without closing it.
+enum class Hiding {
+  Minimized,     ///< this window alone
+  DesktopShown,  ///< every window, so that the desktop is seen
+};
+
 /// What a window on screen reports. Called on the main thread from the main loop. The backend changes nothing
 /// by itself: each report is a fact or a wish, and the vocabulary answers with commands.
 class WindowClient {
@@ -31,6 +37,10 @@ class WindowClient {
   virtual void didLoseFocus() = 0;
   /// The user or the window manager moved it; content rectangle on the desktop.
   virtual void didMove(const Rect& frame) = 0;
+  /// The desktop took it off the screen and keeps it, or put it back. `NativeWindow::activate` brings it
+  /// back.
+  virtual void didLeaveScreen(Hiding how) = 0;
+  virtual void didReturnToScreen() = 0;
   /// The user drags the window by its content, beyond the threshold: an attached popover is torn off. The
   /// backend goes on moving the window with the pointer.
   virtual void dragDidBegin() = 0;
@@ -66,7 +76,7 @@ class NativeWindow {
   /// Opens the button's menu beside it and returns; `NSPopUpButton::itemChosen` is called with what is
   /// chosen.
   virtual void popUpMenu(NSPopUpButton& button) = 0;
-  /// In front of the other windows, with the focus.
+  /// On the screen, in front of the other windows, with the focus.
   virtual void activate() = 0;
 };
 

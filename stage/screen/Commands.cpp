@@ -88,6 +88,7 @@ void Commands::addKeyboard() {
   commands_["taken"] = [this](const Words& a) -> Json {  // KEY MODIFIERS
     return {{"taken", input_.isTaken(input_.keyCode(a.at(0)).value(), number(a, 1))}};
   };
+  commands_["keyboard"] = [this](const Words&) -> Json { return {{"free", input_.isKeyboardFree()}}; };
   commands_["key"] = [send](const Words& a) { return send(a, {Motion::Down, Motion::Up}); };
 }
 
@@ -131,6 +132,10 @@ void Commands::addWindows() {
     return XSync(screen_.display(), False), Json::object();
   };
   commands_["focus"] = [this](const Words&) -> Json { return {{"window", toJson(focusedWindow(screen_))}}; };
+  commands_["request"] = [this](const Words& a) {  // MESSAGE VALUE [WINDOW], the root window by default
+    const Window window = a.size() > 2 ? std::stoul(a[2]) : screen_.root();
+    return askManager(screen_, window, a.at(0), number(a, 1)), Json::object();
+  };
   commands_["property"] = [this](const Words& a) -> Json {
     return {{"value", rootProperty(screen_, a.at(0))}};
   };

@@ -57,6 +57,14 @@ bool Input::isTaken(unsigned keyCode, unsigned modifiers) const {
   return isRefused;
 }
 
+bool Input::isKeyboardFree() const {
+  Display* display = screen_.display();
+  const int status = XGrabKeyboard(display, screen_.root(), False, GrabModeAsync, GrabModeAsync, CurrentTime);
+  XUngrabKeyboard(display, CurrentTime);
+  XSync(display, False);
+  return status == GrabSuccess;
+}
+
 void Input::drag(int fromX, int fromY, int toX, int toY) const {
   move(fromX, fromY);
   button(1, Motion::Down);

@@ -21,6 +21,8 @@ class Input {
   void key(unsigned keyCode, Motion motion) const;
   /// Whether another program has taken the key with these modifiers (X11's bits) on the root window.
   [[nodiscard]] bool isTaken(unsigned keyCode, unsigned modifiers) const;
+  /// Whether a program that asked for the whole keyboard would get it.
+  [[nodiscard]] bool isKeyboardFree() const;
   void drag(int fromX, int fromY, int toX, int toY) const;
 
  private:

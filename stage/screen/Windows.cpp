@@ -125,6 +125,18 @@ WindowFacts focusedWindow(const Screen& screen) {
   return {};
 }
 
+void askManager(const Screen& screen, Window window, const std::string& message, int value) {
+  XEvent event{};
+  event.xclient.type = ClientMessage;
+  event.xclient.window = window;
+  event.xclient.message_type = screen.atom(message);
+  event.xclient.format = 32;
+  event.xclient.data.l[0] = value;
+  XSendEvent(screen.display(), screen.root(), False, SubstructureNotifyMask | SubstructureRedirectMask,
+             &event);
+  XFlush(screen.display());
+}
+
 std::vector<std::string> rootProperty(const Screen& screen, const std::string& name) {
   return texts(screen, screen.root(), name.c_str());
 }

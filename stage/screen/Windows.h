@@ -29,4 +29,7 @@ struct WindowFacts {
 /// A property of the root window as text: its numbers, atoms by name, or its characters.
 [[nodiscard]] std::vector<std::string> rootProperty(const Screen& screen, const std::string& name);
 
+/// Asks the window manager for something about `window`, by that message with that number.
+void askManager(const Screen& screen, Window window, const std::string& message, int value);
+
 }  // namespace vistrel::stage

@@ -249,14 +249,23 @@ class DarkModeTest(DesktopTest):
         self.desktop.camera()
         portal = Portal(self.desktop, 1)
         self.addCleanup(portal.close)
-        vistrel = self.start()
+        vistrel = self.start({"dismissPreference": 1})
+        vistrel.open_menu()
+        self.screen.click(centre(vistrel.menu_rows()[-2]))
+        window = wait_until(lambda: vistrel.windows(name="Preferences"), "Preferences")[0]["id"]
+
+        def body():
+            x, y, _width, height = vistrel.windows(id=window)[0]["place"]
+            return self.screen.color((x + 5, y + height - 5))
         self.open(vistrel)
         dark = self.frame_color(vistrel)
         self.assertLess(max(dark), 128)
+        wait_until(lambda: max(body()) < 128, "dark Preferences")
         self.assertNotIn("Switched modes", vistrel.lines)
         portal.set_scheme(2)
         vistrel.wait_line("Switched modes")
         wait_until(lambda: sum(self.frame_color(vistrel)) > sum(dark) + 150, "a light frame")
+        wait_until(lambda: min(body()) > 190, "light Preferences")
         portal.set_scheme(1)
         wait_until(lambda: self.frame_color(vistrel) == dark, "a dark frame")
 

@@ -34,6 +34,37 @@ class TearingOff:
         vistrel.click()
         self.wait_closed(camera)
 
+    def test_a_window_that_the_desktop_puts_aside_keeps_no_camera_on(self):
+        camera = self.desktop.camera()
+        for message in ("WM_CHANGE_STATE", "_NET_SHOWING_DESKTOP"):
+            with self.subTest(message=message), self.start({"dismissPreference": 1}) as vistrel:
+                start = centre(self.open(vistrel)["place"])
+                self.screen.drag(start, (start[0] - 300, start[1] + 200))
+                vistrel.wait_line("Detached")
+                self.put_aside(message, self.window(vistrel))
+                self.wait_closed(camera)
+                self.open(vistrel)
+                self.assertLessEqual(UNLISTED, self.states(vistrel))
+                vistrel.click()
+                self.wait_closed(camera)
+                vistrel.open_menu()
+                self.screen.click(centre(vistrel.menu_rows()[-2]))
+                window = wait_until(lambda: vistrel.windows(name="Preferences"), "Preferences")[0]
+                wait_until(lambda: self.screen.focus()["id"] == window["id"], "the focus on it")
+                self.put_aside(message, window)
+                if message != "WM_CHANGE_STATE":
+                    wait_until(lambda: not vistrel.windows(name="Preferences"), "the desktop")
+                    self.screen.move((100, 850))  # off the picture, so that no control covers its clock
+                    self.start_again()  # opens the mirror, since no window is on the screen
+                    self.screen.live_picture()
+                    vistrel.click()
+                    self.wait_closed(camera)
+                wait_until(lambda: vistrel.windows(name="Preferences"), "Preferences back")
+
+    def put_aside(self, message, window):
+        is_single = message == "WM_CHANGE_STATE"
+        self.screen.ask("request", message, *((3, window["id"]) if is_single else (1,)))  # 3: to an icon
+
     def states(self, vistrel):
         return set(self.window(vistrel)["states"])
 

@@ -36,16 +36,19 @@ bool isTab(const QEvent& event) {
 
 }  // namespace
 
-QtWindow::QtWindow(NSWindow& window, backend::WindowClient& client, X11Windows& x11)
+QtWindow::QtWindow(NSWindow& window, backend::WindowClient& client, Surroundings& surroundings)
     : window_(window),
       client_(client),
-      x11_(x11),
+      x11_(surroundings.x11),
+      shownDesktop_(surroundings.shownDesktop),
       shell_(new Shell(*this)),
       tree_(shell_->content(), *this),
       shownKind_(window.kind()) {
   const CommandScope scope(*this);
   shell_->setWindowFlags(hasChrome() ? kPopoverFlags : kTitledFlags);
   attributesDidChange();
+  QObject::connect(&shownDesktop_, &ShownDesktop::changed, &context_, [this] { shellStateChanged(); });
+  QObject::connect(&surroundings.popups, &PopupWatch::closed, &context_, [this] { popupClosed(); });
 }
 
 QtWindow::~QtWindow() {
@@ -83,6 +86,7 @@ void QtWindow::show() {
     applyChrome();
     applyKind();
     x11_.noteUserAction();
+    if (shownDesktop_.isShown()) shownDesktop_.end();
     shell_->show();
     if (hasChrome()) x11_.standAlone(*shell_->windowHandle());
     mayBeMisplaced_ = window_.kind() == NSWindowKind::Popover && !x11_.isXWayland();
@@ -94,7 +98,8 @@ void QtWindow::show() {
 void QtWindow::hide() {
   const CommandScope scope(*this);
   if (menu_) menu_->close();
-  shell_->hide();
+  shell_->putAway();
+  isOffScreen_ = false;
   tellPointer(false);
 }
 
@@ -112,6 +117,7 @@ void QtWindow::shellUnexposed() {
 void QtWindow::activate() {
   const CommandScope scope(*this);
   x11_.noteUserAction();
+  if (shell_->isMinimized()) shell_->setWindowState(Qt::WindowNoState);
   shell_->raise();
   shell_->activateWindow();
 }
@@ -202,11 +208,22 @@ void QtWindow::popUpMenu(NSPopUpButton& button) {
   menu_->popUpBeside(anchor, wasKeyLast_ ? ButtonMenu::OpenedBy::Keyboard : ButtonMenu::OpenedBy::Pointer);
 }
 
-// While a menu is open the pointer is neither in the content nor away from it.
+bool QtWindow::isPointerOverContent() const {
+  const QWidget* under = QApplication::widgetAt(QCursor::pos());
+  return under && (under == &shell_->content() || shell_->content().isAncestorOf(under));
+}
+
+// While one was open the pointer was neither in the content nor away from it.
+void QtWindow::popupClosed() {
+  if (shell_->isVisible()) tellPointer(isPointerOverContent());
+}
+
+// A menu that a key opened has shown what hangs on the pointer, wherever that was.
 void QtWindow::menuClosed() {
   if (menu_ && menu_->isVisible()) return;
-  const QWidget* under = QApplication::widgetAt(QCursor::pos());
-  tellPointer(under && (under == &shell_->content() || shell_->content().isAncestorOf(under)));
+  const bool isInside = isPointerOverContent();
+  isPointerInside_ = !isInside;
+  tellPointer(isInside);
 }
 
 void QtWindow::tellPointer(bool isInside) {
@@ -226,7 +243,11 @@ void QtWindow::shellCloseRequested() {
       &context_, [this] { client_.closeRequested(); }, Qt::QueuedConnection);
 }
 
-void QtWindow::shellActivated() { client_.didGainFocus(); }
+void QtWindow::shellActivated() {
+  // Nothing was heard of the pointer while an alert was up.
+  if (!hasChrome()) tellPointer(isPointerOverContent());
+  client_.didGainFocus();
+}
 
 void QtWindow::shellDeactivated() {
   // A key that another program has grabbed looks like a lost focus while it is held.
@@ -245,6 +266,21 @@ void QtWindow::shellMoved() {
 }
 
 void QtWindow::shellScaled() { applyChrome(); }
+
+// In a turn of its own: the answer may be to bring the window back, or to close it.
+void QtWindow::shellStateChanged() {
+  QMetaObject::invokeMethod(
+      &context_, [this] { tellPresence(); }, Qt::QueuedConnection);
+}
+
+void QtWindow::tellPresence() {
+  if (!shell_->isVisible()) return;
+  const bool isDesktopShown = shownDesktop_.isShown();
+  const bool isOffScreen = shell_->isMinimized() || isDesktopShown;
+  if (std::exchange(isOffScreen_, isOffScreen) == isOffScreen) return;
+  if (!isOffScreen) return client_.didReturnToScreen();
+  client_.didLeaveScreen(isDesktopShown ? backend::Hiding::DesktopShown : backend::Hiding::Minimized);
+}
 
 void QtWindow::shellDragBegan() {
   if (hasChrome()) client_.dragDidBegin();
@@ -266,13 +302,9 @@ void QtWindow::shellDragged(QPoint position) {
   client_.didMove(contentOnDesktop());
 }
 
-void QtWindow::shellPointerEntered() {
-  if (!menu_ || !menu_->isVisible()) tellPointer(true);
-}
+void QtWindow::shellPointerEntered() { tellPointer(true); }
 
-void QtWindow::shellPointerLeft() {
-  if (!menu_ || !menu_->isVisible()) tellPointer(false);
-}
+void QtWindow::shellPointerLeft() { tellPointer(false); }
 
 bool QtWindow::shellFilter(QEvent& event) {
   wasKeyLast_ = event.type() == QEvent::KeyPress;

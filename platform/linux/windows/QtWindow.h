@@ -7,15 +7,24 @@
 #include "backend/Windows.h"
 #include "linux/widgets/ViewTree.h"
 #include "linux/windows/ButtonMenu.h"
+#include "linux/windows/PopupWatch.h"
 #include "linux/windows/Shell.h"
+#include "linux/windows/ShownDesktop.h"
 #include "linux/windows/X11Windows.h"
 
 namespace vistrel::windows {
 
+/// What all windows share.
+struct Surroundings {
+  X11Windows x11;
+  ShownDesktop shownDesktop;
+  PopupWatch popups;
+};
+
 /// The native window of an `NSWindow`.
 class QtWindow final : public backend::NativeWindow, private ShellClient, private widgets::ViewClient {
  public:
-  QtWindow(NSWindow& window, backend::WindowClient& client, X11Windows& x11);
+  QtWindow(NSWindow& window, backend::WindowClient& client, Surroundings& surroundings);
   ~QtWindow() override;
 
   void contentDidChange() override;
@@ -39,6 +48,7 @@ class QtWindow final : public backend::NativeWindow, private ShellClient, privat
   void shellMoved() override;
   void shellScaled() override;
   void shellUnexposed() override;
+  void shellStateChanged() override;
   void shellDragBegan() override;
   bool shellDragHandedOver() override;
   void shellDragged(QPoint position) override;
@@ -57,7 +67,10 @@ class QtWindow final : public backend::NativeWindow, private ShellClient, privat
   void applyKind();
   void applyLook();
   void addCloseButton();
+  [[nodiscard]] bool isPointerOverContent() const;
+  void popupClosed();
   void tellPointer(bool isInside);
+  void tellPresence();
   void menuClosed();
 
   /// Marks a stretch in which native events are the echo of a command and not news.
@@ -75,6 +88,7 @@ class QtWindow final : public backend::NativeWindow, private ShellClient, privat
   NSWindow& window_;
   backend::WindowClient& client_;
   X11Windows& x11_;
+  ShownDesktop& shownDesktop_;
   Shell* shell_;
   widgets::ViewTree tree_;
   QPointer<ButtonMenu> menu_;
@@ -85,6 +99,7 @@ class QtWindow final : public backend::NativeWindow, private ShellClient, privat
   int commands_ = 0;
   bool mayBeMisplaced_ = false;  ///< nothing has moved it since it was shown
   bool isPointerInside_ = false;
+  bool isOffScreen_ = false;
   bool wasKeyLast_ = false;
   // Reports that wait for the main loop are dropped with the window.
   QObject context_;

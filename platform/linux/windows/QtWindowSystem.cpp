@@ -1,13 +1,12 @@
 #include "linux/windows/QtWindowSystem.h"
 
 #include "linux/windows/QtAlert.h"
-#include "linux/windows/QtWindow.h"
 
 namespace vistrel::windows {
 
 std::unique_ptr<backend::NativeWindow> QtWindowSystem::makeWindow(NSWindow& window,
                                                                   backend::WindowClient& client) {
-  return std::make_unique<QtWindow>(window, client, x11_);
+  return std::make_unique<QtWindow>(window, client, surroundings_);
 }
 
 void QtWindowSystem::setOutsidePressClient(backend::OutsidePressClient* client) {

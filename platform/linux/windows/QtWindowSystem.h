@@ -4,7 +4,7 @@
 
 #include "backend/Windows.h"
 #include "linux/windows/OutsidePresses.h"
-#include "linux/windows/X11Windows.h"
+#include "linux/windows/QtWindow.h"
 
 namespace vistrel::windows {
 
@@ -14,12 +14,12 @@ class QtWindowSystem final : public backend::WindowSystem {
   explicit QtWindowSystem(x11::RawPresses& presses) : outsidePresses_(presses) {}
 
   std::unique_ptr<backend::NativeWindow> makeWindow(NSWindow& window, backend::WindowClient& client) override;
-  void flush() override { x11_.flush(); }
+  void flush() override { surroundings_.x11.flush(); }
   void setOutsidePressClient(backend::OutsidePressClient* client) override;
   void showAlert(const std::shared_ptr<NSAlert>& alert, NSWindow* parent) override;
 
  private:
-  X11Windows x11_;
+  Surroundings surroundings_;
   OutsidePresses outsidePresses_;
 };
 

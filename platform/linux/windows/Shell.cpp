@@ -20,6 +20,14 @@ Shell::Shell(ShellClient& client) : client_(&client), content_(new QWidget(this)
   content_->installEventFilter(this);
 }
 
+void Shell::putAway() {
+  hide();
+  if (!isMinimized()) return;
+  // Qt remembers it of the native window, and undoes it by showing that at once.
+  destroy();
+  setWindowState(Qt::WindowNoState);
+}
+
 void Shell::retire() {
   client_ = nullptr;
   hide();
@@ -93,6 +101,7 @@ void Shell::mouseReleaseEvent(QMouseEvent* /*event*/) { drag_ = Drag::None; }
 bool Shell::event(QEvent* event) {
   const bool isHandled = QWidget::event(event);
   if (!client_) return isHandled;
+  if (event->type() == QEvent::WindowStateChange) client_->shellStateChanged();
   if (event->type() == QEvent::WindowActivate) client_->shellActivated();
   if (event->type() == QEvent::WindowDeactivate) client_->shellDeactivated();
   return isHandled;
@@ -107,10 +116,26 @@ bool Shell::eventFilter(QObject* object, QEvent* event) {
   return QWidget::eventFilter(object, event);
 }
 
+// An open popup takes the pointer from what is under it.
 void Shell::filterContent(const QEvent& event) {
-  if (!client_) return;
+  if (!client_ || QApplication::activePopupWidget()) return;
   if (event.type() == QEvent::Enter) client_->shellPointerEntered();
   if (event.type() == QEvent::Leave) client_->shellPointerLeft();
+}
+
+// The widget that was pressed keeps the pointer until it hears of a release. One outside it clicks nothing;
+// the movement after it tells Qt what is under the pointer all the same.
+void Shell::endPress(const QMouseEvent& release) {
+  const QPointF outside(-1 - width(), -1 - height());
+  const auto send = [&](QEvent::Type type, QPointF place, Qt::MouseButton button) {
+    QMouseEvent event(type, place, place, release.globalPosition(), button, release.buttons(),
+                      release.modifiers(), release.pointingDevice());
+    if (handle_) QCoreApplication::sendEvent(handle_, &event);
+  };
+  handle_->removeEventFilter(this);
+  send(release.type(), outside, release.button());
+  send(QEvent::MouseMove, release.position(), Qt::NoButton);
+  if (handle_) handle_->installEventFilter(this);
 }
 
 // A menu of ours that is open has the keyboard and the pointer to itself.
@@ -121,13 +146,16 @@ bool Shell::filterWindow(QEvent& event) {
     case QEvent::KeyRelease:
     case QEvent::MouseButtonPress:
     case QEvent::MouseButtonDblClick:
-    case QEvent::MouseButtonRelease:
     case QEvent::Wheel:
     case QEvent::NativeGesture:
       return client_->shellFilter(event);
     case QEvent::MouseMove:
       return static_cast<const QMouseEvent&>(event).buttons() == Qt::RightButton &&
              client_->shellFilter(event);
+    case QEvent::MouseButtonRelease:
+      if (!client_->shellFilter(event)) return false;
+      endPress(static_cast<QMouseEvent&>(event));
+      return true;
     default:
       return false;
   }

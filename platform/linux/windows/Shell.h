@@ -22,6 +22,8 @@ class ShellClient {
   virtual void shellScaled() = 0;
   /// The desktop shows it no more.
   virtual void shellUnexposed() = 0;
+  /// The window manager has minimized it, or put it back.
+  virtual void shellStateChanged() = 0;
   /// The pointer, with the button down on the content, has gone far enough to mean a drag.
   virtual void shellDragBegan() = 0;
   /// Whether the desktop has taken the drag over, and tells of no more of it.
@@ -45,6 +47,8 @@ class Shell final : public QWidget {
   void setChrome(const QPainterPath& outline, const QColor& line);
   /// The native window is gone: the next showing makes another.
   void renew() { destroy(); }
+  /// Takes it off the screen. The next showing is one of a window that was never minimized.
+  void putAway();
   /// Nothing is reported any more; the window goes away.
   void retire();
 
@@ -61,6 +65,7 @@ class Shell final : public QWidget {
 
  private:
   bool filterWindow(QEvent& event);
+  void endPress(const QMouseEvent& release);
   void filterContent(const QEvent& event);
 
   enum class Drag { None, Possible, Going };

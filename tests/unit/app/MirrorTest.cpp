@@ -3,6 +3,7 @@
 #include <functional>
 
 #include "KeyboardShortcuts/KeyboardShortcuts.h"
+#include "app/AuxiliaryWindows.h"
 #include "app/Notifications.h"
 #include "app/PreferenceKeys.h"
 #include "appkit/NSAlert.h"
@@ -38,6 +39,16 @@ TEST(Mirror, OpensByEveryWayAndClosesByEveryWay) {
       {"menu by Control", [](Program& p) { p.desktop.clickIcon(kControl); }},
       {"the window manager",
        [](Program& p) { p.desktop.windowSystem.titled("Vistrel").client().closeRequested(); }},
+      {"minimizing",
+       [](Program& p) {
+         p.desktop.windowSystem.titled("Vistrel").client().didLeaveScreen(backend::Hiding::Minimized);
+       }},
+      {"showing the desktop",
+       [](Program& p) {
+         auto& window = p.desktop.windowSystem.titled("Vistrel").client();
+         window.dragDidBegin();
+         window.didLeaveScreen(backend::Hiding::DesktopShown);
+       }},
       {"data change",
        [](Program&) { NotificationCenter::defaultCenter().post(notification::dataChanged()); }},
   };
@@ -67,6 +78,7 @@ TEST(Mirror, AClickOnTheIconClosesWhereverThePointerIsByItsEnd) {
     Point press;
     Point release;
     bool opensAgain;
+    bool isReleaseTold = true;
   };
   Program program;
   program.launchWith({"A"});
@@ -75,7 +87,8 @@ TEST(Mirror, AClickOnTheIconClosesWhereverThePointerIsByItsEnd) {
   const Point elsewhere{100, 700};
   for (const Case& c :
        {Case{inIcon, inIcon, false}, Case{{icon.x, icon.y}, {icon.maxX(), icon.maxY()}, false},
-        Case{inIcon, elsewhere, false}, Case{elsewhere, inIcon, true}}) {
+        Case{inIcon, elsewhere, false}, Case{elsewhere, inIcon, true}, Case{inIcon, inIcon, true, false}}) {
+    program.desktop.tray.isReleaseTold = c.isReleaseTold;
     if (!program.isShown()) program.desktop.clickIcon();
     program.desktop.windowSystem.pressOutside(c.press);
     EXPECT_FALSE(program.isShown());
@@ -83,6 +96,38 @@ TEST(Mirror, AClickOnTheIconClosesWhereverThePointerIsByItsEnd) {
     program.desktop.tray.client().statusIconPressed(backend::PointerButton::Left, 0, c.release);
     EXPECT_EQ(program.isShown(), c.opensAgain);
   }
+}
+
+TEST(Mirror, AnOpeningThatFailsLeavesNothingBehind) {
+  Program program;
+  program.launchWith({"A"});
+  program.desktop.windowSystem.whenShown = [] { throw std::runtime_error("no memory"); };
+  EXPECT_THROW(program.desktop.clickIcon(), std::runtime_error);
+  program.desktop.windowSystem.whenShown = nullptr;
+  EXPECT_FALSE(program.isShown());
+  EXPECT_TRUE(program.desktop.windowSystem.onScreen().empty());
+  EXPECT_EQ(program.desktop.simulatedCameras.openStreams(), 0U);
+  program.desktop.clickIcon();
+  EXPECT_TRUE(program.isShown());
+  EXPECT_EQ(program.desktop.windowSystem.onScreen().size(), 1U);
+  EXPECT_EQ(program.desktop.simulatedCameras.openStreams(), 1U);
+}
+
+TEST(Mirror, AReopenOpensItWithoutAHighlightUnlessAWindowIsOnTheScreen) {
+  Program program;
+  program.launchWith({"A"});
+  auto& session = program.desktop.simulatedSession.client();
+  openAboutWindow();
+  auto& about = program.desktop.windowSystem.titled("About Vistrel");
+  session.reopen();
+  EXPECT_FALSE(program.isShown());
+  about.client().didLeaveScreen(backend::Hiding::DesktopShown);
+  session.reopen();
+  EXPECT_TRUE(program.isShown());
+  EXPECT_FALSE(program.desktop.tray.isHighlighted);
+  about.client().didReturnToScreen();
+  session.reopen();
+  EXPECT_TRUE(program.isShown());
 }
 
 TEST(Mirror, DismissPreferenceGovernsTheFocusAlone) {
@@ -135,8 +180,14 @@ TEST(Mirror, SizeIconAndMirroringFollowThePreferences) {
 TEST(Mirror, IconIsReplacedInPlaceAndNeverTwice) {
   Program program;
   program.launchWith({"A"});
+  program.desktop.clickIcon();
+  const auto preview = program.mirror().previewLayer();
+  const auto menu = program.delegate->menu();
+  NotificationCenter::defaultCenter().post(notification::mirroringChanged());
+  EXPECT_EQ(program.mirror().previewLayer(), preview) << "an open preview stays as it is";
   for (int i = 0; i < 3; ++i) NotificationCenter::defaultCenter().post(notification::dataChanged());
   for (const auto& icon : program.desktop.tray.icons) EXPECT_FALSE(icon.empty());
+  EXPECT_EQ(program.delegate->menu(), menu);
 }
 
 TEST(Mirror, FollowsLightAndDark) {
@@ -182,6 +233,12 @@ TEST(Mirror, TerminationEndsTheObservationsOnce) {
   EXPECT_TRUE(NSApplication::shared().windows().empty());
   program.desktop.changeDisplays();
   EXPECT_EQ(program.takeLog(), Lines{});
+}
+
+TEST(MirrorDeathTest, AMissingIconStopsTheProgram) {
+  Program program;
+  program.desktop.resourceFolder.overrides["images/Icon1.svg"] = std::nullopt;
+  EXPECT_DEATH(program.launch(), "unable to find image named Icon1");
 }
 
 TEST(MirrorDeathTest, MissingLayoutStopsTheProgram) {

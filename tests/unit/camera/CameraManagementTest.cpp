@@ -85,6 +85,7 @@ TEST(CameraManagement, SavesTheChosenCamera) {
   desktop.takeLog();
   cameras.saveDefaultCamera("nobody");
   EXPECT_EQ(desktop.takeLog(), Lines{});
+  EXPECT_EQ(cameras.selectedDevice()->uniqueID(), "camera1");
   EXPECT_EQ(UserDefaults::standard().stringForKey(preference::kDefaultCamera), std::nullopt);
   cameras.saveDefaultCamera("twin");
   const std::string line = "⚠️ Saving default camera: twin";

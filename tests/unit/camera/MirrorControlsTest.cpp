@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "app/Notifications.h"
+#include "app/PreferenceKeys.h"
 #include "appkit/NSWindow.h"
 #include "base/KeyCodes.h"
 #include "tests/unit/app/Program.h"
@@ -28,8 +30,12 @@ TEST(MirrorControls, ControlsFollowThePointer) {
       EXPECT_TRUE(mirror.availableCamerasPopupButton().isHidden());
       EXPECT_EQ(window.focused(), &mirror.availableCamerasPopupButton());
       if (row.isDetached) {
+        int posts = 0;
+        const auto observer = NotificationCenter::defaultCenter().addObserver(
+            notification::windowDetached(), nullptr, [&](const Notification&) { ++posts; });
         window.client().dragDidBegin();
         window.client().dragDidBegin();
+        EXPECT_EQ(posts, 1);
         EXPECT_EQ(program.takeLog(), (Lines{"📹✅ Capture Session Started", "Should Detach", "Detached"}));
         EXPECT_FALSE(window.window().standardWindowButton(NSWindowButton::Close)->isHidden());
       }
@@ -67,11 +73,27 @@ TEST(MirrorControls, TornOffItIsAWindow) {
   EXPECT_EQ(program.desktop.windowSystem.titled("Vistrel").window().kind(), NSWindowKind::Popover);
 }
 
+TEST(MirrorControls, BothMenusMarkEveryCameraOfTheSelectedName) {
+  Program program;
+  UserDefaults::standard().setString("twin", preference::kDefaultCamera);
+  program.launchWith({"A", "twin", "twin"});
+  program.desktop.clickIcon();
+  const auto& menu = program.mirror().availableCamerasPopupButton().menu();
+  EXPECT_TRUE(menu->itemArray().front()->image()) << "the face of the button";
+  Lines rows = program.desktop.rows(*menu);
+  rows.erase(rows.begin());
+  EXPECT_EQ(rows, program.menuRows());
+  rows.resize(3);
+  EXPECT_EQ(rows, (Lines{"A", "✓ twin", "✓ twin"}));
+}
+
 TEST(MirrorControls, ViewsMenuWorksByKeyboard) {
   Program program;
   program.launchWith({"A", "B"});
   program.desktop.clickIcon();
   auto& button = program.mirror().availableCamerasPopupButton();
+  for (const std::uint16_t key : {kVK_ANSI_A, kVK_Return}) program.desktop.pressKey(key);
+  EXPECT_TRUE(button.isHidden()) << "only a key that opens the menu shows the button";
   program.desktop.pressKey(kVK_Space);
   EXPECT_FALSE(button.isHidden());
   auto& window = program.desktop.windowSystem.titled("Vistrel");

@@ -72,6 +72,7 @@ class PreferencesViewTest : public ::testing::Test {
 TEST_F(PreferencesViewTest, ReadsWithoutWritingAndWritesBeforeItTells) {
   window = openPreferencesWindow();
   EXPECT_EQ(desktop.files.preferences, std::nullopt) << "opening only reads";
+  EXPECT_EQ(posts, "");
   EXPECT_EQ(selection("Menu bar icon:") + selection("Popover size:") + selection("Close popover when:"), 0);
   EXPECT_TRUE(isOn("Mirror video"));
   EXPECT_FALSE(isOn("Open Vistrel at login"));
@@ -150,6 +151,8 @@ TEST_F(PreferencesViewTest, RecordsWhileTheWindowIsDrawnAgain) {
 }
 
 TEST_F(PreferencesViewTest, OpensANewWindowEachTimeAndRemembersItsPlace) {
+  openPreferencesWindow()->close();
+  EXPECT_EQ(desktop.files.preferences, std::nullopt) << "it was not moved";
   window = openPreferencesWindow();
   const auto about = openAboutWindow();
   EXPECT_EQ(NSApplication::shared().keyWindow(), about.get());
