@@ -2,23 +2,36 @@
 
 #include <utility>
 
+#include "appkit/NSView.h"
 #include "appkit/NSWindow.h"
 #include "carbon/SymbolicHotKeys.h"
 
 namespace vistrel::KeyboardShortcuts {
 
-KeyboardCapture::KeyboardCapture(const NSWindow& window) {
+KeyboardCapture::KeyboardCapture(NSWindow& window) : window_(window), content_(window.contentView()) {
   auto& center = NotificationCenter::defaultCenter();
   becameKey_ = center.addObserver(NSWindowDidBecomeKeyNotification, &window,
                                   [this](const Notification&) { capture(); });
   resignedKey_ = center.addObserver(NSWindowDidResignKeyNotification, &window,
                                     [this](const Notification&) { release(); });
-  if (window.isKeyWindow()) capture();
+  constexpr auto kOptions = NSTrackingArea::kMouseEnteredAndExited | NSTrackingArea::kActiveAlways;
+  content_->addTrackingArea({content_->visibleRect(), kOptions, this});
+  capture();
 }
 
+KeyboardCapture::~KeyboardCapture() {
+  content_->removeTrackingAreasOf(*this);
+  release();
+}
+
+void KeyboardCapture::mouseEntered(const NSEvent& /*event*/) { capture(); }
+
+void KeyboardCapture::mouseExited(const NSEvent& /*event*/) { release(); }
+
 void KeyboardCapture::capture() {
-  // A refusal costs the combinations that the window manager keeps for itself, no more.
-  if (!isHeld_) isHeld_ = PushSymbolicHotKeyMode();
+  if (isHeld_ || !window_.isKeyWindow() || !window_.isPointerInside()) return;
+  // A refusal costs the combinations that the window manager keeps for itself, no more, until the next time.
+  isHeld_ = PushSymbolicHotKeyMode();
 }
 
 void KeyboardCapture::release() {

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "KeyboardShortcuts/Shortcut.h"
+#include "base/Unicode.h"
 
 namespace vistrel::KeyboardShortcuts {
 
@@ -21,7 +22,7 @@ class Name {
 
   [[nodiscard]] const std::string& rawValue() const { return rawValue_; }
   [[nodiscard]] const std::optional<Shortcut>& defaultShortcut() const { return defaultShortcut_; }
-  bool operator==(const Name& other) const { return rawValue_ == other.rawValue_; }
+  bool operator==(const Name& other) const { return unicode::areEqual(rawValue_, other.rawValue_); }
 
  private:
   std::string rawValue_;
@@ -46,6 +47,6 @@ void writeNoShortcut(const Name& name);
 template <>
 struct std::hash<vistrel::KeyboardShortcuts::Name> {
   std::size_t operator()(const vistrel::KeyboardShortcuts::Name& name) const noexcept {
-    return std::hash<std::string>{}(name.rawValue());
+    return std::hash<std::string>{}(vistrel::unicode::decomposed(name.rawValue()));
   }
 };

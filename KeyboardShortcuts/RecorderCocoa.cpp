@@ -80,12 +80,12 @@ void RecorderCocoa::observeChanges() {
         const auto entry = change.userInfo.find(kNameInUserInfo);
         if (entry == change.userInfo.end()) return;
         const auto* name = std::any_cast<Name>(&entry->second);
-        if (name && name->rawValue() == shortcutName_.rawValue()) refreshText();
+        if (name && *name == shortcutName_) refreshText();
       });
 }
 
 void RecorderCocoa::setShortcutName(const Name& name) {
-  const bool isOther = name.rawValue() != shortcutName_.rawValue();
+  const bool isOther = name != shortcutName_;
   shortcutName_ = name;
   if (!isOther) return;
   refreshText();
@@ -124,7 +124,7 @@ void RecorderCocoa::startWatching() {
         return passesOn ? event : nullptr;
       });
   eventMonitor_->start();
-  if (window()) capture_ = std::make_unique<KeyboardCapture>(*window());
+  if (window() && window()->contentView()) capture_ = std::make_unique<KeyboardCapture>(*window());
 }
 
 void RecorderCocoa::controlTextDidEndEditing(NSSearchField& /*field*/) {

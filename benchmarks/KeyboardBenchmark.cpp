@@ -8,6 +8,7 @@
 #include "KeyboardShortcuts/KeyboardShortcuts.h"
 #include "appkit/NSMenu.h"
 #include "base/KeyCodes.h"
+#include "linux/keyboard/HotKeyGrabs.h"
 #include "linux/keyboard/X11Keyboard.h"
 #include "simulated/SimulatedDesktop.h"
 #include "tests/unit/linux/PollReactor.h"
@@ -53,7 +54,8 @@ void releaseToAction(benchmark::State& state) {
 void translation(benchmark::State& state) {
   desktop::PollReactor reactor;
   x11::X11Connection connection(reactor);
-  keyboard::X11Keyboard keyboard(connection, nullptr);
+  const keyboard::HotKeyGrabs hotKeys(connection);
+  keyboard::X11Keyboard keyboard(connection, nullptr, hotKeys);
   if (!keyboard.displayCharacter(0)) return state.SkipWithError("no keymap; give it a DISPLAY");
   for ([[maybe_unused]] auto _ : state) benchmark::DoNotOptimize(keyboard.displayCharacter(0));
 }
@@ -61,7 +63,8 @@ void translation(benchmark::State& state) {
 void conflictCheck(benchmark::State& state) {
   desktop::PollReactor reactor;
   x11::X11Connection connection(reactor);
-  keyboard::X11Keyboard keyboard(connection, nullptr);
+  const keyboard::HotKeyGrabs hotKeys(connection);
+  keyboard::X11Keyboard keyboard(connection, nullptr, hotKeys);
   if (!keyboard.displayCharacter(0)) return state.SkipWithError("no keymap; give it a DISPLAY");
   const BusyDesktop busy(keyboard);
   NSMenu menu;

@@ -36,7 +36,8 @@ class Keyboard {
   /// The unshifted text of the key at a virtual key code on the layout that types ASCII: empty when the
   /// layout gives the key nothing; none when no keymap can be had.
   [[nodiscard]] virtual std::optional<std::string> displayCharacter(std::uint16_t keyCode) = 0;
-  /// The desktop's own shortcuts that are in force; none without a known desktop.
+  /// The desktop's own shortcuts that are in force: those that it tells of, else those that are seen to be
+  /// taken; none where neither can be had.
   [[nodiscard]] virtual std::optional<std::vector<HotKeyCombination>> symbolicHotKeys() = 0;
   /// The window system's bell.
   virtual void beep() = 0;

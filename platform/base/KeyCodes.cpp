@@ -112,6 +112,7 @@ constexpr auto kRows = std::to_array<Row>({
     {kVK_End, 107},
     {kVK_DownArrow, 108},
     {kVK_PageDown, 109},
+    {kVK_Help, 110},  // Insert, which has its place
     {kVK_ForwardDelete, 111},
     {kVK_Mute, 113},
     {kVK_VolumeDown, 114},

@@ -49,15 +49,15 @@ std::string onOneLine(std::string_view text) {
   return line;
 }
 
-bool areEqual(std::string_view a, std::string_view b) {
-  if (a == b) return true;
-  if (!isValidUtf8(a) || !isValidUtf8(b)) return false;
+std::string decomposed(std::string_view text) {
   UErrorCode status = U_ZERO_ERROR;
   const icu::Normalizer2* nfd = icu::Normalizer2::getNFDInstance(status);
-  if (U_FAILURE(status)) return false;
-  const bool equal = nfd->normalize(toUtf16(a), status) == nfd->normalize(toUtf16(b), status);
-  return U_SUCCESS(status) && equal;
+  if (U_FAILURE(status) || !isValidUtf8(text)) return std::string(text);
+  const auto normal = nfd->normalize(toUtf16(text), status);
+  return U_SUCCESS(status) ? toUtf8(normal) : std::string(text);
 }
+
+bool areEqual(std::string_view a, std::string_view b) { return a == b || decomposed(a) == decomposed(b); }
 
 std::string upperCased(std::string_view text) {
   return toUtf8(toUtf16(text).toUpper(icu::Locale::getRoot()));

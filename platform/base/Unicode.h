@@ -10,6 +10,9 @@ namespace vistrel::unicode {
 /// case-sensitive. Bytes that are not UTF-8 compare as they stand.
 [[nodiscard]] bool areEqual(std::string_view a, std::string_view b);
 
+/// The text in one of its spellings: equal texts give the same one (normalization form D).
+[[nodiscard]] std::string decomposed(std::string_view text);
+
 /// Upper case by the full mapping of Unicode, without a language's own rules ("ß" gives "SS").
 [[nodiscard]] std::string upperCased(std::string_view text);
 

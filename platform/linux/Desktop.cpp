@@ -54,7 +54,7 @@ struct Desktop::Parts {
                               files::environment("XDG_CURRENT_DESKTOP")};
   x11::X11Connection x11{reactor};
   keyboard::HotKeyGrabs grabs{x11};
-  keyboard::X11Keyboard keyboard{x11, qt::toolkitConnection()};
+  keyboard::X11Keyboard keyboard{x11, qt::toolkitConnection(), grabs};
   keyboard::DesktopHotKeys hotKeys{grabs, keyboard, x11};
   keyboard::PopupKeys popupKeys{grabs, keyboard};
   x11::RawPresses presses{x11};

@@ -1,5 +1,6 @@
 """The recorder of the global shortcut, with real keys."""
 
+import contextlib
 import unittest
 
 from stage.processes import wait_until
@@ -10,7 +11,7 @@ from tests.desktop.settings import SettingsTest
 SHORTCUT = "KeyboardShortcuts_toggleShortcutMode"
 
 
-class RecorderTest(SettingsTest):
+class RecorderRules:
     NAME = "Keyboard shortcut:"
 
     def field(self, vistrel):
@@ -41,6 +42,62 @@ class RecorderTest(SettingsTest):
         self.combination(*keys)
         self.wait_closed(camera)
 
+    def test_it_sees_and_refuses_what_the_window_manager_keeps_even_held(self):
+        vistrel = self.start()
+        self.open_window(vistrel, "Preferences")
+        for has_box in (False, True):
+            self.record(vistrel)
+            if has_box:  # opened by a screen reader, which leaves the focus where it is
+                self.reader.act(self.size_box(vistrel), "ShowMenu")
+                wait_until(lambda: vistrel.windows(managed=False), "the open box")
+                self.screen.key("Escape")
+                wait_until(lambda: not vistrel.windows(managed=False), "the end of the box")
+                self.wait_says(vistrel, "Press Shortcut")
+            with self.repeating(), self.screen.holding("Alt_L"), self.screen.holding("F4"):  # closes a window here
+                self.find(vistrel, "OK", "push button")
+                self.wait_a_few_repeats()
+            self.press(vistrel, "OK", "push button")
+            self.wait_says(vistrel, "Press Shortcut", "")
+            self.screen.key("Escape")
+            self.expect(vistrel, "", None)
+        self.combination("Alt_L", "F4")
+        wait_until(lambda: not vistrel.windows(name="Preferences"), "the window closed by the window manager")
+
+    @contextlib.contextmanager
+    def repeating(self):
+        """A key that is held repeats itself a hundred times a second."""
+        self.desktop.run("xset", "r", "rate", "20", "100")
+        try:
+            yield
+        finally:
+            self.desktop.run("xset", "r", "rate")
+
+    def wait_a_few_repeats(self):
+        """Another window takes far longer to come and to go."""
+        other = self.desktop.start(["xev"])
+        wait_until(lambda: self.screen.windows(name="Event Tester"), "another window")
+        other.end()
+
+    def test_others_have_the_keyboard_while_the_pointer_is_elsewhere(self):
+        vistrel = self.start()
+        self.open_window(vistrel, "Preferences")
+        self.record(vistrel)
+        wait_until(lambda: not self.screen.is_keyboard_free(), "the keyboard at the recorder")
+        self.screen.move(centre(vistrel.icon()))
+        wait_until(self.screen.is_keyboard_free, "the keyboard at nobody")
+        # No look at the keyboard here: it could be what the recorder is refused for.
+        self.screen.move(centre(self.field(vistrel)["place"]))
+        for _ in range(2):
+            self.wait_says(vistrel, "Press Shortcut")  # an answer after the pointer came
+        self.combination("Alt_L", "F4")
+        self.press(vistrel, "OK", "push button")
+        self.wait_says(vistrel, "Press Shortcut", "")
+        self.screen.move(centre(vistrel.icon()))
+        wait_until(self.screen.is_keyboard_free, "the keyboard at nobody")
+        vistrel.open_menu()
+
+
+class RecorderTest(RecorderRules, SettingsTest):
     def test_a_shortcut_is_recorded_replaced_and_cleared(self):
         camera = self.desktop.camera()
         vistrel = self.start({"dismissPreference": 1})
@@ -63,6 +120,17 @@ class RecorderTest(SettingsTest):
         self.record(vistrel)
         self.screen.key("Tab")
         self.expect(vistrel, "⌃⌥⎵", space)
+        # On to the next control, not to the first one.
+        wait_until(lambda: "focused" in self.find(vistrel, "Click away from the window", "radio button")["states"],
+                   "the focus on the next control")
+        x, y, width, height = self.field(vistrel)["place"]
+        self.screen.drag((x + width // 2 - 20, y + height // 2), (x + width // 2 + 20, y + height // 2))
+        self.wait_says(vistrel, "Press Shortcut")
+        self.assertFalse(self.screen.owns_selection("PRIMARY"))
+        self.screen.key("Num_Lock")  # a modifier, which beeps as little as Shift
+        self.combination("Control_L", "Insert")
+        self.expect(vistrel, "⌃?\u20dd", '{"carbonKeyCode":114,"carbonModifiers":4096}')
+        self.screen.key("Num_Lock")
         self.record(vistrel)
         self.combination("Control_L", "Shift_L", "F6")
         f6 = '{"carbonKeyCode":97,"carbonModifiers":4608}'
@@ -103,7 +171,6 @@ class RecorderTest(SettingsTest):
             return any("keysym 0x62, b" in line for line in other.lines)
         wait_until(types, "a key at the other application")
         other.end()
-
 
     def test_nothing_opens_while_recording_nor_after_the_removal(self):
         camera = self.desktop.camera()
@@ -154,40 +221,14 @@ class RecorderTest(SettingsTest):
         for key in ("Control_L", "Shift_L", "F6"):
             self.screen.ask("keydown", key)
         self.wait_says(vistrel, "Record Shortcut", "⌃⇧F6")
-        other = self.desktop.start(["xev"])  # takes far longer to come than a few repeats
-        wait_until(lambda: self.screen.windows(name="Event Tester"), "another window")
-        other.end()
+        self.wait_a_few_repeats()
         for key in ("F6", "Shift_L", "Control_L"):
             self.screen.ask("keyup", key)
         self.open(vistrel)  # had the keys opened the mirror, this would close it
 
 
-class RecorderUnderBindingsTest(RecorderTest):
+class RecorderUnderXfwmTest(RecorderRules, SettingsTest):
     stage = {"accessible": True, "manager": "xfwm4"}
-    test_nothing_opens_while_recording_nor_after_the_removal = None
-    test_it_works_while_a_box_of_ours_has_the_keyboard = None
-    test_keys_held_a_while_are_recorded_and_open_nothing = None
-    test_a_shortcut_is_recorded_replaced_and_cleared = None
-    test_another_program_gets_its_keys_when_it_takes_the_focus = None
-
-    def test_the_recorder_sees_and_refuses_what_the_window_manager_keeps(self):
-        vistrel = self.start()
-        self.open_window(vistrel, "Preferences")
-        for has_box in (False, True):
-            self.record(vistrel)
-            if has_box:  # opened by a screen reader, which leaves the focus where it is
-                self.reader.act(self.size_box(vistrel), "ShowMenu")
-                wait_until(lambda: vistrel.windows(managed=False), "the open box")
-                self.screen.key("Escape")
-                wait_until(lambda: not vistrel.windows(managed=False), "the end of the box")
-                self.wait_says(vistrel, "Press Shortcut")
-            self.combination("Alt_L", "F4")  # closes a window here
-            self.press(vistrel, "OK", "push button")
-            self.wait_says(vistrel, "Press Shortcut", "")
-            self.screen.key("Escape")
-            self.expect(vistrel, "", None)
-        self.combination("Alt_L", "F4")
-        wait_until(lambda: not vistrel.windows(name="Preferences"), "the window closed by the window manager")
 
 
 if __name__ == "__main__":

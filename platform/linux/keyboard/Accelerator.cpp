@@ -1,5 +1,6 @@
 #include "linux/keyboard/Accelerator.h"
 
+#include <gio/gio.h>
 #include <linux/input-event-codes.h>
 
 #include <algorithm>
@@ -28,6 +29,9 @@ constexpr Modifier kQtModifiers[] = {
 // GNOME's name for the key left of the digits, whatever the layout prints there.
 constexpr const char* kAboveTab = "above_tab";
 constexpr std::uint16_t kPlaceAboveTab = KEY_GRAVE;
+
+// What GLib answers for bytes that are no character, and for a part of one.
+constexpr gunichar kBrokenCharacter = static_cast<gunichar>(-2);
 
 struct KeyName {
   const char* name;
@@ -63,15 +67,23 @@ std::optional<std::uint32_t> modifierBit(std::span<const Modifier> modifiers, st
   return std::nullopt;
 }
 
+/// The one printed character that a text of UTF-8 is.
+std::optional<std::uint32_t> singleCharacter(std::string_view text) {
+  const auto* bytes = text.data();
+  const auto character = g_utf8_get_char_validated(bytes, static_cast<gssize>(text.size()));
+  if (character == 0 || character >= kBrokenCharacter || g_unichar_isgraph(character) == FALSE) return {};
+  return g_utf8_next_char(bytes) == bytes + text.size() ? std::optional(character) : std::nullopt;
+}
+
 xkb_keysym_t keySymbol(std::span<const KeyName> names, std::string_view name) {
   const auto wanted = lowerCased(name);
   for (const auto& key : names) {
     if (wanted == key.name) return key.symbol;
   }
-  const std::string exact(name);
-  if (exact.size() == 1 && exact[0] > ' ' && exact[0] < '\x7f') {
-    return xkb_keysym_to_lower(xkb_utf32_to_keysym(static_cast<unsigned char>(exact[0])));
+  if (const auto character = singleCharacter(name)) {
+    return xkb_keysym_to_lower(xkb_utf32_to_keysym(*character));
   }
+  const std::string exact(name);
   return xkb_keysym_to_lower(xkb_keysym_from_name(exact.c_str(), XKB_KEYSYM_CASE_INSENSITIVE));
 }
 

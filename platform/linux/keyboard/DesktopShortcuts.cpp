@@ -16,15 +16,19 @@ struct DesktopKind {
   const char* name;     ///< in XDG_CURRENT_DESKTOP
   const char* service;  ///< on the session bus while it runs
   std::optional<Accelerators> (*read)();
+  bool tellsAll = true;
 };
 
-constexpr std::array<DesktopKind, 6> kDesktops = {{
+constexpr std::array<DesktopKind, 9> kDesktops = {{
     {"XFCE", "org.xfce.SessionManager", readXfceShortcuts},
     {"KDE", "org.kde.kglobalaccel", readKdeShortcuts},
     {"GNOME", "org.gnome.Shell", readGnomeShortcuts},
     {"Unity", "com.canonical.Unity", readGnomeShortcuts},
     {"Budgie", "org.budgie_desktop.Panel", readGnomeShortcuts},
     {"Pantheon", "org.pantheon.gala", readGnomeShortcuts},
+    {"X-Cinnamon", "org.Cinnamon", readCinnamonShortcuts},
+    {"Cinnamon", "org.Cinnamon", readCinnamonShortcuts},
+    {"MATE", "org.mate.SettingsDaemon", readMateShortcuts, false},
 }};
 
 /// The names in a list with colons between, as XDG_CURRENT_DESKTOP holds them.
@@ -36,41 +40,41 @@ bool isNamed(const std::string& list, std::string_view name) {
   return false;
 }
 
-std::optional<Accelerators> readPresentDesktop() {
+const DesktopKind* presentDesktop() {
   const char* value = std::getenv("XDG_CURRENT_DESKTOP");
   const std::string names = value ? value : "";
   for (const auto& desktop : kDesktops) {
-    if (isNamed(names, desktop.name)) return desktop.read();
+    if (isNamed(names, desktop.name)) return &desktop;
   }
   const SessionBus bus;
   for (const auto& desktop : kDesktops) {
-    if (bus.hasOwner(desktop.service)) return desktop.read();
+    if (bus.hasOwner(desktop.service)) return &desktop;
   }
-  return std::nullopt;
+  return nullptr;
 }
 
-std::optional<Keymap::Place> placeOf(const Accelerator& accelerator, Keymap& keymap) {
-  if (accelerator.place != 0) return Keymap::Place{accelerator.place, false};
+std::vector<Keymap::Place> placesOf(const Accelerator& accelerator, Keymap& keymap) {
+  if (accelerator.place != 0) return {{accelerator.place, false}};
   return keymap.find(accelerator.symbol);
 }
 
-std::optional<backend::HotKeyCombination> hotKeyOf(const Accelerator& accelerator, Keymap& keymap) {
-  const auto place = placeOf(accelerator, keymap);
-  const auto code = place ? virtualKeyCodeFromEvdev(place->evdevCode) : std::nullopt;
-  if (!code) return std::nullopt;
-  return backend::HotKeyCombination{*code, accelerator.modifiers | (place->isShifted ? shiftKey : 0)};
+void append(const Accelerator& accelerator, Keymap& keymap, std::vector<backend::HotKeyCombination>& to) {
+  for (const auto& place : placesOf(accelerator, keymap)) {
+    const auto code = virtualKeyCodeFromEvdev(place.evdevCode);
+    if (code) to.push_back({*code, accelerator.modifiers | (place.isShifted ? shiftKey : 0)});
+  }
 }
 
 }  // namespace
 
-std::optional<std::vector<backend::HotKeyCombination>> readDesktopShortcuts(Keymap& keymap) {
-  const auto accelerators = readPresentDesktop();
-  if (!accelerators) return std::nullopt;
-  std::vector<backend::HotKeyCombination> hotKeys;
-  for (const auto& accelerator : *accelerators) {
-    if (const auto hotKey = hotKeyOf(accelerator, keymap)) hotKeys.push_back(*hotKey);
-  }
-  return hotKeys;
+DesktopShortcuts readDesktopShortcuts(Keymap& keymap) {
+  DesktopShortcuts told;
+  const auto* desktop = presentDesktop();
+  const auto accelerators = desktop ? desktop->read() : std::nullopt;
+  if (!accelerators) return told;
+  for (const auto& accelerator : *accelerators) append(accelerator, keymap, told.hotKeys);
+  told.areAll = desktop->tellsAll;
+  return told;
 }
 
 }  // namespace vistrel::keyboard

@@ -15,6 +15,9 @@ using Accelerators = std::vector<Accelerator>;
 /// The shortcuts of a GNOME desktop (window manager, shell, media keys, the user's own), from its settings;
 /// none where they are not installed.
 [[nodiscard]] std::optional<Accelerators> readGnomeShortcuts();
+/// The same of Cinnamon and of MATE; MATE's settings do not tell the user's own.
+[[nodiscard]] std::optional<Accelerators> readCinnamonShortcuts();
+[[nodiscard]] std::optional<Accelerators> readMateShortcuts();
 /// The shortcuts of an Xfce desktop, from its settings daemon; none where it does not answer.
 [[nodiscard]] std::optional<Accelerators> readXfceShortcuts();
 /// The shortcuts of a KDE desktop, from its "kglobalshortcutsrc"; none where there is no such file.
@@ -23,9 +26,12 @@ using Accelerators = std::vector<Accelerator>;
 /// The shortcuts in the text of a "kglobalshortcutsrc"; a malformed one is left out.
 [[nodiscard]] Accelerators parseKdeShortcuts(const std::string& text);
 
-/// The present desktop's shortcuts, as `backend::Keyboard::symbolicHotKeys` answers them: those of the
-/// desktop that the session names, else of one that runs. A shortcut on a key without virtual key code is
-/// left out.
-[[nodiscard]] std::optional<std::vector<backend::HotKeyCombination>> readDesktopShortcuts(Keymap& keymap);
+/// What the present desktop tells of its shortcuts: the one that the session names, else one that runs. A
+/// shortcut on a key without virtual key code is left out.
+struct DesktopShortcuts {
+  std::vector<backend::HotKeyCombination> hotKeys;
+  bool areAll = false;
+};
+[[nodiscard]] DesktopShortcuts readDesktopShortcuts(Keymap& keymap);
 
 }  // namespace vistrel::keyboard

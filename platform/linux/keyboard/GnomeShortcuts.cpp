@@ -10,13 +10,44 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-constexpr const char* kWindowManager = "org.gnome.desktop.wm.keybindings";
-constexpr const char* kMediaKeys = "org.gnome.settings-daemon.plugins.media-keys";
-constexpr const char* kOwnBinding = "org.gnome.settings-daemon.plugins.media-keys.custom-keybinding";
-constexpr const char* kOwnBindings = "custom-keybindings";
-// Whole of key bindings, beside those above.
-constexpr const char* kFurtherSchemas[] = {"org.gnome.shell.keybindings", "org.gnome.mutter.keybindings",
-                                           "org.gnome.mutter.wayland.keybindings"};
+/// Where a desktop of GNOME's descent keeps its shortcuts.
+struct Places {
+  const char* windowManager;         ///< without it the desktop is not installed
+  std::vector<const char*> further;  ///< whole schemas of key bindings, beside that one
+  const char* ownList;               ///< the schema that lists the user's own bindings
+  const char* ownKey;                ///< its key, which is no binding
+  const char* ownBinding;            ///< the schema of one of them
+  std::string ownFolder;             ///< before the names in the list; empty where they are paths
+};
+
+Places gnomePlaces() {
+  return {.windowManager = "org.gnome.desktop.wm.keybindings",
+          .further = {"org.gnome.shell.keybindings", "org.gnome.mutter.keybindings",
+                      "org.gnome.mutter.wayland.keybindings"},
+          .ownList = "org.gnome.settings-daemon.plugins.media-keys",
+          .ownKey = "custom-keybindings",
+          .ownBinding = "org.gnome.settings-daemon.plugins.media-keys.custom-keybinding",
+          .ownFolder = {}};
+}
+
+Places cinnamonPlaces() {
+  return {.windowManager = "org.cinnamon.desktop.keybindings.wm",
+          .further = {"org.cinnamon.desktop.keybindings.media-keys"},
+          .ownList = "org.cinnamon.desktop.keybindings",
+          .ownKey = "custom-list",
+          .ownBinding = "org.cinnamon.desktop.keybindings.custom-keybinding",
+          .ownFolder = "/org/cinnamon/desktop/keybindings/custom-keybindings/"};
+}
+
+// The user's own are listed nowhere.
+Places matePlaces() {
+  return {.windowManager = "org.mate.Marco.window-keybindings",
+          .further = {"org.mate.Marco.global-keybindings"},
+          .ownList = "org.mate.SettingsDaemon.plugins.media-keys",
+          .ownKey = "",
+          .ownBinding = "",
+          .ownFolder = {}};
+}
 
 Texts textsIn(GVariant* value) {
   if (g_variant_is_of_type(value, G_VARIANT_TYPE_STRING)) return {g_variant_get_string(value, nullptr)};
@@ -62,9 +93,9 @@ void append(const Texts& texts, Accelerators& to) {
   }
 }
 
-void appendAll(const Settings& settings, Accelerators& to) {
+void appendAll(const Settings& settings, Accelerators& to, std::string_view noBinding = {}) {
   for (const auto& key : settings.keys()) {
-    if (key != kOwnBindings) append(settings.texts(key.c_str()), to);
+    if (key != noBinding) append(settings.texts(key.c_str()), to);
   }
 }
 
@@ -73,21 +104,31 @@ bool isSettingsPath(std::string_view path) {
   return path.starts_with('/') && path.ends_with('/') && path.find("//") == std::string_view::npos;
 }
 
-}  // namespace
-
-std::optional<Accelerators> readGnomeShortcuts() {
-  const Settings windowManager(kWindowManager);
+std::optional<Accelerators> read(const Places& places) {
+  const Settings windowManager(places.windowManager);
   if (!windowManager.exist()) return std::nullopt;
   Accelerators found;
   appendAll(windowManager, found);
-  for (const auto* schema : kFurtherSchemas) appendAll(Settings(schema), found);
-  append(Settings("org.gnome.mutter").texts("overlay-key"), found);
-  const Settings mediaKeys(kMediaKeys);
-  appendAll(mediaKeys, found);
-  for (const auto& path : mediaKeys.texts(kOwnBindings)) {
-    if (isSettingsPath(path)) append(Settings(kOwnBinding, path.c_str()).texts("binding"), found);
+  for (const auto* schema : places.further) appendAll(Settings(schema), found);
+  const Settings own(places.ownList);
+  appendAll(own, found, places.ownKey);
+  for (const auto& name : own.texts(places.ownKey)) {
+    const std::string path = places.ownFolder.empty() ? name : places.ownFolder + name + "/";
+    if (isSettingsPath(path)) append(Settings(places.ownBinding, path.c_str()).texts("binding"), found);
   }
   return found;
 }
+
+}  // namespace
+
+std::optional<Accelerators> readGnomeShortcuts() {
+  auto found = read(gnomePlaces());
+  if (found) append(Settings("org.gnome.mutter").texts("overlay-key"), *found);
+  return found;
+}
+
+std::optional<Accelerators> readCinnamonShortcuts() { return read(cinnamonPlaces()); }
+
+std::optional<Accelerators> readMateShortcuts() { return read(matePlaces()); }
 
 }  // namespace vistrel::keyboard

@@ -76,6 +76,11 @@ bool HotKeyGrabs::isShared(const Entry& entry) const {
   });
 }
 
+bool HotKeyGrabs::holds(backend::HotKeyCombination combination) const {
+  const auto code = xKeyCode(combination.keyCode);
+  return code && isShared({0, combination.modifiers, *code});
+}
+
 bool HotKeyGrabs::take(const Entry& entry) {
   const auto mask = modifiers_.mask(entry.modifiers);
   if (!mask) return false;

@@ -24,6 +24,8 @@ class HotKeyGrabs final : public backend::HotKeys {
   void release(std::uint32_t token) override;
   void setHandler(std::function<void(std::uint32_t, backend::HotKeyPhase)> handler) override;
 
+  /// Whether it is one of this program's hot keys.
+  [[nodiscard]] bool holds(backend::HotKeyCombination combination) const;
   /// A key event that another connection of this program got because it holds the keyboard: dealt with as if
   /// it had come here. Answers whether it was a hot key's.
   bool offer(const xcb_generic_event_t& event);

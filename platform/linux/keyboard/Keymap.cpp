@@ -94,15 +94,18 @@ std::optional<xkb_keysym_t> Keymap::plainSymbolOn(std::uint16_t evdevCode) {
   return keymap ? mainSymbol(keymap.get(), evdevCode, 0) : std::nullopt;
 }
 
-std::optional<Keymap::Place> Keymap::find(xkb_keysym_t wanted) {
-  if (!update()) return std::nullopt;
-  for (const xkb_level_index_t level : {0U, 1U}) {
-    for (std::uint16_t code = 1; code <= kHighestEvdevCode; ++code) {
-      if (symbol(chosen_, code, chosenLayout_, level) == wanted)
-        return Place{code, level == 1 && !isOnKeypad(code)};
+// Where Shift changes nothing, it is not what the symbol takes.
+std::vector<Keymap::Place> Keymap::find(xkb_keysym_t wanted) {
+  std::vector<Place> places;
+  if (!update()) return places;
+  for (std::uint16_t code = 1; code <= kHighestEvdevCode; ++code) {
+    if (symbol(chosen_, code, chosenLayout_, 0) == wanted) {
+      places.push_back({code, false});
+    } else if (symbol(chosen_, code, chosenLayout_, 1) == wanted) {
+      places.push_back({code, !isOnKeypad(code)});
     }
   }
-  return std::nullopt;
+  return places;
 }
 
 bool Keymap::update() {

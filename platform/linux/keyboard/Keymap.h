@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "linux/x11/X11Connection.h"
 
@@ -30,8 +31,8 @@ class Keymap {
     std::uint16_t evdevCode;
     bool isShifted;  ///< it takes Shift to get the symbol there
   };
-  /// The key that gives a symbol; none for a symbol that is on no key.
-  [[nodiscard]] std::optional<Place> find(xkb_keysym_t symbol);
+  /// The keys that give a symbol.
+  [[nodiscard]] std::vector<Place> find(xkb_keysym_t symbol);
 
  private:
   struct Unref {

@@ -1,11 +1,19 @@
 #include "linux/keyboard/X11Keyboard.h"
 
+#include <algorithm>
+#include <chrono>
+#include <iterator>
+
 #include "base/KeyCodes.h"
 #include "linux/keyboard/DesktopShortcuts.h"
+#include "linux/keyboard/ServerShortcuts.h"
 
 namespace vistrel::keyboard {
 
 namespace {
+
+// As soon as a person who lets go of a key can want anything else.
+constexpr std::chrono::milliseconds kHeldKeyInterval(25);
 
 /// The window with the input focus if it is one of this connection's, the root where no window has it, else
 /// none.
@@ -19,8 +27,9 @@ xcb_window_t focusedWindowOf(xcb_connection_t* connection, xcb_window_t root) {
 
 }  // namespace
 
-X11Keyboard::X11Keyboard(x11::X11Connection& connection, xcb_connection_t* toolkit)
-    : connection_(connection), toolkit_(toolkit), keymap_(connection) {}
+X11Keyboard::X11Keyboard(x11::X11Connection& connection, xcb_connection_t* toolkit,
+                         const HotKeyGrabs& hotKeys)
+    : connection_(connection), toolkit_(toolkit), hotKeys_(hotKeys), keymap_(connection) {}
 
 std::optional<std::string> X11Keyboard::displayCharacter(std::uint16_t keyCode) {
   const auto evdev = evdevFromVirtualKeyCode(keyCode);
@@ -29,7 +38,13 @@ std::optional<std::string> X11Keyboard::displayCharacter(std::uint16_t keyCode) 
 }
 
 std::optional<std::vector<backend::HotKeyCombination>> X11Keyboard::symbolicHotKeys() {
-  return readDesktopShortcuts(keymap_);
+  auto told = readDesktopShortcuts(keymap_);
+  if (told.areAll) return std::move(told.hotKeys);
+  if (!toolkit_ || !connection_.isOpen()) return std::nullopt;
+  const auto isOurs = [this](auto combination) { return hotKeys_.holds(combination); };
+  const auto seen = takenOnServer(toolkit_, ModifierMap::read(connection_), isOurs);
+  told.hotKeys.insert(told.hotKeys.end(), seen.begin(), seen.end());
+  return std::move(told.hotKeys);
 }
 
 void X11Keyboard::beep() {
@@ -40,11 +55,28 @@ void X11Keyboard::beep() {
 
 bool X11Keyboard::setKeyboardCaptured(bool isCaptured) {
   if (!toolkit_) return false;
+  givingBack_.reset();
   if (isCaptured) return isCaptured_ = capture();
   isCaptured_ = false;
+  giveBack();
+  return true;
+}
+
+// Not while a key is down: a binding of the window manager's would act on its next repeat.
+void X11Keyboard::giveBack() {
+  if (isAnyKeyDown()) {
+    givingBack_ = connection_.reactor().after(kHeldKeyInterval, [this] { giveBack(); });
+    return;
+  }
+  givingBack_.reset();
   xcb_ungrab_keyboard(toolkit_, XCB_CURRENT_TIME);
   xcb_flush(toolkit_);
-  return true;
+}
+
+bool X11Keyboard::isAnyKeyDown() {
+  const auto down = connection_.wait(xcb_query_keymap_reply, xcb_query_keymap(connection_.get()));
+  return down &&
+         std::any_of(std::begin(down->keys), std::end(down->keys), [](auto keys) { return keys != 0; });
 }
 
 void X11Keyboard::toolkitGaveBack() {

@@ -51,7 +51,23 @@ void QtHostingView::placeHosted(const QWidget& place) {
   for (const auto& [widget, view] : widgets_->hostedPlaces()) {
     if (widget != &place) continue;
     NSHostingView::placeHostedView(*view, qt::fromQt(QRect(place.mapTo(this, QPoint(0, 0)), place.size())));
+    if (QWidget* control = controlOf(*view)) followInTabOrder(*control, *widget);
   }
+}
+
+// Qt puts nothing after what takes no focus.
+void QtHostingView::followInTabOrder(QWidget& control, QWidget& place) {
+  place.setFocusPolicy(Qt::TabFocus);
+  setTabOrder(&place, &control);
+  place.setFocusPolicy(Qt::NoFocus);
+}
+
+QWidget* QtHostingView::controlOf(const NSView& hosted) const {
+  for (QObject* child : children()) {
+    const auto* widget = dynamic_cast<QtView*>(child);
+    if (widget && &widget->view() == &hosted) return widget->control();
+  }
+  return nullptr;
 }
 
 bool QtHostingView::eventFilter(QObject* object, QEvent* event) {

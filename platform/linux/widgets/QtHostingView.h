@@ -27,6 +27,8 @@ class QtHostingView final : public QtView {
  private:
   void build();
   void placeRoot();
+  [[nodiscard]] QWidget* controlOf(const NSView& hosted) const;
+  static void followInTabOrder(QWidget& control, QWidget& place);
   void placeHosted(const QWidget& place);
 
   NSHostingView& hosting_;

@@ -18,6 +18,14 @@ class QtSearchField::Line final : public QLineEdit {
   }
 
  protected:
+  // Without a caret nothing is edited, so nothing is selected either.
+  void mouseMoveEvent(QMouseEvent* event) override {
+    if (!isReadOnly()) QLineEdit::mouseMoveEvent(event);
+  }
+  void mouseDoubleClickEvent(QMouseEvent* event) override {
+    if (!isReadOnly()) QLineEdit::mouseDoubleClickEvent(event);
+  }
+
   void paintEvent(QPaintEvent* event) override {
     QLineEdit::paintEvent(event);
     if (!hasFocus() || !text().isEmpty() || !alignment().testFlag(Qt::AlignHCenter)) return;

@@ -28,9 +28,9 @@ class QtView : public QWidget {
   virtual void refresh();
   /// The widget that takes the keyboard focus for the view; null for one that takes none.
   [[nodiscard]] virtual QWidget* control() const { return control_; }
+  [[nodiscard]] NSView& view() const { return *view_; }
 
  protected:
-  [[nodiscard]] NSView& view() const { return *view_; }
   [[nodiscard]] ViewClient& client() const { return client_; }
   /// Has `content` fill the view.
   void fillWith(QWidget& content);

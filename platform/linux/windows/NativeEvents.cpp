@@ -25,7 +25,10 @@ constexpr std::array<Modifier, 5> kModifiers = {{
     {Qt::KeypadModifier, NSEventModifierFlags::kNumericPad},
 }};
 
-bool isModifierKey(std::uint16_t keyCode) { return keyCode >= kVK_RightCommand && keyCode <= kVK_Function; }
+bool isModifierKey(const QKeyEvent& event, std::uint16_t keyCode) {
+  const bool isLock = event.key() == Qt::Key_NumLock || event.key() == Qt::Key_ScrollLock;
+  return isLock || (keyCode >= kVK_RightCommand && keyCode <= kVK_Function);
+}
 
 std::uint16_t virtualKeyCode(const QKeyEvent& event) {
   const quint32 code = event.nativeScanCode();
@@ -34,7 +37,7 @@ std::uint16_t virtualKeyCode(const QKeyEvent& event) {
 }
 
 NSEventType typeOf(const QKeyEvent& event, std::uint16_t keyCode) {
-  if (isModifierKey(keyCode)) return NSEventType::FlagsChanged;
+  if (isModifierKey(event, keyCode)) return NSEventType::FlagsChanged;
   return event.type() == QEvent::KeyRelease ? NSEventType::KeyUp : NSEventType::KeyDown;
 }
 

@@ -90,6 +90,10 @@ custom-keybindings=['nonsense', '//', '/org/own/first/', '/org/own/none/', '/org
 binding='<Primary><Alt>k'
 [org/own/second]
 binding=''
+[org/cinnamon/desktop/keybindings]
+custom-list=['mine', 'no/path/']
+[org/cinnamon/desktop/keybindings/custom-keybindings/mine]
+binding=['<Super>F9']
 )");
 }
 
@@ -114,8 +118,14 @@ TEST_F(KeyboardTest, KnowsTheShortcutsOfThePresentDesktop) {
   } const rows[] = {
       {"XFCE",
        {{kVK_ForwardDelete, controlKey | optionKey}, {kVK_F4, optionKey}},
-       {{kVK_F9, cmdKey}, {kVK_F2, optionKey}, {kVK_F1, 0}}},
+       {{kVK_F9, cmdKey}, {kVK_F2, optionKey}, {kVK_F1, 0}, {kVK_F4, optionKey | shiftKey}}},
       {"KDE", {{kVK_ANSI_D, controlKey | cmdKey}}, {{kVK_F9, cmdKey}, {kVK_F4, optionKey}}},
+      {"X-Cinnamon",
+       {{kVK_F4, optionKey}, {kVK_ANSI_T, controlKey | optionKey}, {kVK_F9, cmdKey}},
+       {{kVK_F5, 0}}},
+      {"MATE",
+       {{kVK_F4, optionKey}, {kVK_F2, optionKey}, {kVK_ANSI_L, controlKey | optionKey}},
+       {{kVK_F9, cmdKey}}},
       // Of the window manager, mutter, the shell, the media keys and the user's own.
       {"ubuntu:GNOME",
        {{kVK_F9, cmdKey},
@@ -147,17 +157,30 @@ TEST_F(KeyboardTest, KnowsTheShortcutsOfThePresentDesktop) {
 
 TEST_F(KeyboardTest, FindsTheDesktopThatRuns) {
   ::unsetenv("XDG_CURRENT_DESKTOP");
-  EXPECT_FALSE(keyboard.symbolicHotKeys().has_value());
+  User manager;
+  EXPECT_TRUE(manager.grabKey(kVK_F4, XCB_MOD_MASK_1));
+  EXPECT_TRUE(manager.grabKey(kVK_Space, XCB_MOD_MASK_1 | XCB_MOD_MASK_CONTROL));
+  EXPECT_TRUE(Shortcut(kVK_F4, optionKey).isTakenBySystem());
+  EXPECT_TRUE(Shortcut(kVK_Space, kControlOption).isTakenBySystem());
+  for (const auto& free : {Shortcut(kVK_F5, optionKey), Shortcut(kVK_F4), Shortcut(kVK_F12, cmdKey)}) {
+    EXPECT_FALSE(free.isTakenBySystem()) << free.description();
+  }
+  EXPECT_TRUE(manager.grabKey(kVK_F5, XCB_MOD_MASK_1)) << "what was tried is given back";
   const SessionBus bus;
   std::ignore = bus.call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
                          "RequestName", g_variant_new("(su)", "org.kde.kglobalaccel", 0));
   const auto file = settingsFolder() / "kglobalshortcutsrc";
-  write(file, "[kwin]\nKill=Meta+Ctrl+D,none,Kill\n");
-  EXPECT_TRUE(Shortcut(kVK_ANSI_D, controlKey | cmdKey).isTakenBySystem());
+  setLayout("us");
+  write(file, "[kwin]\nKill=Meta+Ctrl+D,none,Kill\nLess=Meta+<,none,Less\n");
+  for (const auto& shortcut : {Shortcut(kVK_ANSI_D, controlKey | cmdKey), Shortcut(kVK_ISO_Section, cmdKey),
+                               Shortcut(kVK_ANSI_Comma, cmdKey | shiftKey)}) {
+    EXPECT_TRUE(shortcut.isTakenBySystem()) << shortcut.description();
+  }
+  EXPECT_FALSE(Shortcut(kVK_F4, optionKey).isTakenBySystem()) << "the desktop knows better";
   std::filesystem::remove(file);
-  EXPECT_FALSE(keyboard.symbolicHotKeys().has_value());
+  EXPECT_TRUE(Shortcut(kVK_F4, optionKey).isTakenBySystem());
   ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
-  EXPECT_FALSE(keyboard.symbolicHotKeys().has_value());
+  EXPECT_TRUE(Shortcut(kVK_F4, optionKey).isTakenBySystem());
 }
 
 }  // namespace

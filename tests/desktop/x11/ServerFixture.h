@@ -153,7 +153,7 @@ class ServerTest : public ::testing::Test {
   X11Connection connection{reactor};
   HotKeyGrabs grabs{connection};
   User user;
-  X11Keyboard keyboard{connection, user.get()};
+  X11Keyboard keyboard{connection, user.get(), grabs};
   Strings heard;
 };
 

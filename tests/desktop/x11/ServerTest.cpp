@@ -186,7 +186,7 @@ TEST_F(ServerTest, HearsOutsidePressesWhileSomebodyListens) {
 TEST_F(ServerTest, CapturesTheKeyboardUnlessSomebodyElseHasIt) {
   EXPECT_TRUE(keyboard.setKeyboardCaptured(true));
   User other;
-  X11Keyboard theirs(connection, other.get());
+  X11Keyboard theirs(connection, other.get(), grabs);
   EXPECT_FALSE(theirs.setKeyboardCaptured(true));
   EXPECT_TRUE(keyboard.setKeyboardCaptured(false));
   user.sync();
@@ -200,7 +200,7 @@ TEST(NoServerTest, RefusesWithoutADisplay) {
   desktop::PollReactor reactor;
   X11Connection connection(reactor);
   HotKeyGrabs grabs(connection);
-  X11Keyboard keyboard(connection, nullptr);
+  X11Keyboard keyboard(connection, nullptr, grabs);
   RawPresses presses(connection);
   presses.setHandler([](const RawPress&) {});
   keyboard.beep();

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "KeyboardShortcuts/KeyboardShortcuts.h"
@@ -31,6 +32,7 @@ class RecorderTest : public ::testing::Test {
     recorder->setLayout(layoutAt({100, 50, 130, 22}));
     content->addSubview(recorder);
     window->makeKeyAndOrderFront(nullptr);
+    window->pointerDidEnter();
   }
 
   static ViewLayout layoutAt(const Rect& frame) {
@@ -70,10 +72,21 @@ class RecorderTest : public ::testing::Test {
   std::shared_ptr<NSView> content = std::make_shared<NSView>();
   std::shared_ptr<NSWindow> window =
       NSWindow::create({0, 0, 480, 360}, 3, NSBackingStoreType::Buffered, false);
-  std::shared_ptr<RecorderCocoa> recorder = std::make_shared<RecorderCocoa>(
-      name, [this](const std::optional<Shortcut>& shortcut) { changes.push_back(shortcut); });
+  std::shared_ptr<RecorderCocoa> recorder =
+      std::make_shared<RecorderCocoa>(name, [this](const std::optional<Shortcut>& shortcut) {
+        EXPECT_EQ(getShortcut(name), shortcut) << "told after the store";
+        changes.push_back(shortcut);
+      });
   const Shortcut commandA{kVK_ANSI_A, cmdKey};
 };
+
+TEST_F(RecorderTest, LooksLikeAFieldThatOnlyAClickReaches) {
+  EXPECT_FALSE(recorder->canBecomeKeyView());
+  EXPECT_EQ(recorder->intrinsicContentSize().width, 130);
+  EXPECT_EQ(dynamic_cast<NSSearchFieldCell&>(*recorder->cell()).searchButtonCell(), nullptr);
+  record();
+  EXPECT_FALSE(recorder->currentEditor()->isCaretVisible());
+}
 
 TEST_F(RecorderTest, DecidesAboutEachKey) {
   struct Case {
@@ -162,6 +175,7 @@ TEST_F(RecorderTest, RefusesWhatTheMenuOrTheSystemUses) {
   const auto answer = [&] {
     const auto alert = desktop.windowSystem.alerts.back();
     titles.push_back(alert->messageText());
+    EXPECT_EQ(alert->informativeText().empty(), titles.size() == 1) << alert->informativeText();
     EXPECT_EQ(window->attachedSheet(), alert);
     EXPECT_FALSE(isPaused()) << "recording has ended while the alert is up";
     window->closeRequested();
@@ -236,6 +250,11 @@ TEST_F(RecorderTest, LeavesNothingSwitchedOnHoweverItEnds) {
   desktop.keys.refusesCapture = true;
   record();
   EXPECT_TRUE(recorder->isRecording()) << "a refused capture costs no more than itself";
+  desktop.keys.refusesCapture = false;
+  window->pointerDidLeave();
+  EXPECT_FALSE(desktop.keys.isCaptured) << "another program's menu may want the keyboard";
+  window->pointerDidEnter();
+  expectRecording(true, "the pointer came back");
   recorder->removeFromSuperview();
   recorder->becomeFirstResponder();
   recorder.reset();
@@ -251,6 +270,9 @@ TEST_F(RecorderTest, ShowsTheShortcutOfItsName) {
   recorder->setShortcutName(Name(name.rawValue(), Shortcut(kVK_F5)));
   desktop.loop.settle();
   expectRecording(true, "a name of equal raw value");
+  recorder->setShortcutName(Name("another"));
+  EXPECT_EQ(recorder->stringValue(), "⌘A");
+  EXPECT_TRUE(recorder->showsCancelButton());
   recorder->setShortcutName(Name("unknown"));
   EXPECT_EQ(recorder->stringValue(), "");
   expectRecording(true, "the focus goes in a later turn");
@@ -267,10 +289,15 @@ TEST_F(RecorderTest, SpeaksTheUsersLanguage) {
   EXPECT_EQ(resourceBundle().localizedString("unknown_key"), "unknown_key");
 }
 
-TEST_F(RecorderTest, StopsTheProgramWithoutItsTexts) {
+TEST(RecorderTexts, AreFoundBesideTheProgramTooOrStopIt) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");  // a process that has not found them yet
   simulated::SimulatedDesktop bare("/nonexistent");
   EXPECT_FALSE(findResourceBundle());
+  EXPECT_DEATH(std::ignore = resourceBundle(),
+               "unable to find bundle named KeyboardShortcuts_KeyboardShortcuts");
   EXPECT_DEATH(RecorderCocoa::initWithCoder(), "Fatal error: .*has not been implemented");
+  bare.resourceFolder.overrides["../KeyboardShortcuts_KeyboardShortcuts.bundle"] = "";
+  EXPECT_TRUE(findResourceBundle());
 }
 
 }  // namespace

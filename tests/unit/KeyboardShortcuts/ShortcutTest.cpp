@@ -79,7 +79,7 @@ TEST_F(ShortcutTest, HasTheKeysOfTheKeyboard) {
       {{Key::leftArrow, Key::escape, Key::delete_, Key::deleteForward, Key::help, Key::mute, Key::volumeUp,
         Key::volumeDown},
        {123, 53, 51, 117, 114, 74, 72, 73},
-       {105, 1, 14, 111, 138, 113, 115, 114}},
+       {105, 1, 14, 111, 110, 113, 115, 114}},
       {{Key::f1, Key::f2, Key::f3, Key::f4, Key::f5, Key::f6, Key::f7, Key::f8, Key::f9, Key::f10},
        {122, 120, 99, 118, 96, 97, 98, 100, 101, 109},
        {59, 60, 61, 62, 63, 64, 65, 66, 67, 68}},

@@ -44,6 +44,8 @@ TEST(AcceleratorTest, ReadsWhatQtWrites) {
       {"Alt+Shift+Esc", Accelerator{XKB_KEY_Escape, 0xA00}},
       {"Ctrl+Alt+Del", Accelerator{XKB_KEY_Delete, 0x1800}},
       {"Meta+PgUp", Accelerator{XKB_KEY_Page_Up, 0x100}},
+      {"Meta+Ö", Accelerator{XKB_KEY_odiaeresis, 0x100}},
+      {"Meta+\xc3", std::nullopt},
       {"Volume Mute", Accelerator{XKB_KEY_XF86AudioMute, 0}},
       {"none", std::nullopt},
       {"", std::nullopt},
