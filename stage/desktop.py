@@ -45,6 +45,10 @@ class Bus:
         return self._connection.call_sync(
             name, path, interface, method, GLib.Variant(signature, arguments), None, 0, 5000, None).unpack()
 
+    def send(self, name, path, interface, method, signature="()", *arguments):
+        """A call whose answer nobody waits for."""
+        self._connection.call(name, path, interface, method, GLib.Variant(signature, arguments), None, 0, 5000, None)
+
     def property(self, name, path, interface, key):
         return self.call(name, path, "org.freedesktop.DBus.Properties", "Get", "(ss)", interface, key)[0]
 

@@ -39,7 +39,7 @@ class Program:
         self.process = desktop.start([*prefix, desktop.programs / "vistrel"], environment)
         if awaits_icon:
             self.icon()
-            self._wait_menu_known(calls)
+            self.wait_menu_known(calls)
 
     def __enter__(self):
         return self
@@ -113,7 +113,7 @@ class Program:
         items = self.desktop.bus.property(WATCHER, "/StatusNotifierWatcher", WATCHER, "RegisteredStatusNotifierItems")
         return [item for item in items if self._process_of(item.split("/")[0]) == self.pid]
 
-    def _wait_menu_known(self, calls):
+    def wait_menu_known(self, calls):
         """Until the panel has read the icon's menu, a secondary click opens the panel's own."""
         if self._hosted_icons():
             self.desktop.menu_calls.wait_line(lambda line: "member=GetLayout" in line, calls)

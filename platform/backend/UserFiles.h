@@ -20,10 +20,16 @@ class UserFiles {
   /// The whole file; nothing when there is none. What is no file at all is an error.
   virtual Result<std::optional<std::string>> readPreferences() = 0;
 
-  /// Under a lock that excludes other processes: hands the present content to `edit` and puts what it answers
-  /// in its place, whole or not at all. `edit` answering nothing leaves the file alone.
+  /// What the content shall be instead of `present`; nothing when that makes no sense. Touches nothing else,
+  /// since it may be called on another thread.
   using Edit = std::function<std::optional<std::string>(const std::optional<std::string>& present)>;
-  virtual Result<void> editPreferences(const Edit& edit) = 0;
+  /// Told on the main thread how it went: where a content that made no sense was set aside, if there was one.
+  using Edited = std::function<void(const Result<std::optional<std::string>>& setAside)>;
+  /// Under a lock that excludes other processes: hands the present content to `edit` and puts what it answers
+  /// in its place, whole or not at all. A content that makes no sense is moved out of the way, and `edit` is
+  /// asked again with none. Waits for no disk: one edit comes after the other, and a desktop that ends in an
+  /// orderly way finishes them first.
+  virtual void editPreferences(Edit edit, Edited edited) = 0;
 
   /// Moves the file out of the way without deleting it, under the same lock, and answers its new path;
   /// nothing when its content is no longer the `unreadable` one, because another process was faster.

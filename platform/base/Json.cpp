@@ -45,7 +45,9 @@ class Reader {
     if (open_.empty()) return &(root_ = std::move(value));
     auto& content = open_.back()->content;
     if (auto* array = std::get_if<Array>(&content)) return &array->emplace_back(std::move(value));
-    return &std::get<Object>(content).emplace_back(std::move(name_), std::move(value)).second;
+    auto& members = std::get<Object>(content);
+    members.push_back({std::move(name_), std::move(value)});
+    return &members.back().value;
   }
   bool add(Value value) { return place(std::move(value)) != nullptr; }
   bool open(Value container) {

@@ -11,9 +11,10 @@
 namespace vistrel::json {
 
 struct Value;
+struct Member;
 using Array = std::vector<Value>;
 /// Members in the order in which they are written; of a name that is read twice the last one counts.
-using Object = std::vector<std::pair<std::string, Value>>;
+using Object = std::vector<Member>;
 
 /// A JSON value (RFC 8259). Integers keep the full signed 64-bit range; any other number is a double.
 struct Value {
@@ -29,6 +30,11 @@ struct Value {
   [[nodiscard]] const Value* member(std::string_view name) const;
   /// A number of either kind as a double.
   [[nodiscard]] std::optional<double> number() const;
+};
+
+struct Member {
+  std::string name;
+  Value value;
 };
 
 /// Reads a text. None when it is not JSON, not UTF-8, over 1 MiB, or nested deeper than 64 levels.

@@ -41,9 +41,9 @@ std::optional<json::Object> parseFile(const std::optional<std::string>& bytes) {
 }
 
 std::string withMember(json::Object members, const std::string& key, const Value& value) {
-  const auto sameKey = [&](const auto& member) { return member.first == key; };
+  const auto sameKey = [&](const auto& member) { return member.name == key; };
   std::erase_if(members, sameKey);
-  members.emplace_back(key, toJson(value));
+  members.push_back({key, toJson(value)});
   return json::writeIndented(json::Value{std::move(members)}) + "\n";
 }
 
@@ -73,7 +73,10 @@ void UserDefaults::warnOnce(const std::string& text) const {
 }
 
 void UserDefaults::setAside(const std::string& unreadable) const {
-  const auto path = backend::current().userFiles().setPreferencesAside(unreadable);
+  tellSetAside(backend::current().userFiles().setPreferencesAside(unreadable));
+}
+
+void UserDefaults::tellSetAside(const Result<std::optional<std::string>>& path) const {
   if (!path) return warnOnce("cannot be read or written: " + path.error().message);
   if (path.value()) warnOnce("file could not be read and was set aside as " + *path.value());
 }
@@ -131,19 +134,11 @@ std::optional<Value> UserDefaults::objectForKey(const std::string& key) const { 
 
 void UserDefaults::setObject(Value value, const std::string& key) {
   if (!stored_) load();
-  std::optional<std::string> unreadable;
-  const auto edit = [&](const std::optional<std::string>& present) -> std::optional<std::string> {
+  const auto edit = [key, value](const std::optional<std::string>& present) -> std::optional<std::string> {
     const auto members = parseFile(present);
-    unreadable = members ? std::nullopt : present;
     return members ? std::optional(withMember(*members, key, value)) : std::nullopt;
   };
-  auto& files = backend::current().userFiles();
-  auto written = files.editPreferences(edit);
-  if (written && unreadable) {
-    setAside(*unreadable);
-    written = files.editPreferences(edit);
-  }
-  if (!written) warnOnce("cannot be read or written: " + written.error().message);
+  backend::current().userFiles().editPreferences(edit, [this](const auto& path) { tellSetAside(path); });
   stored_->insert_or_assign(key, std::move(value));
 }
 

@@ -7,6 +7,8 @@
 #include <string>
 #include <variant>
 
+#include "base/Result.h"
+
 namespace vistrel {
 
 template <class State>
@@ -45,6 +47,7 @@ class UserDefaults {
   [[nodiscard]] std::optional<Value> find(const std::string& key) const;
   void load() const;
   void setAside(const std::string& unreadable) const;
+  void tellSetAside(const Result<std::optional<std::string>>& path) const;
   void warnOnce(const std::string& text) const;
 
   using Map = std::map<std::string, Value>;

@@ -48,7 +48,7 @@ struct Desktop::Parts {
   std::unique_ptr<session::SingleInstance> instance;
   qt::QtMainLoop mainLoop;
   qt::LoopReactor reactor{mainLoop};
-  files::PreferencesFile userFiles;
+  files::PreferencesFile userFiles{reactor};
   files::ResourceFolder resources;
   files::Autostart loginItems{files::AutostartFolders::fromEnvironment(), resources.executablePath(),
                               files::environment("XDG_CURRENT_DESKTOP")};

@@ -13,11 +13,14 @@ Result<std::optional<std::string>> SimulatedUserFiles::readPreferences() {
   return preferences;
 }
 
-Result<void> SimulatedUserFiles::editPreferences(const Edit& edit) {
-  if (!readError.empty()) return Error{readError};
-  if (!writeError.empty()) return Error{writeError};
-  if (auto wanted = edit(preferences)) preferences = std::move(wanted);
-  return {};
+void SimulatedUserFiles::editPreferences(Edit edit, Edited edited) {
+  for (const auto& error : {readError, writeError}) {
+    if (!error.empty()) return edited(Error{error});
+  }
+  auto wanted = edit(preferences);
+  const auto aside = wanted ? std::nullopt : setPreferencesAside(*preferences).value();
+  preferences = wanted ? std::move(wanted) : edit(std::nullopt);
+  edited(aside);
 }
 
 Result<std::optional<std::string>> SimulatedUserFiles::setPreferencesAside(const std::string& unreadable) {

@@ -13,7 +13,7 @@ namespace vistrel::simulated {
 class SimulatedUserFiles final : public backend::UserFiles {
  public:
   Result<std::optional<std::string>> readPreferences() override;
-  Result<void> editPreferences(const Edit& edit) override;
+  void editPreferences(Edit edit, Edited edited) override;
   Result<std::optional<std::string>> setPreferencesAside(const std::string& unreadable) override;
 
   std::optional<std::string> preferences;

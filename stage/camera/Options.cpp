@@ -52,6 +52,9 @@ bool take(Options& options, std::string_view option, const std::string& value) {
   } else if (option == "--memory") {
     options.memory = memoryKindFromName(value);
     return options.memory.has_value();
+  } else if (option == "--evil") {
+    options.evil = evilFromName(value);
+    return options.evil.has_value();
   } else if (option == "--transform") {
     const auto transform = transformFromName(value);
     options.transform = transform.value_or(Transform::None);

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "stage/camera/Evil.h"
 #include "stage/camera/OwnMemory.h"
 #include "stage/camera/RawPicture.h"
 
@@ -35,18 +36,23 @@ struct Options {
   Transform transform = Transform::None;
   Manner manner = Manner::Willing;
   std::optional<MemoryKind> memory;  ///< none: the daemon allocates
+  std::optional<Evil> evil;
   bool isObeying = false;
 
   static constexpr const char* kUsage =
       "usage: vistrel-testcam [--name TEXT] [--node NAME] [--offer FORMAT:WIDTHxHEIGHT@RATE[/RATE...]]...\n"
       "                       [--property KEY=VALUE]... [--quality N] [--black FRAMES] [--rich] [--person] "
       "[--refuse]\n"
-      "                       [--silent] [--memory KIND] [--transform TURN] [--continuous] [--obey]\n"
+      "                       [--silent] [--memory KIND] [--evil LIE] [--transform TURN] [--continuous] "
+      "[--obey]\n"
       "FORMAT: mjpeg yuy2 uyvy nv12 i420 yv12 rgb bgr rgbx bgrx.  --rich: detail, 1 to 2 MB at 4K MJPEG.\n"
       "--person: somebody to look at, with the clock as a thin strip.\n"
       "KIND: dmabuf sealed unsealed short shrinking: the camera allocates its buffers, and how far they can "
       "be "
       "trusted.\n"
+      "LIE: huge-stride negative-stride odd-stride long-size short-size no-size far-offset corrupted "
+      "formats\n"
+      "huge-formats renegotiates: what is wrong in what the camera says of its frames and formats.\n"
       "TURN: none 90 180 270 flipped flipped90 flipped180 flipped270: how a plain raw picture is turned "
       "before it is sent.\n"
       "--continuous: JPEG without restart markers, as most cameras send it; from 1600 columns on.\n"

@@ -7,6 +7,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
 #include <span>
 #include <utility>
 #include <vector>
@@ -25,6 +26,8 @@ namespace {
 constexpr int kNanosecondsPerMillisecond = 1'000'000;
 constexpr std::int64_t kNanosecondsPerSecond = 1'000'000'000;
 constexpr int kPulledCable = 9;
+constexpr int kManyFormats = 2000;
+constexpr std::size_t kOfferBytes = 1 << 20;
 
 std::int64_t now() {
   return std::chrono::duration_cast<std::chrono::nanoseconds>(
@@ -78,13 +81,35 @@ void TestCamera::makeStream() {
   stream_ = pw_stream_new_simple(loop(), options_.nodeName.c_str(), properties, &kEvents, this);
 }
 
-bool TestCamera::connect() {
-  if (stream_ == nullptr) return false;
-  std::array<std::uint8_t, 65536> memory{};
-  spa_pod_builder builder{};
-  spa_pod_builder_init(&builder, memory.data(), memory.size());
+std::vector<const spa_pod*> TestCamera::offered(spa_pod_builder& builder) const {
   std::vector<const spa_pod*> formats;
   for (const Offer& offer : options_.offers) formats.push_back(describe(builder, offer));
+  Offer lie = options_.offers.front();
+  for (int i = 0; options_.evil == Evil::Formats && i < kManyFormats; ++i) {
+    lie.width = lie.height = 2 * i + 2;
+    formats.push_back(describe(builder, lie));
+  }
+  for (const int side : {0, -1, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()}) {
+    lie.width = lie.height = side;
+    if (options_.evil == Evil::HugeFormats) formats.push_back(describe(builder, lie));
+  }
+  return formats;
+}
+
+void TestCamera::offerAnew() {
+  std::vector<std::uint8_t> memory(kOfferBytes);
+  spa_pod_builder builder{};
+  spa_pod_builder_init(&builder, memory.data(), static_cast<std::uint32_t>(memory.size()));
+  auto formats = offered(builder);
+  pw_stream_update_params(stream_, formats.data(), static_cast<std::uint32_t>(formats.size()));
+}
+
+bool TestCamera::connect() {
+  if (stream_ == nullptr) return false;
+  std::vector<std::uint8_t> memory(kOfferBytes);
+  spa_pod_builder builder{};
+  spa_pod_builder_init(&builder, memory.data(), static_cast<std::uint32_t>(memory.size()));
+  auto formats = offered(builder);
   const int buffers = memory_ ? PW_STREAM_FLAG_ALLOC_BUFFERS : PW_STREAM_FLAG_MAP_BUFFERS;
   const auto flags = static_cast<pw_stream_flags>(PW_STREAM_FLAG_DRIVER | buffers);
   return pw_stream_connect(stream_, PW_DIRECTION_OUTPUT, PW_ID_ANY, flags, formats.data(), formats.size()) >=
@@ -203,6 +228,7 @@ void TestCamera::frameWanted(void* self) {
     auto* const turn = static_cast<spa_meta_videotransform*>(
         spa_buffer_find_meta_data(wrapped->buffer, SPA_META_VideoTransform, sizeof(spa_meta_videotransform)));
     if (turn != nullptr) turn->transform = static_cast<std::uint32_t>(camera.options_.transform);
+    if (camera.options_.evil) spoil(*camera.options_.evil, *wrapped->buffer);
     if (camera.memory_) camera.memory_->wrote(*wrapped);
   }
   pw_stream_queue_buffer(camera.stream_, wrapped);
@@ -211,6 +237,8 @@ void TestCamera::frameWanted(void* self) {
 void TestCamera::timerFired(void* self, std::uint64_t /*expirations*/) {
   auto& camera = *static_cast<TestCamera*>(self);
   ++camera.counter_;
+  const bool isTenth = camera.counter_ % 10 == 0;
+  if (camera.options_.evil == Evil::Renegotiates && isTenth) camera.offerAnew();
   if (!camera.isStalled_ && camera.options_.manner != Manner::Silent)
     pw_stream_trigger_process(camera.stream_);
 }

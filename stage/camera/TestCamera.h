@@ -4,8 +4,10 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include <pipewire/pipewire.h>
+#include <spa/pod/builder.h>
 
 #include "stage/camera/Options.h"
 #include "stage/camera/OwnMemory.h"
@@ -36,6 +38,8 @@ class TestCamera {
 
   [[nodiscard]] pw_loop* loop() const { return pw_main_loop_get_loop(mainLoop_); }
   void makeStream();
+  [[nodiscard]] std::vector<const spa_pod*> offered(spa_pod_builder& builder) const;
+  void offerAnew();
   bool connect();
   void setTimer(bool isOn);
   void useFormat(const spa_pod* format);

@@ -13,6 +13,8 @@ from stage.program import Program, centre
 from tests.desktop.harness import FAILED, REFRESHED, SAVING, STARTED, DesktopTest
 
 ODD_NAMES = ("", "x" * 500, "Fish & Chips", "<b>bold</b>", "two\nlines", "מצלמה קדמית", "Cafe\u0301 _under_", "Twin", "Twin")
+LIES = ("huge-stride", "negative-stride", "odd-stride", "long-size", "short-size", "no-size", "far-offset", "corrupted",
+        "formats", "huge-formats", "renegotiates")  # of the test camera, see its usage
 ABOUT = 1  # in the menu, after the camera
 NEUTRAL = (0xD9, 0xDA, 0xDD)  # the glass without a picture, on a light desktop
 LOGIN_MANAGER = "org.freedesktop.login1.Manager"
@@ -57,6 +59,21 @@ class CameraFaultTest(DesktopTest):
                 vistrel.click()
                 wait_until(lambda: not vistrel.windows(), "the end of the window")
                 self.desktop.unplug_all()
+
+    def test_whatever_a_camera_says_of_itself_the_next_one_is_shown(self):
+        vistrel = self.start()
+        for lie in LIES:
+            with self.subTest(lie=lie):
+                self.desktop.camera(offers=["yuy2:640x480@30"], options=["--evil", lie])
+                since = len(vistrel.lines)
+                vistrel.click()
+                vistrel.process.wait_line(lambda line: line.startswith((STARTED, FAILED)), since)
+                wait_until(vistrel.windows, "the window")
+                vistrel.click()
+                wait_until(lambda: not vistrel.windows(), "the end of the window")
+                self.desktop.unplug_all()
+        self.desktop.camera()
+        self.open(vistrel)
 
     def test_a_camera_whose_pictures_cannot_be_shown_is_said_to_be_one(self):
         camera = self.desktop.camera(offers=["mjpeg:1280x720@30"])
@@ -207,6 +224,13 @@ class WindowFaultTest(DesktopTest):
 
 
 class ResourceFaultTest(DesktopTest):
+    def test_without_the_plugins_of_pipewire_it_goes_on_without_its_cameras(self):
+        self.desktop.camera()
+        with Program(self.desktop, {}, environment={"SPA_PLUGIN_DIR": "/nowhere"}) as vistrel:  # which complains
+            vistrel.click()
+            wait_until(vistrel.windows, "the window without a picture")
+            self.assertEqual(vistrel.terminate(), 0)
+
     def test_without_descriptors_it_goes_on_without_a_picture(self):
         camera = self.desktop.camera(offers=["mjpeg:1280x720@30"])
         vistrel = Program(self.desktop, {})

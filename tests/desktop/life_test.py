@@ -36,6 +36,16 @@ class LifeTest(DesktopTest):
         self.screen.live_picture()
         self.assertEqual(len(vistrel.icons()), 1)
 
+    def test_many_starts_at_once_are_one(self):
+        self.desktop.camera()
+        vistrel = self.start()
+        for _ in range(50):
+            self.desktop.bus.send(IDENTIFIER, PATH, APPLICATION, "Activate", "(a{sv})", {})
+        # Answered after all of them.
+        self.desktop.bus.call(IDENTIFIER, PATH, APPLICATION, "Open", "(asa{sv})", [], {})
+        self.screen.live_picture(10)
+        self.assertEqual(vistrel.lines.count(STARTED), 1)
+
     def test_a_start_during_the_launch_opens_the_mirror_after_it(self):
         self.desktop.camera()
         portal = Portal(self.desktop, -2)  # which the launch waits for

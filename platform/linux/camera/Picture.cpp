@@ -2,10 +2,14 @@
 
 #include <algorithm>
 
+#include "linux/camera/VideoMode.h"
+
 namespace vistrel::camera {
 namespace {
 
-constexpr int kLargestSide = 16384;
+// Rows of the longest side at four bytes a pixel, with room to spare; what is computed from it is no
+// overflow.
+constexpr int kLongestStride = 1 << 24;
 // Video black is 16; sensors add a little noise to it.
 constexpr int kDarkest = 28;
 // Memory that was never written reads as green: both chroma samples near zero.
@@ -147,10 +151,15 @@ bool isBlankSample(const Picture& p, int x, int y) {
 
 std::optional<Picture> pictureIn(std::span<const PlaneMemory> memory, PixelFormat format, PixelSize size,
                                  YuvColor color) {
+  constexpr int kLongestSide = VideoMode::kLongestSide;
+  const bool isPossible =
+      size.width > 0 && size.height > 0 && size.width <= kLongestSide && size.height <= kLongestSide;
+  const auto hasPossibleRows = [](const PlaneMemory& block) {
+    return block.stride >= 0 && block.stride <= kLongestStride;
+  };
+  if (!isPossible || !std::all_of(memory.begin(), memory.end(), hasPossibleRows)) return std::nullopt;
   const Shape shape = shapeOf(format, size);
-  const bool isSane =
-      size.width > 0 && size.height > 0 && size.width <= kLargestSide && size.height <= kLargestSide;
-  if (!isSane || shape.planeCount == 0 || memory.empty()) return std::nullopt;
+  if (shape.planeCount == 0 || memory.empty()) return std::nullopt;
   Picture picture{format, size, {(size.width + 1) / 2, (size.height + 1) / 2}, {}, color};
   const bool hasBlocks = shape.planeCount > 1 && memory.size() >= static_cast<std::size_t>(shape.planeCount);
   if (!(hasBlocks ? takeBlocks(picture, memory, shape) : splitBlock(picture, memory[0], shape)))

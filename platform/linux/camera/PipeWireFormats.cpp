@@ -20,6 +20,8 @@ namespace {
 constexpr int kBuffers = 4;
 constexpr int kFewestBuffers = 2;
 constexpr int kMostBuffers = 16;
+// What no camera offers, so that one that lies costs nothing.
+constexpr std::uint32_t kMostValues = 256;
 
 constexpr std::pair<std::uint32_t, PixelFormat> kFormats[] = {
     {SPA_VIDEO_FORMAT_I420, PixelFormat::I420}, {SPA_VIDEO_FORMAT_YV12, PixelFormat::Yv12},
@@ -52,9 +54,15 @@ struct Values {
   }
 };
 
+// A choice that is too short for its own head would seem to hold millions of values.
+bool isWhole(const spa_pod& pod) {
+  return SPA_POD_TYPE(&pod) != SPA_TYPE_Choice ||
+         (SPA_POD_BODY_SIZE(&pod) >= sizeof(spa_pod_choice_body) && SPA_POD_CHOICE_VALUE_SIZE(&pod) > 0);
+}
+
 Values valuesOf(const spa_pod* object, std::uint32_t key, std::uint32_t type, std::uint32_t size) {
   const auto* property = spa_pod_find_prop(object, nullptr, key);
-  if (!property) return {};
+  if (!property || !isWhole(property->value)) return {};
   Values values;
   const spa_pod* child = spa_pod_get_values(&property->value, &values.count, &values.choice);
   if (child->type != type || child->size < size || values.count == 0) return {};
@@ -64,7 +72,15 @@ Values valuesOf(const spa_pod* object, std::uint32_t key, std::uint32_t type, st
     values.first += values.size;
     --values.count;
   }
+  values.count = std::min(values.count, kMostValues);
   return values;
+}
+
+// Of a property with one value only. The library's own reading takes any number for one of its enumerators.
+template <class T>
+std::optional<T> valueOf(const spa_pod* object, std::uint32_t key, std::uint32_t type) {
+  const Values values = valuesOf(object, key, type, sizeof(T));
+  return values.count == 1 ? std::optional(values.at<T>(0)) : std::nullopt;
 }
 
 PixelSize sizeOf(spa_rectangle r) { return {static_cast<int>(r.width), static_cast<int>(r.height)}; }
@@ -86,40 +102,30 @@ void readRates(const spa_pod* offer, VideoMode& mode) {
 void appendSizes(const spa_pod* offer, const VideoMode& pattern, std::vector<VideoMode>& modes) {
   const Values sizes = valuesOf(offer, SPA_FORMAT_VIDEO_size, SPA_TYPE_Rectangle, sizeof(spa_rectangle));
   VideoMode mode = pattern;
+  const auto append = [&](PixelSize smallest, PixelSize largest) {
+    mode.smallest = smallest;
+    mode.largest = largest;
+    if (modes.size() < kMostModes && mode.limitToPossible()) modes.push_back(mode);
+  };
   if (isRange(sizes)) {
-    mode.smallest = sizeOf(sizes.at<spa_rectangle>(0));
-    mode.largest = sizeOf(sizes.at<spa_rectangle>(1));
     if (sizes.count >= 3) mode.step = sizeOf(sizes.at<spa_rectangle>(2));
-    modes.push_back(mode);
-    return;
+    return append(sizeOf(sizes.at<spa_rectangle>(0)), sizeOf(sizes.at<spa_rectangle>(1)));
   }
   for (std::uint32_t i = 0; i < sizes.count; ++i) {
-    mode.smallest = mode.largest = sizeOf(sizes.at<spa_rectangle>(i));
-    modes.push_back(mode);
+    const PixelSize size = sizeOf(sizes.at<spa_rectangle>(i));
+    append(size, size);
   }
 }
 
-SourceColor colorOf(const spa_video_info_raw& info) {
+SourceColor colorOf(const spa_pod* format) {
+  const auto range = valueOf<std::uint32_t>(format, SPA_FORMAT_VIDEO_colorRange, SPA_TYPE_Id);
+  const auto matrix = valueOf<std::uint32_t>(format, SPA_FORMAT_VIDEO_colorMatrix, SPA_TYPE_Id);
   SourceColor color;
-  if (info.color_range == SPA_VIDEO_COLOR_RANGE_0_255) color.range = ColorRange::Full;
-  if (info.color_range == SPA_VIDEO_COLOR_RANGE_16_235) color.range = ColorRange::Limited;
-  if (info.color_matrix == SPA_VIDEO_COLOR_MATRIX_BT709) color.matrix = ColorMatrix::Bt709;
-  if (info.color_matrix == SPA_VIDEO_COLOR_MATRIX_BT601) color.matrix = ColorMatrix::Bt601;
+  if (range == SPA_VIDEO_COLOR_RANGE_0_255) color.range = ColorRange::Full;
+  if (range == SPA_VIDEO_COLOR_RANGE_16_235) color.range = ColorRange::Limited;
+  if (matrix == SPA_VIDEO_COLOR_MATRIX_BT709) color.matrix = ColorMatrix::Bt709;
+  if (matrix == SPA_VIDEO_COLOR_MATRIX_BT601) color.matrix = ColorMatrix::Bt601;
   return color;
-}
-
-std::optional<AgreedFormat> agreedRaw(const spa_pod* format) {
-  spa_video_info_raw info{};
-  if (spa_format_video_raw_parse(format, &info) < 0) return std::nullopt;
-  const auto pixels = formatOf(info.format);
-  if (!pixels) return std::nullopt;
-  return AgreedFormat{*pixels, sizeOf(info.size), decideColor(*pixels, colorOf(info))};
-}
-
-std::optional<AgreedFormat> agreedJpeg(const spa_pod* format) {
-  spa_video_info_mjpg info{};
-  if (spa_format_video_mjpg_parse(format, &info) < 0) return std::nullopt;
-  return AgreedFormat{PixelFormat::Mjpeg, sizeOf(info.size), decideColor(PixelFormat::Mjpeg, {})};
 }
 
 // What undoes each SPA_META_TRANSFORMATION_…, in the order of their values: a flip of left and right or none,
@@ -195,8 +201,15 @@ std::optional<AgreedFormat> agreedFormat(const spa_pod* format) {
   std::uint32_t subtype = 0;
   if (!format || spa_format_parse(format, &type, &subtype) < 0 || type != SPA_MEDIA_TYPE_video)
     return std::nullopt;
-  if (subtype == SPA_MEDIA_SUBTYPE_mjpg) return agreedJpeg(format);
-  return subtype == SPA_MEDIA_SUBTYPE_raw ? agreedRaw(format) : std::nullopt;
+  const auto size = valueOf<spa_rectangle>(format, SPA_FORMAT_VIDEO_size, SPA_TYPE_Rectangle);
+  if (!size) return std::nullopt;
+  if (subtype == SPA_MEDIA_SUBTYPE_mjpg) {
+    return AgreedFormat{PixelFormat::Mjpeg, sizeOf(*size), decideColor(PixelFormat::Mjpeg, {})};
+  }
+  const auto native = valueOf<std::uint32_t>(format, SPA_FORMAT_VIDEO_format, SPA_TYPE_Id);
+  const auto pixels = native && subtype == SPA_MEDIA_SUBTYPE_raw ? formatOf(*native) : std::nullopt;
+  if (!pixels) return std::nullopt;
+  return AgreedFormat{*pixels, sizeOf(*size), decideColor(*pixels, colorOf(format))};
 }
 
 const spa_pod* bufferOffer(spa_pod_builder& builder) {

@@ -57,6 +57,7 @@ void readRates(V4l2System& system, int fd, VideoMode& mode) {
 }
 
 void appendMode(V4l2System& system, int fd, VideoMode mode, std::vector<VideoMode>& modes) {
+  if (modes.size() >= kMostModes || !mode.limitToPossible()) return;
   readRates(system, fd, mode);
   modes.push_back(std::move(mode));
 }
@@ -68,6 +69,7 @@ void appendRange(V4l2System& system, int fd, VideoMode mode, const v4l2_frmsize_
   mode.smallest = sizeOf(range.min_width, range.min_height);
   mode.largest = sizeOf(range.max_width, range.max_height);
   mode.step = sizeOf(range.step_width, range.step_height);
+  if (!mode.limitToPossible()) return;
   if (const auto source = sourceSizeOf(system, fd)) mode.limitTo(*source);
   appendMode(system, fd, mode, modes);
   for (const PixelSize size : kWantedSizes) {

@@ -71,6 +71,12 @@ PixelSize VideoMode::largestWithin(PixelSize limit) const {
           fit(smallest.height, largest.height, step.height, limit.height)};
 }
 
+bool VideoMode::limitToPossible() {
+  largest = {std::min(largest.width, kLongestSide), std::min(largest.height, kLongestSide)};
+  return smallest.width >= 0 && smallest.height >= 0 && largest.width > 0 && largest.height > 0 &&
+         smallest.width <= largest.width && smallest.height <= largest.height;
+}
+
 void VideoMode::limitTo(PixelSize source) {
   if (source.width >= smallest.width && source.height >= smallest.height) largest = largestWithin(source);
 }

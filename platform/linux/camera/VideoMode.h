@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -22,6 +23,9 @@ struct FrameRate {
 
 /// One way in which a camera can deliver: a format, the sizes it comes in and its rates at them.
 struct VideoMode {
+  /// No picture is longer in any direction.
+  static constexpr int kLongestSide = 16384;
+
   PixelFormat format = PixelFormat::Yuy2;
   /// The provider's own code of the format.
   std::uint32_t nativeFormat = 0;
@@ -36,10 +40,15 @@ struct VideoMode {
   [[nodiscard]] bool reaches(PixelSize size) const;
   /// The largest size in both directions that is not above `limit`; the smallest where all are.
   [[nodiscard]] PixelSize largestWithin(PixelSize limit) const;
+  /// Takes from it the sizes that no picture has; false when none is left.
+  [[nodiscard]] bool limitToPossible();
   /// Takes from a range of sizes what is larger than the camera's own picture, which drivers enlarge or put
   /// into an empty frame. A size from a list is the camera's own.
   void limitTo(PixelSize source);
 };
+
+/// More modes than any camera has: what one tells beyond them is not listened to.
+inline constexpr std::size_t kMostModes = 4096;
 
 /// What a stream is started with.
 struct ModeChoice {

@@ -53,9 +53,10 @@ std::string unescaped(std::string_view value) {
 
 std::string escaped(std::string_view value) {
   std::string result;
-  for (const char c : value) {
+  for (std::size_t i = 0; i < value.size(); ++i) {
+    const char c = value[i];
     // A blank is escaped only where it would be trimmed.
-    const bool isInnerBlank = c == ' ' && !result.empty();
+    const bool isInnerBlank = c == ' ' && i > 0 && i + 1 < value.size();
     const auto* found =
         std::find_if(std::begin(kEscapes), std::end(kEscapes), [&](Escape e) { return e.meaning == c; });
     if (found == std::end(kEscapes) || isInnerBlank) {

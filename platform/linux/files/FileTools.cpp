@@ -20,7 +20,7 @@ using desktop::FileDescriptor;
 namespace {
 
 constexpr mode_t kPrivateFolder = 0700;
-constexpr mode_t kDefaultFileMode = 0600;
+constexpr mode_t kFileMode = 0600;
 
 bool writeAll(int file, const std::string& content) {
   std::size_t done = 0;
@@ -33,10 +33,19 @@ bool writeAll(int file, const std::string& content) {
   return true;
 }
 
+// A link that leads nowhere yet is followed once, to where the file shall be.
 std::string resolved(const std::string& path) {
   std::error_code error;
-  const auto target = std::filesystem::weakly_canonical(path, error);
-  return error ? path : target.string();
+  auto target = std::filesystem::weakly_canonical(path, error);
+  if (error) return path;
+  const auto link = std::filesystem::read_symlink(target, error);
+  return error ? target.string() : (target.parent_path() / link).string();
+}
+
+// Of its own user's alone. Bears one name, so that the leftover of a process that was killed is written over.
+FileDescriptor makeTemporary(const std::string& path) {
+  ::unlink(path.c_str());
+  return FileDescriptor(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kFileMode));
 }
 
 void syncFolderOf(const std::string& path) {
@@ -99,14 +108,10 @@ Result<std::optional<std::string>> readFile(const std::string& path, std::size_t
 
 Result<void> replaceFile(const std::string& path, const std::string& content) {
   const std::string target = resolved(path);
-  std::string temporary = target + ".XXXXXX";
-  FileDescriptor file(::mkostemp(temporary.data(), O_CLOEXEC));
+  const std::string temporary = target + ".new";
+  FileDescriptor file = makeTemporary(temporary);
   if (!file) return systemError(target);
-  struct stat present {};
-  const bool exists = ::stat(target.c_str(), &present) == 0;
-  const mode_t mode = exists ? present.st_mode & 07777U : kDefaultFileMode;
-  auto written = ::fchmod(file.get(), mode) == 0 ? writeAndRename(std::move(file), temporary, target, content)
-                                                 : Result<void>(systemError(target));
+  auto written = writeAndRename(std::move(file), temporary, target, content);
   if (!written) ::unlink(temporary.c_str());
   return written;
 }

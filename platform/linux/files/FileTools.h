@@ -21,8 +21,8 @@ Result<void> makeFolders(const std::string& path);
 /// pipe, a device) is an error, and never waited for.
 Result<std::optional<std::string>> readFile(const std::string& path, std::size_t most = SIZE_MAX);
 
-/// Puts a file of that content in the place of the old one, whole or not at all; a symbolic link stays a
-/// link.
+/// Puts a file of that content in the place of the old one, whole or not at all, for this user alone; a
+/// symbolic link stays a link. Not for two at once.
 Result<void> replaceFile(const std::string& path, const std::string& content);
 
 /// What the last failed system call says, for a path.

@@ -93,7 +93,12 @@ void SingleInstance::activate() {
   // The one that the bus started us for is no wish of its own.
   if (isClaimed_) lastActivation_.start();
   if (!isNewWish) return;
-  if (reopen_) return reopen_();
+  if (reopen_) {
+    reopen_();
+    // What waited meanwhile came with it.
+    lastActivation_.start();
+    return;
+  }
   isReopenDue_ = isClaimed_;
   wasActivated_ = wasActivated_ || !isClaimed_;
 }

@@ -16,15 +16,10 @@ constexpr std::uint32_t kMostWindows = 1024;
 // A dock is long and thin; what is not is an icon or a gadget of it.
 constexpr int kLeastLengthOfThickness = 4;
 
-struct Desktop {
-  int width = 0;
-  int height = 0;
-};
-
-Desktop desktopOf(X11Connection& connection) {
+PixelSize desktopOf(X11Connection& connection) {
   const auto cookie = xcb_get_geometry(connection.get(), connection.root());
   const auto reply = connection.wait(xcb_get_geometry_reply, cookie);
-  return reply ? Desktop{reply->width, reply->height} : Desktop{};
+  return reply ? PixelSize{reply->width, reply->height} : PixelSize{};
 }
 
 std::vector<xcb_window_t> managedWindows(X11Connection& connection) {
@@ -37,17 +32,21 @@ std::vector<xcb_window_t> managedWindows(X11Connection& connection) {
   return {first, first + reply->value_len};
 }
 
+std::span<const std::uint32_t> valuesIn(const xcb_get_property_reply_t* reply) {
+  if (!reply || reply->format != 32) return {};
+  return {static_cast<const std::uint32_t*>(xcb_get_property_value(reply)), reply->value_len};
+}
+
 // The older property has no ends: its strips are as long as the desktop.
-std::optional<Property> read(const xcb_get_property_reply_t* reply) {
-  if (!reply || reply->format != 32 || reply->value_len < kWholeLength) return std::nullopt;
-  const auto* values = static_cast<const std::uint32_t*>(xcb_get_property_value(reply));
+std::optional<Property> read(std::span<const std::uint32_t> values) {
+  if (values.size() < kWholeLength) return std::nullopt;
   Property property{};
   for (std::size_t end = 5; end < property.size(); end += 2) property[end] = UINT32_MAX;
-  std::copy_n(values, std::min(reply->value_len, kPartialLength), property.begin());
+  std::copy_n(values.begin(), std::min<std::size_t>(values.size(), kPartialLength), property.begin());
   return property;
 }
 
-void append(std::vector<Strut>& struts, const Property& property, Desktop desktop) {
+void append(std::vector<Strut>& struts, const Property& property, PixelSize desktop) {
   const auto within = [](std::uint32_t value, int most) {
     return static_cast<int>(std::min(value, static_cast<std::uint32_t>(most)));
   };
@@ -121,7 +120,7 @@ std::vector<xcb_window_t> windowsInTwoLayers(X11Connection& connection) {
 
 /// The strip that a dock covers which reserves none: only one along an edge of the desktop hides what lies
 /// there.
-std::optional<Strut> stripOf(X11Connection& connection, xcb_window_t window, Desktop desktop) {
+std::optional<Strut> stripOf(X11Connection& connection, xcb_window_t window, PixelSize desktop) {
   using Edge = Strut::Edge;
   const auto sizeAsked = xcb_get_geometry(connection.get(), window);
   const auto placeAsked = xcb_translate_coordinates(connection.get(), window, connection.root(), 0, 0);
@@ -142,6 +141,12 @@ std::optional<Strut> stripOf(X11Connection& connection, xcb_window_t window, Des
 
 }  // namespace
 
+std::vector<Strut> strutsIn(std::span<const std::uint32_t> values, PixelSize desktop) {
+  std::vector<Strut> struts;
+  if (const auto property = read(values)) append(struts, *property, desktop);
+  return struts;
+}
+
 bool isWorkAreaTold(X11Connection& connection) {
   if (!connection.isOpen()) return false;
   const auto area = connection.atom("_NET_WORKAREA");
@@ -160,14 +165,14 @@ std::vector<Strut> panelStruts(X11Connection& connection) {
   questions.reserve(windows.size());
   // All is asked before the first answer is waited for.
   for (const auto window : windows) questions.push_back(ask(connection, window, atoms));
-  const Desktop desktop = desktopOf(connection);
+  const PixelSize desktop = desktopOf(connection);
   std::vector<Strut> struts;
   for (const auto& question : questions) {
     const auto exact = connection.wait(xcb_get_property_reply, question.partial);
     const auto rough = connection.wait(xcb_get_property_reply, question.whole);
     const auto types = connection.wait(xcb_get_property_reply, question.types);
-    const auto property = read(exact.get());
-    if (const auto known = property ? property : read(rough.get())) {
+    const auto property = read(valuesIn(exact.get()));
+    if (const auto known = property ? property : read(valuesIn(rough.get()))) {
       append(struts, *known, desktop);
     } else if (holds(types.get(), atoms.dock)) {
       if (const auto strut = stripOf(connection, question.window, desktop)) struts.push_back(*strut);

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <cstdint>
+#include <span>
 #include <vector>
 
+#include "base/Geometry.h"
 #include "linux/x11/X11Connection.h"
 
 namespace vistrel::x11 {
@@ -16,6 +19,10 @@ struct Strut {
   int width = 0;
   int height = 0;
 };
+
+/// The strips that a panel's property tells on a desktop of that size in pixels: of the partial kind, or of
+/// the older one, whose four strips are as long as the desktop.
+[[nodiscard]] std::vector<Strut> strutsIn(std::span<const std::uint32_t> values, PixelSize desktop);
 
 /// The strips of all the windows that the window manager knows; where it tells no work area those of all
 /// windows, and those that docks cover without keeping any. Asks the server; main thread only.

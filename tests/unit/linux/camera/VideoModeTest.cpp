@@ -132,7 +132,7 @@ class Offer {
   }
 
  private:
-  std::array<std::uint8_t, 1024> memory_{};
+  std::array<std::uint8_t, 32768> memory_{};
   spa_pod_builder builder_{};
   spa_pod_frame frame_{};
 };
@@ -177,6 +177,59 @@ TEST(PipeWireFormats, ReadsRangesAndHidesGreySensors) {
                   .choice(SPA_FORMAT_VIDEO_size, SPA_CHOICE_Step, addSizes)
                   .modes()
                   .empty());
+}
+
+TEST(PipeWireFormats, DistrustsWhatACameraSaysOfItself) {
+  // A choice of sizes that is shorter than its own head, and one whose values have no size.
+  for (const auto& [bytes, valueBytes] : {std::pair{8U, 8U}, {32U, 0U}}) {
+    struct {
+      spa_pod_object object;
+      std::uint32_t type[6] = {SPA_FORMAT_mediaType, 0, 4, SPA_TYPE_Id, SPA_MEDIA_TYPE_video, 0};
+      std::uint32_t subtype[6] = {SPA_FORMAT_mediaSubtype, 0, 4, SPA_TYPE_Id, SPA_MEDIA_SUBTYPE_mjpg, 0};
+      std::uint32_t size[2] = {SPA_FORMAT_VIDEO_size, 0};
+      std::uint32_t choice[10] = {};
+    } offer{};
+    offer.object = {{sizeof offer - sizeof(spa_pod), SPA_TYPE_Object},
+                    {SPA_TYPE_OBJECT_Format, SPA_PARAM_EnumFormat}};
+    const std::uint32_t choice[] = {bytes, SPA_TYPE_Choice, SPA_CHOICE_Enum,
+                                    0,     valueBytes,      SPA_TYPE_Rectangle};
+    std::copy(std::begin(choice), std::end(choice), offer.choice);
+    std::vector<VideoMode> modes;
+    appendModes(&offer.object.pod, modes);
+    EXPECT_TRUE(modes.empty());
+  }
+  const auto many = Offer(SPA_MEDIA_SUBTYPE_mjpg)
+                        .choice(SPA_FORMAT_VIDEO_size, SPA_CHOICE_Enum,
+                                [](auto* b) {
+                                  for (unsigned w = 1; w < 2000; ++w) spa_pod_builder_rectangle(b, w, w);
+                                })
+                        .modes();
+  EXPECT_EQ(many.size(), 256U);
+}
+
+TEST(PipeWireFormats, ListsNoSizeThatNoPictureHas) {
+  struct Case {
+    unsigned smallest, largest;
+    int last;  // 0: nothing is listed
+  };
+  for (const Case c : {Case{1, 0x7fffffff, 16384},
+                       {0x80000000, 0xffffffff, 0},
+                       {0xffffffff, 1, 0},
+                       {20000, 30000, 0},
+                       {0, 0, 0},
+                       {0, 640, 640}}) {
+    const auto modes = Offer(SPA_MEDIA_SUBTYPE_mjpg)
+                           .choice(SPA_FORMAT_VIDEO_size, SPA_CHOICE_Range,
+                                   [c](auto* b) {
+                                     for (unsigned w : {640U, c.smallest, c.largest})
+                                       spa_pod_builder_rectangle(b, w, w);
+                                   })
+                           .modes();
+    ASSERT_EQ(modes.size(), c.last ? 1U : 0U) << c.largest;
+    if (c.last) {
+      EXPECT_EQ(modes[0].largest, (PixelSize{c.last, c.last}));
+    }
+  }
 }
 
 TEST(PipeWireFormats, AgreeOnWhatIsOffered) {

@@ -1,0 +1,143 @@
+"""Openings without end: ./soak [ROUNDS] [SEED]. What happens in a round is drawn by the seed, which is told first."""
+
+import pathlib
+import random
+import sys
+import time
+
+from stage.desktop import Desktop
+from stage.portal import Portal
+from stage.processes import wait_until
+from stage.program import Program, centre
+from tests.desktop.settings import ROWS
+
+OFFERS = {"one": ["mjpeg:1280x720@30"], "two": ["yuy2:1280x720@30"]}
+WARM_UP = 100  # until each act was there once
+REPORT = 100
+GROWTH = {"KiB": 4096, "descriptors": 0, "threads": 0, "server KiB": 16384, "server descriptors": 2, "streams": 0}
+
+
+class Soak:
+    def __init__(self, seed):
+        self.chance = random.Random(seed)
+        self.desktop = Desktop()
+        self.screen = self.desktop.screen
+        self.scheme = 1
+        self.portal = Portal(self.desktop, self.scheme)
+        self.plug()
+        self.vistrel = Program(self.desktop, {})
+        self.acts = {self.nothing: 60, self.tear_off: 12, self.switch_camera: 10, self.turn_dark: 6, self.open_preferences: 5,
+                     self.restart_panel: 3, self.restart_pipewire: 2, self.destroy_window: 2}
+        self.counts = dict.fromkeys((act.__name__ for act in self.acts), 0)
+
+    def plug(self):
+        self.cameras = [self.desktop.camera(name=name, node=name, offers=offers) for name, offers in OFFERS.items()]
+
+    def round(self):
+        act = self.chance.choices(list(self.acts), self.acts.values())[0]
+        self.counts[act.__name__] += 1
+        is_inside = act in (self.nothing, self.tear_off, self.turn_dark, self.destroy_window)
+        if not is_inside:
+            act()
+        self.vistrel.click()
+        self.screen.live_picture()
+        if is_inside:
+            act()
+        if self.vistrel.windows():
+            self.vistrel.click()
+        self.screen.wait_no_picture()
+        wait_until(lambda: self.streams() == 0, "the end of the stream")
+
+    def streams(self):
+        return sum(self.desktop.readers(camera) for camera in self.cameras)
+
+    def nothing(self):
+        pass
+
+    def tear_off(self):
+        start = centre(self.screen.live_picture()["place"])
+        since = len(self.vistrel.lines)
+        self.screen.drag(start, (start[0] - 300, start[1] + 200))
+        self.vistrel.wait_line("Detached", since)
+
+    def switch_camera(self):
+        self.choose(self.chance.randrange(len(OFFERS)))
+
+    def choose(self, index):
+        self.vistrel.open_menu()
+        self.vistrel.choose(index)
+        self.vistrel.wait_no_menu()
+
+    def turn_dark(self):
+        since = len(self.vistrel.lines)
+        self.scheme = 3 - self.scheme
+        self.portal.set_scheme(self.scheme)
+        self.vistrel.wait_line("Switched modes", since)
+
+    def open_preferences(self):
+        """Opens the preferences and closes them again: windows of another kind come and go."""
+        self.vistrel.open_menu()
+        rows = self.vistrel.menu_rows()
+        self.screen.click(centre(rows[ROWS["Preferences"]]))
+        self.vistrel.wait_no_menu()
+        window = wait_until(lambda: self.vistrel.windows(name="Preferences"), "the preferences")[0]
+        wait_until(lambda: self.screen.focus()["id"] == window["id"], "the focus on the preferences")
+        x, y, width, _height = window["place"]
+        self.screen.click((x + width - 9, y - 10))
+        wait_until(lambda: not self.vistrel.windows(), "the end of the preferences")
+
+    def restart_panel(self):
+        self.desktop.stop_host()
+        calls = len(self.desktop.menu_calls.lines)
+        self.desktop.start_host()
+        self.vistrel.icon()
+        self.vistrel.wait_menu_known(calls)
+
+    def restart_pipewire(self):
+        self.desktop.unplug_all()
+        self.desktop.stop_pipewire()
+        self.desktop.start_pipewire()
+        self.plug()
+
+    def destroy_window(self):
+        self.screen.destroy(self.vistrel.windows()[0])
+
+    def measure(self):
+        def facts(pid):
+            folder = pathlib.Path("/proc") / str(pid)
+            status = dict(line.split(":", 1) for line in (folder / "status").read_text().splitlines())
+            return int(status["RssAnon"].split()[0]), len(list((folder / "fd").iterdir())), int(status["Threads"])
+        memory, descriptors, threads = facts(self.vistrel.pid)
+        server_memory, server_descriptors, _ = facts(self.desktop.server_pid)
+        return {"KiB": memory, "descriptors": descriptors, "threads": threads, "server KiB": server_memory,
+                "server descriptors": server_descriptors, "streams": self.streams()}
+
+    def close(self):
+        self.portal.close()
+        self.desktop.close()
+
+
+def main(rounds=200, seed=None):
+    seed = int(time.time()) if seed is None else int(seed)
+    print(f"{rounds} rounds, seed {seed}", flush=True)
+    soak = Soak(seed)
+    try:
+        for number in range(WARM_UP + int(rounds) + 1):
+            if number == WARM_UP:
+                before = soak.measure()
+            if number >= WARM_UP and (number - WARM_UP) % REPORT == 0:
+                print(number - WARM_UP, soak.measure(), flush=True)
+            soak.round()
+        after = soak.measure()
+        status, errors = soak.vistrel.terminate(), soak.vistrel.process.errors
+    finally:
+        soak.close()
+    grown = {key: (before[key], after[key]) for key, most in GROWTH.items() if after[key] - before[key] > most}
+    print("acts", soak.counts)
+    print("at the end", after, "status", status, "said", errors)
+    print("grown", grown or "nothing")
+    return 1 if grown or status or errors else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(*sys.argv[1:]))
