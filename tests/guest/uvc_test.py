@@ -14,8 +14,8 @@ NAME = "Usb Camera: Usb Camera"  # as the kernel calls it: the device and its vi
 OPENINGS = 25
 BUSY = "in use by another program"
 DENIED = "denied"
-SILENT = FAILED + "the camera sends no pictures"
-UNUSABLE = FAILED + "the camera sends pictures that cannot be shown"
+SILENT = FAILED + "The camera sends no pictures."
+UNUSABLE = FAILED + "The camera sends pictures that cannot be shown."
 
 
 class Cases:
