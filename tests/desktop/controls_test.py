@@ -117,7 +117,7 @@ class ControlsTest(DesktopTest):
         self.wait_hidden(vistrel, OPTIONS)
         self.screen.live_picture()
         self.assertEqual((self.desktop.readers(first), self.desktop.readers(second)), (0, 1))
-        self.assertEqual(vistrel.preferences()["defaultCameraPreference"], "Second")
+        self.stored(vistrel, "defaultCameraPreference", "Second")
         self.screen.move(centre(picture))
         self.reader.act(self.wait_shown(vistrel, OPTIONS), "Press")
         self.wait_items(vistrel, [("First", False), ("Second", True)] + [(name, False) for name in COMMANDS])

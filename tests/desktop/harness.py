@@ -59,6 +59,10 @@ class DesktopTest(unittest.TestCase):
         vistrel.click()
         return self.screen.live_picture()
 
+    def stored(self, vistrel, key, value):
+        """Waits for the preference, which is written on a thread."""
+        wait_until(lambda: vistrel.preferences().get(key) == value, f"{key}: {value}")
+
     def wait_closed(self, camera):
         """The mirror is off the screen and the camera free."""
         self.screen.wait_no_picture()

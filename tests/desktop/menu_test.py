@@ -35,7 +35,7 @@ class MenuRules:
         self.assertEqual(plain(vistrel.lines[chosen - 3:chosen]), closed)
         self.assertEqual(vistrel.lines[chosen], SAVING + CAMERAS[1])
         self.assertEqual(plain(vistrel.lines[chosen + 1:]), closed)
-        self.assertEqual(vistrel.preferences()["defaultCameraPreference"], CAMERAS[1])
+        self.stored(vistrel, "defaultCameraPreference", CAMERAS[1])
         self.assertEqual(sum(line.startswith(SAVING) for line in vistrel.lines), 1)
 
     def test_every_choice_of_several_showings_is_the_one_that_was_clicked(self):

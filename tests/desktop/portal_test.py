@@ -158,7 +158,7 @@ class PortalTest(SettingsTest):
         ended = len(portal.lines)
         self.screen.key("Delete")
         self.wait_says(vistrel, "Press Shortcut", "")
-        self.assertIs(vistrel.preferences()[recorder_test.SHORTCUT], False)
+        self.stored(vistrel, recorder_test.SHORTCUT, False)
         portal.wait("closed", ended)
 
 

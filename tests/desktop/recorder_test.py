@@ -34,7 +34,7 @@ class RecorderRules:
 
     def expect(self, vistrel, text, stored):
         self.wait_says(vistrel, "Record Shortcut", text)
-        self.assertEqual(vistrel.preferences().get(SHORTCUT), stored)
+        self.stored(vistrel, SHORTCUT, stored)
 
     def expect_toggle(self, vistrel, camera, *keys):
         self.combination(*keys)
@@ -145,13 +145,13 @@ class RecorderTest(RecorderRules, SettingsTest):
         self.record(vistrel)
         self.screen.key("Delete")
         self.wait_says(vistrel, "Press Shortcut", "")
-        self.assertIs(vistrel.preferences()[SHORTCUT], False)
+        self.stored(vistrel, SHORTCUT, False)
         self.screen.key("F7")
         self.expect(vistrel, "F7", '{"carbonKeyCode":98,"carbonModifiers":0}')
         x, y, width, height = self.field(vistrel)["place"]
         self.screen.click((x + width - height // 2, y + height // 2))  # the clear button
         self.wait_says(vistrel, "Press Shortcut", "")
-        self.assertIs(vistrel.preferences()[SHORTCUT], False)
+        self.stored(vistrel, SHORTCUT, False)
         self.screen.key("Escape")
         self.expect(vistrel, "", False)
         since = len(vistrel.lines)

@@ -52,6 +52,3 @@ class SettingsTest(DesktopTest):
         rows = wait_until(lambda: [row["place"] for row in self.reader.objects(vistrel.pid, role="list item", name=name)
                                    if row["place"][0] >= box[0]], f"{name} in the open box")
         self.screen.click(centre(rows[0]))
-
-    def stored(self, vistrel, key, value):
-        wait_until(lambda: vistrel.preferences().get(key) == value, f"{key}: {value}")
