@@ -1,6 +1,7 @@
 #include "carbon/SymbolicHotKeys.h"
 
 #include <cstdint>
+#include <utility>
 
 #include "backend/Backend.h"
 
@@ -20,8 +21,10 @@ OSStatus CopySymbolicHotKeys(std::optional<SymbolicHotKeys>* result) {
   const auto hotKeys = backend::current().keyboard().symbolicHotKeys();
   result->reset();
   if (!hotKeys) return noErr;
-  result->emplace();
-  for (const auto& hotKey : *hotKeys) (*result)->push_back(dictionaryOf(hotKey));
+  SymbolicHotKeys dictionaries;
+  dictionaries.reserve(hotKeys->size());
+  for (const auto& hotKey : *hotKeys) dictionaries.push_back(dictionaryOf(hotKey));
+  *result = std::move(dictionaries);
   return noErr;
 }
 
