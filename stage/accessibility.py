@@ -52,7 +52,9 @@ def _serve():
 
     def facts(entry, path):
         states = {state.value_nick for state in entry.getState().getStates()}
-        return {"path": path, "role": entry.getRoleName(), "name": entry.name, "description": entry.description,
+        role = entry.getRoleName()
+        # AT-SPI 2.54 gave the role another name.
+        return {"path": path, "role": "push button" if role == "button" else role, "name": entry.name, "description": entry.description,
                 "states": sorted(states), "showing": "showing" in states, "checked": "checked" in states,
                 "place": optional(lambda: place(entry)), "actions": optional(lambda: actions(entry), []),
                 "value": optional(lambda: entry.queryValue().currentValue),

@@ -67,9 +67,7 @@ void Commands::addPointer() {
     return input_.button(number(a, 0), Motion::Up), Json::object();
   };
   commands_["click"] = [this](const Words& a) {  // BUTTON X Y
-    input_.move(number(a, 1), number(a, 2));
-    for (const Motion motion : {Motion::Down, Motion::Up}) input_.button(number(a, 0), motion);
-    return Json::object();
+    return input_.click(number(a, 0), number(a, 1), number(a, 2)), Json::object();
   };
   commands_["drag"] = [this](const Words& a) {
     return input_.drag(number(a, 0), number(a, 1), number(a, 2), number(a, 3)), Json::object();

@@ -11,7 +11,9 @@ namespace {
 
 constexpr unsigned kEvdevOffset = 8;
 constexpr int kDragSteps = 16;
-constexpr std::chrono::milliseconds kDragStepTime{8};
+constexpr std::chrono::milliseconds kStepTime{8};
+// Menus of Qt 6.8 take a click only after more than six motions.
+constexpr int kApproachSteps = 10;
 constexpr std::string_view kEvdevPrefix = "evdev:";
 
 }  // namespace
@@ -31,6 +33,15 @@ std::optional<unsigned> Input::keyCode(const std::string& name) const {
   const KeyCode code = XKeysymToKeycode(screen_.display(), XStringToKeysym(name.c_str()));
   if (code == 0) return std::nullopt;
   return code;
+}
+
+void Input::click(unsigned which, int x, int y) const {
+  for (int step = kApproachSteps; step > 0; --step) {
+    move(x - step, y);
+    std::this_thread::sleep_for(kStepTime);
+  }
+  move(x, y);
+  for (const Motion motion : {Motion::Down, Motion::Up}) button(which, motion);
 }
 
 void Input::key(unsigned keyCode, Motion motion) const {
@@ -70,10 +81,10 @@ void Input::drag(int fromX, int fromY, int toX, int toY) const {
   button(1, Motion::Down);
   for (int step = 1; step <= kDragSteps; ++step) {
     // A hand takes its time; a window manager that grabs the pointer for the drag needs some, too.
-    std::this_thread::sleep_for(kDragStepTime);
+    std::this_thread::sleep_for(kStepTime);
     move(fromX + (toX - fromX) * step / kDragSteps, fromY + (toY - fromY) * step / kDragSteps);
   }
-  std::this_thread::sleep_for(kDragStepTime);
+  std::this_thread::sleep_for(kStepTime);
   button(1, Motion::Up);
 }
 

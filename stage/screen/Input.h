@@ -16,6 +16,8 @@ class Input {
 
   void move(int x, int y) const;
   void button(unsigned button, Motion motion) const;
+  /// Comes from the left, as a hand does: not from nowhere.
+  void click(unsigned which, int x, int y) const;
   /// A key by its keysym name ("Control_L", "m") or by its evdev code ("evdev:50"). None: no such key here.
   [[nodiscard]] std::optional<unsigned> keyCode(const std::string& name) const;
   void key(unsigned keyCode, Motion motion) const;

@@ -13,9 +13,9 @@ CONTROL, ALT, Z, F4 = "evdev:29", "evdev:56", "evdev:44", "evdev:62"  # keys by 
 Z_KEY, F4_KEY = 6, 118  # the same as they are stored
 CAPS, NUM, GROUP = "Caps_Lock", "Num_Lock", "ISO_Next_Group"
 # Where the calls in which a thread sleeps have their patience in milliseconds: poll, epoll_wait, epoll_pwait; and
-# futex, which has none when it waits for ever.
+# where ppoll and futex have the address of theirs, which is none when they wait for ever.
 PATIENCE = {"7": 2, "232": 3, "281": 3}
-FUTEX = "202"
+PLACE_OF_PATIENCE = {"271": 2, "202": 3}
 FOR_EVER = 0xffffffff
 LONG = 10000  # the toolkit looks over its pictures once half a minute after the last was drawn
 
@@ -92,8 +92,8 @@ class ShortcutTest(DesktopTest):
         """How long the least patient of its threads sleeps at most, in milliseconds."""
         def of(task):
             number, *arguments = (task / "syscall").read_text().split()
-            if number == FUTEX:
-                return FOR_EVER if int(arguments[3], 16) == 0 else 0
+            if number in PLACE_OF_PATIENCE:
+                return FOR_EVER if int(arguments[PLACE_OF_PATIENCE[number]], 16) == 0 else 0
             return int(arguments[PATIENCE[number]], 16) & FOR_EVER if number in PATIENCE else 0
         return min(of(task) for task in pathlib.Path(f"/proc/{program.pid}/task").iterdir())
 
