@@ -35,6 +35,7 @@ class CameraViewController final : public NSViewController {
   void magnifyWithEvent(const NSEvent& event) override { gestures_.magnify(event); }
   void rightMouseDown(const NSEvent& event) override { gestures_.rightMouseDown(event); }
   void rightMouseDragged(const NSEvent& event) override { gestures_.rightMouseDragged(event); }
+  void rightMouseUp(const NSEvent& /*event*/) override { gestures_.rightMouseUp(); }
 
   [[nodiscard]] NSPopUpButton& availableCamerasPopupButton() const;
   [[nodiscard]] NSView& noCamerasView() const;

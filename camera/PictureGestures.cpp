@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "appkit/NSEvent.h"
+#include "appkit/NSPopUpButton.h"
 #include "appkit/NSWindow.h"
 #include "appkit/NSWorkspace.h"
 #include "base/KeyCodes.h"
@@ -37,15 +38,18 @@ std::uint64_t commandKeysOf(const NSEvent& event) {
 
 void PictureGestures::setLayer(std::shared_ptr<AVCaptureVideoPreviewLayer> layer) {
   layer_ = std::move(layer);
+  draggedTo_.reset();
   wasMirrored_.reset();
   heldKey_.reset();
-  keyboardObserver_.remove();
+  keyboardObservers_ = {};
   if (!layer_) return;
-  // Its release goes to whoever has the keyboard then.
-  keyboardObserver_ = NotificationCenter::defaultCenter().addObserver(NSWindowDidResignKeyNotification,
-                                                                      nullptr, [this](auto&) {
-                                                                        if (heldKey_) showAsBefore();
-                                                                      });
+  // The release of a held key goes to whoever has the keyboard then.
+  auto& center = NotificationCenter::defaultCenter();
+  const auto keyboardGoes = [this](auto&) {
+    if (heldKey_) showAsBefore();
+  };
+  keyboardObservers_ = {center.addObserver(NSWindowDidResignKeyNotification, nullptr, keyboardGoes),
+                        center.addObserver(NSPopUpButtonWillPopUpNotification, nullptr, keyboardGoes)};
 }
 
 Point PictureGestures::inLayer(Point inWindow) const {
@@ -73,11 +77,14 @@ void PictureGestures::magnify(const NSEvent& event) {
 
 void PictureGestures::rightMouseDown(const NSEvent& event) { draggedTo_ = event.locationInWindow(); }
 
-// The picture goes with the pointer.
+// The picture goes with the pointer. The press of a button that is held may have gone to a menu.
 void PictureGestures::rightMouseDragged(const NSEvent& event) {
-  const Point from = std::exchange(draggedTo_, event.locationInWindow());
-  if (layer_) layer_->pan(from.x - draggedTo_.x, from.y - draggedTo_.y);
+  const Point to = event.locationInWindow();
+  const Point from = std::exchange(draggedTo_, to).value_or(to);
+  if (layer_) layer_->pan(from.x - to.x, from.y - to.y);
 }
+
+void PictureGestures::rightMouseUp() { draggedTo_.reset(); }
 
 bool PictureGestures::performKeyEquivalent(const NSEvent& event) {
   if (!layer_) return false;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -22,6 +23,7 @@ class PictureGestures {
   void magnify(const NSEvent& event);
   void rightMouseDown(const NSEvent& event);
   void rightMouseDragged(const NSEvent& event);
+  void rightMouseUp();
   /// Control with plus, minus, zero and the arrow keys; M, which shows the picture as the camera sends it
   /// while it is held, or, with a screen reader, until it is pressed again. False for any other key.
   bool performKeyEquivalent(const NSEvent& event);
@@ -37,10 +39,10 @@ class PictureGestures {
   void showAsBefore();
 
   std::shared_ptr<AVCaptureVideoPreviewLayer> layer_;
-  Point draggedTo_;
+  std::optional<Point> draggedTo_;   // while the secondary button is held
   std::optional<bool> wasMirrored_;  // while the picture is as the camera sends it
   std::optional<std::uint16_t> heldKey_;
-  ObservationToken keyboardObserver_;
+  std::array<ObservationToken, 2> keyboardObservers_;
 };
 
 }  // namespace vistrel

@@ -4,10 +4,9 @@
 
 #include "appkit/NSWindow.h"
 #include "base/KeyCodes.h"
+#include "foundation/NotificationCenter.h"
 
 namespace vistrel {
-
-namespace {}  // namespace
 
 NSPopUpButton::NSPopUpButton() : NSButton(std::make_unique<NSPopUpButtonCell>()) {}
 
@@ -31,7 +30,9 @@ bool NSPopUpButton::takesKey(std::uint16_t keyCode) const {
 }
 
 void NSPopUpButton::performClick(NSObject* /*sender*/) {
-  if (isEnabled() && menu_ && window()) window()->popUpMenu(*this);
+  if (!isEnabled() || !menu_ || !window()) return;
+  NotificationCenter::defaultCenter().post(NSPopUpButtonWillPopUpNotification, this);
+  window()->popUpMenu(*this);
 }
 
 void NSPopUpButton::itemChosen(const std::shared_ptr<NSMenuItem>& item) {

@@ -7,6 +7,9 @@
 
 namespace vistrel {
 
+/// Posted by a pop-up button before its menu opens and takes the keyboard.
+inline constexpr const char* NSPopUpButtonWillPopUpNotification = "NSPopUpButtonWillPopUpNotification";
+
 /// A button that opens a menu. As a pull-down its face is the menu's first item, which is not listed.
 class NSPopUpButton : public NSButton {
  public:

@@ -10,10 +10,11 @@ namespace vistrel {
 namespace {
 
 using Handler = void (NSResponder::*)(const NSEvent&);
-constexpr std::array<std::pair<NSEventType, Handler>, 5> kHandlers = {{
+constexpr std::array<std::pair<NSEventType, Handler>, 6> kHandlers = {{
     {NSEventType::KeyUp, &NSResponder::keyUp},
     {NSEventType::RightMouseDown, &NSResponder::rightMouseDown},
     {NSEventType::RightMouseDragged, &NSResponder::rightMouseDragged},
+    {NSEventType::RightMouseUp, &NSResponder::rightMouseUp},
     {NSEventType::ScrollWheel, &NSResponder::scrollWheel},
     {NSEventType::Magnify, &NSResponder::magnifyWithEvent},
 }};
@@ -41,6 +42,10 @@ void NSResponder::rightMouseDown(const NSEvent& event) {
 
 void NSResponder::rightMouseDragged(const NSEvent& event) {
   if (NSResponder* next = nextResponder()) next->rightMouseDragged(event);
+}
+
+void NSResponder::rightMouseUp(const NSEvent& event) {
+  if (NSResponder* next = nextResponder()) next->rightMouseUp(event);
 }
 
 void NSResponder::scrollWheel(const NSEvent& event) {

@@ -27,6 +27,7 @@ class NSResponder : public NSObject {
   virtual void keyUp(const NSEvent& event);
   virtual void rightMouseDown(const NSEvent& event);
   virtual void rightMouseDragged(const NSEvent& event);
+  virtual void rightMouseUp(const NSEvent& event);
   virtual void scrollWheel(const NSEvent& event);
   virtual void magnifyWithEvent(const NSEvent& event);
   virtual void mouseEntered(const NSEvent& event);

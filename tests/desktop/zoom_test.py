@@ -12,6 +12,7 @@ AWAY = (40, 700)
 BUTTON = (70, 50)  # the size of the lower right corner, where a control may lie over the picture
 WHEEL_UP, WHEEL_DOWN = 4, 5
 TOLERANCE = 40  # of 255 in each color
+SHARP = 70  # of 255 between two pixels; what is enlarged from the small picture has no such edge
 
 
 def channels(pixel):
@@ -68,6 +69,11 @@ class ZoomTest(ClearPictureTest):
     def wait_part(self, left, top, size):
         wait_until(lambda: self.matches(left, top, size), f"the part {left}, {top} of size {size}")
 
+    def sharpest_edge(self):
+        """The greatest difference of red between neighbours in a row: red meets blue in the middle."""
+        width, red = self.place[2], [channels(pixel)[0] for pixel in self.capture()]
+        return max(abs(red[i] - red[i + 1]) for i in range(len(red) - 1) if (i + 1) % width)
+
     def wheel(self, steps, at):
         for _ in range(abs(steps)):
             self.screen.click(at, WHEEL_UP if steps > 0 else WHEEL_DOWN)
@@ -78,7 +84,7 @@ class ZoomTest(ClearPictureTest):
                 self.screen.key(key)
 
     def test_wheel_keys_and_secondary_button_look_closer_and_never_past_the_edge(self):
-        for offer in ("yuy2:1280x720@30", "mjpeg:1280x720@30"):
+        for offer in ("yuy2:1280x720@30", "mjpeg:3840x2160@30"):
             with self.subTest(offer=offer), self.start() as vistrel:
                 camera = self.desktop.camera(offers=[offer])
                 self.open_still(vistrel, camera)
@@ -103,6 +109,8 @@ class ZoomTest(ClearPictureTest):
                 self.wait_part(3 / 8, 3 / 8, 1 / 4)
                 self.control("Down", 12)
                 self.wait_part(3 / 8, 3 / 4, 1 / 4)
+                if "3840" in offer:
+                    self.assertGreater(self.sharpest_edge(), SHARP)
                 self.control("0")
                 self.wait_part(0, 0, 1)
                 self.control("plus", 2)
@@ -121,6 +129,13 @@ class ZoomTest(ClearPictureTest):
             with self.screen.holding("m"):
                 self.wait_mirrored(False)
             self.wait_mirrored(True)
+        with self.screen.holding("m"):
+            self.wait_mirrored(False)
+            self.screen.key("Down")
+            vistrel.menu()  # which has the keyboard, and the release of the key
+        self.screen.key("Escape")
+        vistrel.wait_no_menu()
+        self.wait_mirrored(True)
         self.assertEqual(vistrel.preferences(), {})
 
 

@@ -216,6 +216,9 @@ TEST(MirrorCamera, ACameraThatIsGoneCanStillBeChosen) {
   EXPECT_EQ(program.takeLog(), log);
   EXPECT_EQ(program.desktop.rows(*button.menu())[2], "---");
   EXPECT_EQ(program.mirror().previewLayer()->connection(), nullptr);
+  EXPECT_EQ(program.desktop.tray.toolTip, "Vistrel: the camera is gone");
+  button.itemChosen(button.menu()->itemArray()[1]);
+  EXPECT_EQ(program.desktop.tray.toolTip, "Vistrel");
 }
 
 TEST(MirrorCamera, WithoutACameraItSaysSo) {

@@ -32,6 +32,7 @@ struct Hand : test::Program {
   void drag(Point from, Point to) const {
     send(NSEvent::mouseEvent({.type = Type::RightMouseDown, .location = from}, window()));
     send(NSEvent::mouseEvent({.type = Type::RightMouseDragged, .location = to}, window()));
+    send(NSEvent::mouseEvent({.type = Type::RightMouseUp, .location = to}, window()));
   }
   bool key(std::uint16_t code, const char* text, std::uint64_t flags = 0, Type type = Type::KeyDown) const {
     return send(NSEvent::keyEvent({type, {flags}, code, false, text}, window()));
@@ -70,6 +71,12 @@ TEST(PictureGestures, MagnifyAndMoveThePartThatIsSeen) {
          twice(h), h.drag({0, 0}, {999, 999});
        },
        {.5, 0, .5, .5}},
+      {"a move whose press went to a menu",
+       [&](Hand& h) {
+         twice(h), h.drag({0, 0}, {0, 0});
+         h.send(NSEvent::mouseEvent({.type = Type::RightMouseDragged, .location = {99, 99}}, h.window()));
+       },
+       middle},
       {"the keys", [](Hand& h) { h.key(24, "=", kControl), h.key(24, "+", kControl); }, middle},
       {"a layout without Latin letters",
        [](Hand& h) { h.wheel(4, kMiddle), h.key(27, "\u00df", kControl); },
@@ -102,9 +109,13 @@ TEST(PictureGestures, ShowThePictureAsOthersSeeIt) {
       EXPECT_EQ(hand.isMirrored(), !hasReader || isOtherPress);
     }
     EXPECT_FALSE(hand.key(kVK_ANSI_M, "m", kControl));
-    hand.key(kVK_ANSI_M, "m");
-    hand.window()->didLoseFocus();
-    EXPECT_EQ(hand.isMirrored(), !hasReader);
+    for (const bool isMenu : {false, true}) {
+      hand.key(kVK_ANSI_M, "m");
+      EXPECT_EQ(hand.isMirrored(), hasReader && isMenu);
+      isMenu ? hand.mirror().availableCamerasPopupButton().performClick(nullptr)
+             : hand.window()->didLoseFocus();
+      EXPECT_EQ(hand.isMirrored(), !hasReader || isMenu);
+    }
     hand.desktop.clickIcon();
     hand.desktop.clickIcon();
     EXPECT_TRUE(hand.isMirrored());

@@ -93,7 +93,7 @@ TEST_F(CaptureStreamTest, ShowsNothingBeforeTheFirstGoodFrame) {
   EXPECT_NEAR(pixels_[0], 128, 2);
 }
 
-TEST_F(CaptureStreamTest, TellsTheSizeOfTheUprightPicture) {
+TEST_F(CaptureStreamTest, TurnsThePictureUpright) {
   for (const PixelFormat format : {PixelFormat::Yuy2, PixelFormat::Mjpeg}) {
     open(format);
     device_->turn.isTransposed = true;
@@ -102,6 +102,8 @@ TEST_F(CaptureStreamTest, TellsTheSizeOfTheUprightPicture) {
     EXPECT_TRUE(waitForTold(1));
     EXPECT_EQ(stream_->pictureSize(), (PixelSize{kSize.height, kSize.width}));
     EXPECT_TRUE(paint());
+    if (format == PixelFormat::Yuy2) continue;
+    EXPECT_LT(pixels_[4 * (kGlass.width - 1)], pixels_[4 * kGlass.width * (kGlass.height - 1)]);
   }
 }
 
