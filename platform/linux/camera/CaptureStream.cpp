@@ -78,7 +78,7 @@ void CaptureStream::clearPicture() {
 void CaptureStream::setAsleep(bool isAsleep) {
   if (!mode_ || isAsleep == isAsleep_) return;
   isAsleep_ = isAsleep;
-  if (!isAsleep) return run();
+  if (!isAsleep) return wake();
   if (decoder_) decoder_->callOff();
   device_->stop();
   const auto mode = mode_;
@@ -86,6 +86,12 @@ void CaptureStream::setAsleep(bool isAsleep) {
   mode_ = mode;
   isAsleep_ = true;
   tellGlass();
+}
+
+// A device goes on to its frames once its start was waited for; a start that fails is told later.
+void CaptureStream::wake() {
+  run();
+  if (mode_ && device_->awaitStart({}) == backend::StreamStart::Running) captureStarted();
 }
 
 PixelSize CaptureStream::pictureSize() const {

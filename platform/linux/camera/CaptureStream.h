@@ -49,6 +49,7 @@ class CaptureStream final : public backend::CameraStream, public GlassSource, pr
   void captureFailed(const Error& error) override;
 
   void run();
+  void wake();
   Result<void> prepareDecoder();
   void noteUsable();
   void decodeNewest();

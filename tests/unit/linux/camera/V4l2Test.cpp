@@ -1,6 +1,7 @@
 #include <cerrno>
 #include <fstream>
 
+#include "linux/camera/CaptureStream.h"
 #include "tests/unit/linux/NoThreads.h"
 #include "tests/unit/linux/camera/V4l2Fixture.h"
 
@@ -172,6 +173,50 @@ TEST_F(V4l2Test, OffersNoSizeAboveWhatTheCameraSees) {
     EXPECT_EQ(start({1280, 720}), backend::StreamStart::Running);
     EXPECT_FALSE(chooseMode(device_->modes(), {1920, 1080}));
     device_.reset();
+  }
+}
+
+struct StreamClient final : backend::CameraStreamClient {
+  int started = 0;
+  std::vector<std::string> failures;
+  void streamDidStart() override { ++started; }
+  void streamDidFail(const Error& error) override { failures.push_back(error.message); }
+};
+
+TEST_F(V4l2Test, GoesOnAfterTheComputerSleptOrTellsWhyNot) {
+  struct Case {
+    bool hangsBefore, hangsAfter;
+    int openResult;
+    int started;
+    std::vector<std::string> failures;
+  } const cases[] = {
+      {false, false, 0, 0, {}},
+      {false, true, 0, 0, {}},
+      {true, false, 0, 1, {}},
+      {false, false, -ENODEV, 0, {"The camera is no longer connected."}},
+  };
+  for (const Case& c : cases) {
+    system_.script[node(0)] = {};
+    makeProvider();
+    StreamClient client;
+    CaptureStream stream(reactor_, std::move(provider_->open(idOf(0))).value());
+    system_.holdStreaming(c.hangsBefore);
+    stream.begin(kSize, client);
+    EXPECT_EQ(stream.awaitStart(kPatience),
+              c.hangsBefore ? backend::StreamStart::Pending : backend::StreamStart::Running);
+    system_.holdStreaming(false);
+    stream.setAsleep(true);
+    EXPECT_TRUE(waitForOpenCount(0));
+    system_.script[node(0)].openResult = c.openResult;
+    system_.holdStreaming(c.hangsAfter);
+    stream.setAsleep(false);
+    system_.holdStreaming(false);
+    EXPECT_TRUE(runUntil([&] {
+      if (system_.mappedCount() > 0) system_.deliver(100);
+      return stream.pictureSize() == kSize || !client.failures.empty();
+    }));
+    EXPECT_EQ(client.failures, c.failures);
+    EXPECT_EQ(client.started, c.started);
   }
 }
 
