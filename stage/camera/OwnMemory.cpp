@@ -10,12 +10,13 @@
 namespace vistrel::stage {
 namespace {
 
-constexpr std::array<std::pair<std::string_view, MemoryKind>, 5> kNames = {
+constexpr std::array<std::pair<std::string_view, MemoryKind>, 6> kNames = {
     {{"dmabuf", MemoryKind::DmaBuf},
      {"sealed", MemoryKind::Sealed},
      {"unsealed", MemoryKind::Unsealed},
      {"short", MemoryKind::Short},
-     {"shrinking", MemoryKind::Shrinking}}};
+     {"shrinking", MemoryKind::Shrinking},
+     {"foreign", MemoryKind::Foreign}}};
 
 bool isSealed(MemoryKind kind) { return kind == MemoryKind::DmaBuf || kind == MemoryKind::Sealed; }
 
@@ -40,6 +41,7 @@ OwnMemory::File::~File() {
 }
 
 std::uint32_t OwnMemory::dataType() const {
+  if (kind_ == MemoryKind::Foreign) return SPA_DATA_MemId;
   return kind_ == MemoryKind::DmaBuf ? SPA_DATA_DmaBuf : SPA_DATA_MemFd;
 }
 

@@ -13,8 +13,8 @@ namespace vistrel::stage {
 
 /// How a camera that brings its own buffers gives them away: as PipeWire's V4L2 plugin does (`DmaBuf`, with a
 /// file of memory in a device's place), as a file whose length is sealed, or in a way that no reader may
-/// trust.
-enum class MemoryKind { DmaBuf, Sealed, Unsealed, Short, Shrinking };
+/// trust, or as something that no reader takes (`Foreign`).
+enum class MemoryKind { DmaBuf, Sealed, Unsealed, Short, Shrinking, Foreign };
 
 [[nodiscard]] std::optional<MemoryKind> memoryKindFromName(std::string_view name);
 

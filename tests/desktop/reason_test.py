@@ -37,10 +37,10 @@ class EmptyMirrorTest(DesktopTest):
         if command == "die":
             return camera.unplug()
         camera.tell(command)
-        if command.startswith("error"):  # which the daemon tells once the camera was given back, and from then on
-            vistrel.click()
-            wait_until(lambda: any(node["info"]["state"] == "error" for node in self.desktop.graph("Node")), "the error")
-            vistrel.click()
+        if command.startswith("error"):  # which the daemon tells as it has the camera pause
+            reader = next(node["id"] for node in self.desktop.graph("Node")
+                          if node["info"]["props"].get("node.name") == "Vistrel")
+            self.desktop.run("pw-cli", "send-command", reader, "Suspend", "{}")
         return None
 
     @unittest.skipUnless(os.getuid() == 0, "may not give files to a group")

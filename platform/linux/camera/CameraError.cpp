@@ -13,7 +13,9 @@ bool contains(std::string_view text, std::string_view part) {
   return text.find(part) != std::string_view::npos;
 }
 
-Error reported(const std::string& text) { return {"The camera reported an error: " + text}; }
+Error reported(const std::string& text) {
+  return {"The camera reported an error" + (text.empty() ? "." : ": " + text)};
+}
 
 // As in "error set output format: -16 (Device or resource busy)".
 std::optional<int> errorNumberIn(const std::string& message) {
@@ -65,7 +67,7 @@ Error errorOfMessage(const std::string& message, const std::string& group) {
     if (contains(message, std::generic_category().message(number))) return errorOfCall(number, group);
   if (contains(message, "busy")) return errorOf(CameraError::Busy);
   if (contains(message, "ermission")) return errorOf(CameraError::Denied, group);
-  const bool isGone = message.empty() || contains(message, "target") || contains(message, "connection");
+  const bool isGone = contains(message, "target") || contains(message, "connection");
   return isGone ? errorOf(CameraError::Gone) : reported(message);
 }
 

@@ -13,7 +13,7 @@ enum class CameraError { Gone, Busy, Denied, Silent };
 [[nodiscard]] Error errorOf(CameraError problem, const std::string& group = {});
 /// What a failed system call means for a camera.
 [[nodiscard]] Error errorOfCall(int errorNumber, const std::string& group = {});
-/// What a message of PipeWire's means for a camera; an empty one means that it is gone.
+/// What a message of PipeWire's means for a camera.
 [[nodiscard]] Error errorOfMessage(const std::string& message, const std::string& group = {});
 
 }  // namespace vistrel::camera

@@ -130,10 +130,11 @@ void PipeWireDevice::closeStream() {
   agreed_.reset();
   buffers_.clear();
   spa_hook_remove(&listener_);
+  const auto reader = pw_stream_get_node_id(stream_.get());
   stream_.reset();
   state_ = PW_STREAM_STATE_UNCONNECTED;
   stateError_.clear();
-  if (PipeWireNode* node = graph_->find(nodeId_)) node->suspendWhenIdle();
+  graph_->readerLeft(nodeId_, reader);
 }
 
 void PipeWireDevice::fail(Error error) {
@@ -228,7 +229,8 @@ void PipeWireDevice::afterIteration() {
     return fail(errorOfMessage(node->lastError(), groupOf(node->v4l2Path())));
   if (const auto* reason = graph_->linkError(pw_stream_get_node_id(stream_.get())))
     return fail(errorOfMessage(*reason, node ? groupOf(node->v4l2Path()) : std::string()));
-  if (hasEnded || !node) fail(errorOfMessage(stateError_));
+  // A stream that ends without a word has lost its camera.
+  if (hasEnded || !node) fail(stateError_.empty() ? errorOf(CameraError::Gone) : errorOfMessage(stateError_));
 }
 
 void PipeWireDevice::connectionLost() {

@@ -31,6 +31,7 @@ std::uint32_t numberIn(const spa_dict& properties, const char* key) {
 PipeWireGraph::PipeWireGraph(desktop::Reactor& reactor) : loop_(reactor) { loop_.add(*this); }
 
 PipeWireGraph::~PipeWireGraph() {
+  finishSuspending();
   disconnect();
   loop_.remove(*this);
 }
@@ -92,6 +93,33 @@ const std::string* PipeWireGraph::linkError(std::uint32_t reader) const {
   return nullptr;
 }
 
+void PipeWireGraph::readerLeft(std::uint32_t camera, std::uint32_t reader) {
+  PipeWireNode* node = find(camera);
+  const bool isLast = std::none_of(links_.begin(), links_.end(), [&](const auto& link) {
+    return link->camera() == camera && link->reader() != reader;
+  });
+  if (node && isLast) node->suspendAfter(reader);
+}
+
+std::chrono::milliseconds PipeWireGraph::clearError(PipeWireNode& node) {
+  node.suspendAfter(PW_ID_ANY);
+  sync();
+  return refresh();
+}
+
+// The daemon drops what it has not read of a connection that ends.
+void PipeWireGraph::finishSuspending() {
+  using Clock = std::chrono::steady_clock;
+  const auto isDone = [this] {
+    return std::none_of(nodes_.begin(), nodes_.end(), [](const auto& node) { return node->isSuspendDue(); });
+  };
+  const auto deadline = Clock::now() + kPatience;
+  if (hangs_ || isDone() || !loop_.waitUntil(isDone, kPatience) || !core_) return;
+  sync();
+  loop_.waitUntil([this] { return !core_ || answered_ == awaited_; },
+                  std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()));
+}
+
 void PipeWireGraph::onDone(void* data, std::uint32_t id, int seq) {
   if (id == PW_ID_CORE) static_cast<PipeWireGraph*>(data)->answered_ = seq;
 }
@@ -151,9 +179,12 @@ void PipeWireGraph::dropRemoved() {
 
 void PipeWireGraph::bindAnnounced() {
   bindNodes();
-  for (const auto& link : announcedLinks_)
-    if (find(link.camera))
-      links_.push_back(std::make_unique<PipeWireLink>(registry_.get(), link.globalId, link.reader));
+  for (const auto& [id, camera, reader] : announcedLinks_) {
+    PipeWireNode* node = find(camera);
+    if (!node) continue;
+    node->readerCame(reader);
+    links_.push_back(std::make_unique<PipeWireLink>(registry_.get(), id, camera, reader));
+  }
   announcedLinks_.clear();
 }
 

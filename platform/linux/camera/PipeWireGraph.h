@@ -45,6 +45,10 @@ class PipeWireGraph : private PipeWireClient {
   [[nodiscard]] PipeWireNode* find(std::uint32_t globalId);
   /// Why the camera that this node reads does not deliver; null while all is well.
   [[nodiscard]] const std::string* linkError(std::uint32_t reader) const;
+  /// A reader of ours has left the camera, which lets go of its device if nobody else reads it.
+  void readerLeft(std::uint32_t camera, std::uint32_t reader);
+  /// Takes a camera out of its error state, in which it would stay for some seconds, and refreshes.
+  std::chrono::milliseconds clearError(PipeWireNode& node);
 
   [[nodiscard]] pw_core* core() const { return core_.get(); }
   [[nodiscard]] PipeWireLoop& loop() { return loop_; }
@@ -62,6 +66,7 @@ class PipeWireGraph : private PipeWireClient {
   void bindNodes();
   void dropRemoved();
   void sync();
+  void finishSuspending();
   void disconnect();
 
   PipeWireLoop loop_;

@@ -2,8 +2,10 @@
 
 namespace vistrel::camera {
 
-PipeWireLink::PipeWireLink(pw_registry* registry, std::uint32_t globalId, std::uint32_t reader)
+PipeWireLink::PipeWireLink(pw_registry* registry, std::uint32_t globalId, std::uint32_t camera,
+                           std::uint32_t reader)
     : globalId_(globalId),
+      camera_(camera),
       reader_(reader),
       proxy_(static_cast<pw_link*>(
           pw_registry_bind(registry, globalId, PW_TYPE_INTERFACE_Link, PW_VERSION_LINK, 0))) {

@@ -43,14 +43,20 @@ std::string PipeWireNode::v4l2Path() const {
   return path && path->starts_with(kV4l2Prefix) ? path->substr(kV4l2Prefix.size()) : std::string();
 }
 
-void PipeWireNode::suspendWhenIdle() {
-  isSuspendDue_ = true;
+void PipeWireNode::suspendAfter(std::uint32_t reader) {
+  leaving_ = reader;
   suspendIfDue();
 }
 
+void PipeWireNode::readerCame(std::uint32_t reader) {
+  if (leaving_ != reader) leaving_.reset();
+}
+
+// A camera in error is not read either.
 void PipeWireNode::suspendIfDue() {
-  if (!isSuspendDue_ || !proxy_ || state_ != PW_NODE_STATE_IDLE) return;
-  isSuspendDue_ = false;
+  const bool isUnread = state_ == PW_NODE_STATE_IDLE || state_ == PW_NODE_STATE_ERROR;
+  if (!leaving_ || !proxy_ || !isUnread) return;
+  leaving_.reset();
   const spa_command suspend = SPA_NODE_COMMAND_INIT(SPA_NODE_COMMAND_Suspend);
   pw_node_send_command(proxy_.get(), &suspend);
 }
@@ -87,6 +93,7 @@ void PipeWireNode::recordState(const pw_node_info& info) {
     lastError_ = info.error ? info.error : "";
   }
   state_ = info.state;
+  if (isSuspended()) leaving_.reset();
 }
 
 // The flags of a parameter toggle with each change of its values.

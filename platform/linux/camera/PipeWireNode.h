@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -41,10 +42,12 @@ class PipeWireNode {
   [[nodiscard]] int errorCount() const { return errorCount_; }
   [[nodiscard]] const std::string& lastError() const { return lastError_; }
 
-  /// Has the camera let go of its device as soon as nobody reads it any more: the session manager does that
-  /// some seconds later only. A reader of ours that begins before takes it back.
-  void suspendWhenIdle();
-  void keepAwake() { isSuspendDue_ = false; }
+  /// Has the camera let go of its device once this reader, the last one, has left it: the session manager
+  /// does that some seconds later only. Another reader that comes before takes it back.
+  void suspendAfter(std::uint32_t reader);
+  void readerCame(std::uint32_t reader);
+  void keepAwake() { leaving_.reset(); }
+  [[nodiscard]] bool isSuspendDue() const { return leaving_ && !isSuspended(); }
   /// Outside of the library's callbacks: sends what is due by the state that they recorded.
   void suspendIfDue();
 
@@ -69,7 +72,7 @@ class PipeWireNode {
   bool hasNewFormats_ = false;
   bool areModesOld_ = false;
   pw_node_state state_ = PW_NODE_STATE_CREATING;
-  bool isSuspendDue_ = false;
+  std::optional<std::uint32_t> leaving_;  // the reader after which the camera is suspended
   int errorCount_ = 0;
   std::string lastError_;
 };

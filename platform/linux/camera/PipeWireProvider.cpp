@@ -106,7 +106,11 @@ Result<std::unique_ptr<CaptureDevice>> PipeWireProvider::open(const std::string&
         std::find_if(nodes.begin(), nodes.end(), [&](const auto& n) { return idOf(*n) == id; });
     return found == nodes.end() ? nullptr : found->get();
   };
-  const auto* node = find();
+  auto* node = find();
+  if (node && node->isInError()) {
+    waited += graph_->clearError(*node);
+    node = find();
+  }
   if (node && node->isInError()) return errorOfMessage(node->lastError(), groupOf(node->v4l2Path()));
   const auto answer = node ? askKernel(*node, waited) : std::nullopt;
   node = find();

@@ -17,7 +17,7 @@ TEST(CameraError, IsReadFromWhatADaemonSays) {
       {"Permission denied", "Access to the camera is denied."},
       {"No such device", "The camera is no longer connected."},
       {"no target node available", "The camera is no longer connected."},
-      {"", "The camera is no longer connected."},
+      {"", "The camera reported an error."},
       {"Broken pipe", "The camera reported an error: Broken pipe"},
   };
   for (const auto& [said, text] : cases) EXPECT_EQ(errorOfMessage(said).message, text) << said;
