@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "linux/camera/CameraError.h"
 #include "linux/camera/CaptureStream.h"
 #include "linux/camera/DeviceLocation.h"
 #include "linux/camera/PipeWireProvider.h"
@@ -66,8 +67,9 @@ std::vector<backend::CameraDevice> CameraCenter::devices() {
 }
 
 Result<std::unique_ptr<backend::CameraStream>> CameraCenter::open(const std::string& id) {
-  CameraProvider& provider = v4l2_ ? *v4l2_ : *pipewire_;
-  auto device = provider.open(id);
+  auto* provider = id.starts_with(V4l2Provider::kIdPrefix) ? &v4l2() : pipewire_.get();
+  if (!provider) return errorOf(CameraError::Gone);
+  auto device = provider->open(id);
   if (!device) return device.error();
   auto stream = std::make_unique<CaptureStream>(reactor_, std::move(device).value());
   std::erase_if(streams_, [](const auto& handle) { return handle.expired(); });

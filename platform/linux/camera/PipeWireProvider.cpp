@@ -50,8 +50,11 @@ void PipeWireProvider::readPlaces() {
     const auto known = places_.find(idOf(*node));
     places[idOf(*node)] = known != places_.end() && known->second.device == device
                               ? known->second
-                              : Place{device, pathOf(*node, device),
-                                      device.empty() ? "" : usbProductOf(device), isBuiltIn(*node, device)};
+                              : Place{device,
+                                      pathOf(*node, device),
+                                      device.empty() ? "" : usbProductOf(device),
+                                      isBuiltIn(*node, device),
+                                      {}};
   }
   places_ = std::move(places);
 }
@@ -86,16 +89,25 @@ std::vector<CameraEntry> PipeWireProvider::cameras() {
   return entries;
 }
 
-// While PipeWire itself holds the device, the kernel's answer would be about that.
 std::optional<V4l2Answer> PipeWireProvider::askKernel(const PipeWireNode& node,
                                                       std::chrono::milliseconds& waited) {
   const auto device = node.v4l2Path();
-  if (device.empty() || !node.isSuspended() || waited >= kPatience) return std::nullopt;
+  if (device.empty() || waited >= kPatience) return std::nullopt;
   const auto asked = system_.now();
-  auto answer = askV4l2(system_, device, asked + kPatience - waited);
+  const auto question = node.isSuspended() ? V4l2Asked::All : V4l2Asked::Source;
+  auto answer = askV4l2(system_, device, question, asked + kPatience - waited);
   waited += std::chrono::ceil<std::chrono::milliseconds>(system_.now() - asked);
   if (answer && answer->isBusy) waited += graph_->refresh();
   return answer;
+}
+
+// A kernel that does not answer in time does not undo what it said before.
+std::optional<PixelSize> PipeWireProvider::sourceSizeOf(const std::string& id,
+                                                        const std::optional<V4l2Answer>& answer) {
+  const auto place = places_.find(id);
+  if (place == places_.end()) return answer ? answer->sourceSize : std::nullopt;
+  if (answer && answer->sourceSize) place->second.sourceSize = answer->sourceSize;
+  return place->second.sourceSize;
 }
 
 Result<std::unique_ptr<CaptureDevice>> PipeWireProvider::open(const std::string& id) {
@@ -118,7 +130,7 @@ Result<std::unique_ptr<CaptureDevice>> PipeWireProvider::open(const std::string&
   // A reader that came meanwhile has PipeWire hold the device, and shares it.
   if (answer && answer->isBusy && node->isSuspended()) return errorOf(CameraError::Busy);
   return std::unique_ptr<CaptureDevice>(
-      std::make_unique<PipeWireDevice>(graph_, *node, answer ? answer->sourceSize : std::nullopt, waited));
+      std::make_unique<PipeWireDevice>(graph_, *node, sourceSizeOf(id, answer), waited));
 }
 
 }  // namespace vistrel::camera

@@ -29,12 +29,16 @@ class PipeWireProvider final : public CameraProvider {
     std::string path;
     std::string usbProduct;
     bool isBuiltIn = false;
+    std::optional<PixelSize> sourceSize;  ///< as it was told at the last opening
   };
 
   void readPlaces();
   [[nodiscard]] bool isSeenThroughV4l2(const PipeWireNode& node) const;
   [[nodiscard]] std::optional<V4l2Answer> askKernel(const PipeWireNode& node,
                                                     std::chrono::milliseconds& waited);
+
+  [[nodiscard]] std::optional<PixelSize> sourceSizeOf(const std::string& id,
+                                                      const std::optional<V4l2Answer>& answer);
 
   std::shared_ptr<PipeWireGraph> graph_;
   V4l2System& system_;

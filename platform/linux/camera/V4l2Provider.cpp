@@ -73,7 +73,7 @@ void V4l2Provider::look(const std::string& path) {
 }
 
 std::string V4l2Provider::idOf(const std::string& path, const Node& node) {
-  return "v4l2:" + path + "#" + std::to_string(node.arrivals);
+  return std::string(kIdPrefix) + path + "#" + std::to_string(node.arrivals);
 }
 
 }  // namespace vistrel::camera

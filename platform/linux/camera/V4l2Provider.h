@@ -3,6 +3,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "linux/Reactor.h"
 #include "linux/camera/CameraProvider.h"
@@ -18,6 +19,9 @@ namespace vistrel::camera {
 /// most however often its node changes meanwhile, and is listed when it has.
 class V4l2Provider final : public CameraProvider {
  public:
+  /// What the identifiers of these cameras begin with.
+  static constexpr std::string_view kIdPrefix = "v4l2:";
+
   /// `folder` is where the nodes appear.
   V4l2Provider(desktop::Reactor& reactor, V4l2System& system, const std::string& folder);
 

@@ -1,5 +1,6 @@
 #include "linux/camera/V4l2Question.h"
 
+#include <cerrno>
 #include <condition_variable>
 #include <memory>
 #include <mutex>
@@ -18,21 +19,22 @@ struct Question {
   std::optional<V4l2Answer> answer;
 };
 
-std::optional<V4l2Answer> answerOf(V4l2System& system, const std::string& path) {
+std::optional<V4l2Answer> answerOf(V4l2System& system, const std::string& path, V4l2Asked asked) {
   const int fd = system.open(path);
+  if (fd == -EBUSY) return V4l2Answer{true, {}};
   if (fd < 0) return std::nullopt;
-  const V4l2Answer answer{isBusy(system, fd), sourceSizeOf(system, fd)};
+  const V4l2Answer answer{asked == V4l2Asked::All && isBusy(system, fd), sourceSizeOf(system, fd)};
   system.close(fd);
   return answer;
 }
 
 }  // namespace
 
-std::optional<V4l2Answer> askV4l2(V4l2System& system, const std::string& path,
+std::optional<V4l2Answer> askV4l2(V4l2System& system, const std::string& path, V4l2Asked asked,
                                   V4l2System::Clock::time_point deadline) {
   const auto question = std::make_shared<Question>();
-  auto thread = desktop::startThread([question, &system, path] {
-    const auto answer = answerOf(system, path);
+  auto thread = desktop::startThread([question, &system, path, asked] {
+    const auto answer = answerOf(system, path, asked);
     const std::lock_guard lock(question->mutex);
     question->answer = answer;
     question->isAnswered = true;

@@ -2,6 +2,7 @@
 #include <fstream>
 
 #include "linux/camera/CaptureStream.h"
+#include "linux/camera/V4l2Question.h"
 #include "tests/unit/linux/NoThreads.h"
 #include "tests/unit/linux/camera/V4l2Fixture.h"
 
@@ -118,6 +119,27 @@ TEST_F(V4l2Test, TellsWhyACameraCannotBeOpened) {
   makeProvider();
   for (int i = 0; i < 6; ++i) EXPECT_EQ(openError(idOf(i)), texts[i]) << i;
   EXPECT_EQ(system_.openCount(), 0);
+}
+
+TEST_F(V4l2Test, AnswersForADeviceThatSomebodyElseIsToOpen) {
+  struct Case {
+    ScriptedNode node;
+    V4l2Asked asked;
+    std::optional<bool> isBusy;
+    std::optional<PixelSize> source;
+  } const cases[] = {
+      {{.source = {1280, 720}}, V4l2Asked::All, false, PixelSize{1280, 720}},
+      {{.buffersResult = -EBUSY}, V4l2Asked::All, true, {}},
+      {{.buffersResult = -EBUSY, .source = {1280, 720}}, V4l2Asked::Source, false, PixelSize{1280, 720}},
+      {{.openResult = -EBUSY}, V4l2Asked::All, true, {}},
+      {{.openResult = -EACCES}, V4l2Asked::All, {}, {}},
+  };
+  for (const Case& c : cases) {
+    system_.script[node(0)] = c.node;
+    const auto answer = askV4l2(system_, node(0), c.asked, system_.now() + kPatience);
+    EXPECT_EQ(answer ? std::optional(answer->isBusy) : std::nullopt, c.isBusy) << c.node.openResult;
+    EXPECT_EQ(answer ? answer->sourceSize : std::nullopt, c.source);
+  }
 }
 
 TEST_F(V4l2Test, ACameraWithoutAThreadFailsWithItsReason) {
