@@ -177,13 +177,7 @@ void PipeWireDevice::onRemoveBuffer(void* data, pw_buffer* buffer) {
 
 void PipeWireDevice::onProcess(void* data) {
   auto& device = *static_cast<PipeWireDevice*>(data);
-  auto* stream = device.stream_.get();
-  pw_buffer* newest = nullptr;
-  while (auto* buffer = pw_stream_dequeue_buffer(stream)) {
-    if (newest) pw_stream_queue_buffer(stream, newest);
-    newest = buffer;
-  }
-  if (newest) device.hold(newest);
+  while (auto* buffer = pw_stream_dequeue_buffer(device.stream_.get())) device.hold(buffer);
 }
 
 void PipeWireDevice::hold(pw_buffer* buffer) {

@@ -117,6 +117,12 @@ void appendSizes(const spa_pod* offer, const VideoMode& pattern, std::vector<Vid
   }
 }
 
+// Lines that are woven already show an interlaced picture well enough.
+bool comesInHalves(const spa_pod* format) {
+  const auto mode = valueOf<std::uint32_t>(format, SPA_FORMAT_VIDEO_interlaceMode, SPA_TYPE_Id);
+  return mode && *mode > SPA_VIDEO_INTERLACE_MODE_MIXED;
+}
+
 SourceColor colorOf(const spa_pod* format) {
   const auto range = valueOf<std::uint32_t>(format, SPA_FORMAT_VIDEO_colorRange, SPA_TYPE_Id);
   const auto matrix = valueOf<std::uint32_t>(format, SPA_FORMAT_VIDEO_colorMatrix, SPA_TYPE_Id);
@@ -202,7 +208,7 @@ std::optional<AgreedFormat> agreedFormat(const spa_pod* format) {
   if (!format || spa_format_parse(format, &type, &subtype) < 0 || type != SPA_MEDIA_TYPE_video)
     return std::nullopt;
   const auto size = valueOf<spa_rectangle>(format, SPA_FORMAT_VIDEO_size, SPA_TYPE_Rectangle);
-  if (!size) return std::nullopt;
+  if (!size || comesInHalves(format)) return std::nullopt;
   if (subtype == SPA_MEDIA_SUBTYPE_mjpg) {
     return AgreedFormat{PixelFormat::Mjpeg, sizeOf(*size), decideColor(PixelFormat::Mjpeg, {})};
   }

@@ -23,6 +23,7 @@ struct AgreedFormat {
   PixelSize size;
   YuvColor color = YuvColor::Bt601Limited;
 };
+/// None when its frames cannot be shown.
 [[nodiscard]] std::optional<AgreedFormat> agreedFormat(const spa_pod* format);
 
 /// The memory that a stream takes its frames in.

@@ -1,13 +1,15 @@
 #include "linux/camera/VideoMode.h"
 
 #include <gtest/gtest.h>
+#include <linux/videodev2.h>
 #include <spa/param/format.h>
 #include <spa/param/param.h>
-#include <spa/param/video/raw.h>
+#include <spa/param/video/format-utils.h>
 #include <spa/pod/builder.h>
 
 #include "linux/camera/Picture.h"
 #include "linux/camera/PipeWireFormats.h"
+#include "linux/camera/V4l2Formats.h"
 
 namespace vistrel::camera {
 namespace {
@@ -103,6 +105,26 @@ TEST(Color, IsDecidedByFormatAndSource) {
   EXPECT_EQ(decideColor(Yuy2, {}), YuvColor::Bt601Limited);
   EXPECT_EQ(decideColor(Nv12, {ColorRange::Full, ColorMatrix::Unknown}), YuvColor::Bt601Full);
   EXPECT_EQ(decideColor(Nv12, {ColorRange::Unknown, ColorMatrix::Bt709}), YuvColor::Bt709Limited);
+}
+
+TEST(Color, IsWhatV4l2SaysOfTheFormat) {
+  struct Case {
+    std::uint32_t colorspace, encoding, quantization;
+    YuvColor color;
+  } const cases[] = {
+      {V4L2_COLORSPACE_JPEG, 0, V4L2_QUANTIZATION_DEFAULT, YuvColor::Bt601Full},
+      {V4L2_COLORSPACE_JPEG, 0, V4L2_QUANTIZATION_LIM_RANGE, YuvColor::Bt601Limited},
+      {V4L2_COLORSPACE_SRGB, 0, V4L2_QUANTIZATION_FULL_RANGE, YuvColor::Bt601Full},
+      {V4L2_COLORSPACE_REC709, 0, V4L2_QUANTIZATION_DEFAULT, YuvColor::Bt709Limited},
+      {V4L2_COLORSPACE_REC709, V4L2_YCBCR_ENC_601, V4L2_QUANTIZATION_DEFAULT, YuvColor::Bt601Limited},
+  };
+  for (const Case& c : cases) {
+    v4l2_pix_format format{};
+    format.colorspace = c.colorspace;
+    format.ycbcr_enc = c.encoding;
+    format.quantization = c.quantization;
+    EXPECT_EQ(decideColor(Yuy2, colorOf(format)), c.color) << c.colorspace << ' ' << c.quantization;
+  }
 }
 
 // An offer as PipeWire's V4L2 cameras make it: one subtype, several formats, sizes and rates.
@@ -244,6 +266,24 @@ TEST(PipeWireFormats, AgreeOnWhatIsOffered) {
     EXPECT_EQ(agreed->size, k720);
   }
   EXPECT_FALSE(agreedFormat(nullptr));
+}
+
+TEST(PipeWireFormats, AgreeOnWovenFieldsButNotOnSingleOnes) {
+  const std::pair<spa_video_interlace_mode, bool> cases[] = {{SPA_VIDEO_INTERLACE_MODE_PROGRESSIVE, true},
+                                                             {SPA_VIDEO_INTERLACE_MODE_INTERLEAVED, true},
+                                                             {SPA_VIDEO_INTERLACE_MODE_MIXED, true},
+                                                             {SPA_VIDEO_INTERLACE_MODE_FIELDS, false}};
+  for (const auto& [mode, isShown] : cases) {
+    std::array<std::uint8_t, 512> memory{};
+    spa_pod_builder builder{};
+    spa_pod_builder_init(&builder, memory.data(), memory.size());
+    spa_video_info_raw info{};
+    info.format = SPA_VIDEO_FORMAT_YUY2;
+    info.size = {1280, 720};
+    info.interlace_mode = mode;
+    const auto agreed = agreedFormat(spa_format_video_raw_build(&builder, SPA_PARAM_Format, &info));
+    EXPECT_EQ(agreed.has_value(), isShown) << mode;
+  }
 }
 
 }  // namespace
