@@ -63,6 +63,7 @@ class NSPopover : public NSObject, public backend::OutsidePressClient {
   [[nodiscard]] NSWindow* window() const;
 
   // backend::OutsidePressClient
+  void pressBegan() override {}
   void pressedOutside(Point location) override;
 
   // From the popover's window.

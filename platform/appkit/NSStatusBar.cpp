@@ -41,7 +41,8 @@ class NSStatusBar::PressWatch final : public backend::OutsidePressClient {
   PressWatch(const PressWatch&) = delete;
   PressWatch& operator=(const PressWatch&) = delete;
   ~PressWatch() override { backend::current().windows().setOutsidePressClient(nullptr); }
-  void pressedOutside(Point /*location*/) override { bar_.closingPress_.reset(); }
+  void pressBegan() override { bar_.closingPress_.reset(); }
+  void pressedOutside(Point /*location*/) override {}
 
   /// Hosts tell of a click at its release, and not where it was; the pointer may be anywhere by then. Where
   /// the icon is may not be known.

@@ -84,7 +84,9 @@ class NativeWindow {
 class OutsidePressClient {
  public:
   virtual ~OutsidePressClient() = default;
-  /// A button went down outside all of the program's windows and menus.
+  /// A button went down, who knows where. Told before the click that comes of it, however quick that is.
+  virtual void pressBegan() = 0;
+  /// A button went down outside all of the program's windows and menus. Told once that is certain.
   virtual void pressedOutside(Point location) = 0;
 };
 

@@ -44,6 +44,7 @@ SimulatedWindow& SimulatedWindows::titled(const std::string& title) const {
 }
 
 void SimulatedWindows::pressOutside(Point location) {
+  if (outsideClient_) outsideClient_->pressBegan();
   if (outsideClient_) outsideClient_->pressedOutside(location);
 }
 

@@ -5,7 +5,7 @@ import unittest
 
 from stage.desktop import WATCHER, GLib
 from stage.processes import wait_until
-from tests.desktop.harness import CHECKING, REFRESHED, SAVING, DesktopTest, plain
+from tests.desktop.harness import CHECKING, REFRESHED, SAVING, STARTED, DesktopTest, plain
 
 CAMERAS = ("First Camera", "Second Camera")
 ABOUT, QUIT = 2, 4  # after the cameras
@@ -78,7 +78,39 @@ class MenuRules:
         self.open(vistrel)
 
 
-class MenuUnderPanelTest(MenuRules, DesktopTest):
+class ClosingPresses:
+    """The press that closes the mirror or a menu and the click that it belongs to, which some hosts tell earlier."""
+
+    def test_every_click_after_another_press_closed_the_mirror_opens_it(self):
+        camera = self.desktop.camera()
+        vistrel = self.start({"dismissPreference": 1})
+        self.open(vistrel)
+        vistrel.click(button=2)
+        self.wait_closed(camera)
+        self.open(vistrel)
+        self.screen.key("Down")  # the view's own menu, which the press closes, too
+        vistrel.menu_rows()
+        vistrel.click()
+        vistrel.wait_no_menu()
+        self.wait_closed(camera)
+        self.open(vistrel)
+
+    def test_the_click_that_closes_a_menu_of_the_programs_own_opens_nothing(self):
+        camera = self.desktop.camera()
+        vistrel = self.start({"dismissPreference": 1})
+        with self.screen.holding("Control_L"):
+            vistrel.click()
+            vistrel.menu_rows()
+        self.screen.ask("press", 1)
+        vistrel.wait_no_menu()
+        self.screen.ask("release", 1)
+        self.open(vistrel)
+        vistrel.click()
+        self.wait_closed(camera)
+        self.assertEqual(vistrel.lines.count(STARTED), 1)
+
+
+class MenuUnderPanelTest(MenuRules, ClosingPresses, DesktopTest):
     def test_a_camera_that_came_is_listed_once_the_showing_before_has_ended(self):
         self.desktop.camera(name=CAMERAS[0], node="first")
         vistrel = self.start()
@@ -111,22 +143,34 @@ class MenuUnderPanelTest(MenuRules, DesktopTest):
         return [row[1].get(fact) for row in layout[2]]
 
 
-class MenuUnderTrayerTest(MenuRules, DesktopTest):
+class MenuUnderTrayerTest(MenuRules, ClosingPresses, DesktopTest):
     stage = {"host": "trayer"}
 
-    def test_every_click_after_another_press_closed_the_mirror_opens_it(self):
-        camera = self.plug()[0]
-        vistrel = self.start({"dismissPreference": 1})
-        self.open(vistrel)
-        vistrel.click(button=2)
-        self.wait_closed(camera)
-        self.open(vistrel)
-        self.screen.key("Down")  # the view's own menu, which the press closes, too
-        vistrel.menu_rows()
-        vistrel.click()
+    def test_without_a_camera_a_menu_begins_with_its_separator(self):
+        vistrel = self.start()
+        vistrel.click(button=3)
+        self.assertTrue(self.has_line_above(vistrel))
+        self.screen.key("Escape")
         vistrel.wait_no_menu()
-        self.wait_closed(camera)
-        self.open(vistrel)
+        vistrel.click()
+        wait_until(lambda: vistrel.windows(name="Vistrel"), "the mirror")
+        self.screen.key("Down")
+        self.assertTrue(self.has_line_above(vistrel))
+
+    def has_line_above(self, vistrel):
+        """Whether a line lies between the menu's frame and its first text."""
+        vistrel.menu_rows(3)
+        x, y, _width, _height = vistrel.menu()
+        column = [self.screen.color((x + 8, row)) for row in range(y + 1, y + 12)]  # where no text begins
+        return any(above == below != line for above, line, below in zip(column, column[1:], column[2:]))
+
+
+class MenuUnderPanelAndXfwmTest(ClosingPresses, DesktopTest):
+    stage = {"manager": "xfwm4"}
+
+
+class MenuUnderTrayerAndXfwmTest(ClosingPresses, DesktopTest):
+    stage = {"host": "trayer", "manager": "xfwm4"}
 
 
 class ScriptedHostTest(DesktopTest):
@@ -187,11 +231,12 @@ class ScriptedHostTest(DesktopTest):
         self.send(0, "opened")
         self.wait_closed(self.cameras[0])
         self.assertFalse([line for line in vistrel.lines if line.startswith(CHECKING)])
+        self.desktop.camera(name="Third Camera", node="scripted-T")
         self.send(0, "closed")
         since = vistrel.wait_line(CHECKING)
-        self.menu("AboutToShow", "(i)", 0)
+        self.menu("AboutToShow", "(i)", 0)  # at once: the rows are those of the last build all the same
         rows = self.menu("GetLayout", "(iias)", 0, -1, ["label", "toggle-state"])[1][2]
-        self.assertEqual([row[1].get("toggle-state") for row in rows[:2]], [1, 0])
+        self.assertEqual([row[1].get("toggle-state") for row in rows[:3]], [1, 0, 0])
         second = next(row[0] for row in rows if row[1].get("label") == CAMERAS[1])
         self.send(second, "clicked")
         self.send(0, "closed")
@@ -202,7 +247,7 @@ class ScriptedHostTest(DesktopTest):
         closings = [line for line in vistrel.lines if line.startswith(CHECKING)]
         self.assertEqual(len(closings), 3)  # two showings, and the check mark that moved
         self.item("ContextMenu")
-        vistrel.choose(ABOUT)
+        vistrel.choose(ABOUT + 1)  # after the third camera
         wait_until(lambda: vistrel.windows(name="About Vistrel"), "the window that was chosen")
 
 

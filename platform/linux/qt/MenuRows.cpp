@@ -4,6 +4,7 @@
 #include <QList>
 #include <QMenu>
 #include <QScreen>
+#include <QStyle>
 #include <QTextBoundaryFinder>
 #include <algorithm>
 #include <vector>
@@ -16,6 +17,9 @@ namespace {
 
 // What a person sees as one character counts as one.
 constexpr int kLongestRow = 60;
+
+// Between the frame and the first and last row, in points.
+constexpr int kRoomAtTheFrame = 3;
 
 bool breaksTheLine(QChar c) {
   return c.category() == QChar::Other_Control || c == QChar::LineSeparator || c == QChar::ParagraphSeparator;
@@ -74,8 +78,17 @@ QString labelForBusMenu(const QString& text) {
   return label;
 }
 
+// Some styles draw the frame over the first line.
+void keepSeparators(QMenu& native) {
+  native.setSeparatorsCollapsible(false);
+  const int frame = native.style()->pixelMetric(QStyle::PM_MenuPanelWidth, nullptr, &native) +
+                    native.style()->pixelMetric(QStyle::PM_MenuVMargin, nullptr, &native);
+  const int room = std::max(0, kRoomAtTheFrame - frame);
+  native.setContentsMargins(0, room, 0, room);
+}
+
 void addRows(QMenu& native, const NSMenu& menu, std::size_t first, const MenuItemChosen& chosen) {
-  native.setSeparatorsCollapsible(false);  // a menu may begin with one
+  keepSeparators(native);
   const auto& items = menu.itemArray();
   for (std::size_t i = first; i < items.size(); ++i) addRow(native, items[i], chosen);
 }

@@ -22,6 +22,9 @@ using MenuItemChosen = std::function<void(const std::shared_ptr<NSMenuItem>&)>;
 /// the menu has said that it hides.
 void addRows(QMenu& native, const NSMenu& menu, std::size_t first, const MenuItemChosen& chosen);
 
+/// Has `native` show every separator, one that it begins with too, as a menu without a camera does.
+void keepSeparators(QMenu& native);
+
 /// Where a menu of that size lies at `anchor`: under it where its screen has the room, else above it, with
 /// that edge along the anchor's.
 enum class MenuEdge { Left, Right };

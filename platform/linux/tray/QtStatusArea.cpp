@@ -38,6 +38,7 @@ bool tellsPixels() {
 
 QtStatusArea::QtStatusArea(backend::Session& session, x11::X11Connection& x11, HostMessages& messages)
     : session_(session),
+      x11_(x11),
       messages_(messages),
       hostMenu_(x11),
       isPointerStale_(x11.isOpen() && x11::isXWayland(x11.get())),
@@ -136,7 +137,13 @@ void QtStatusArea::pressed(QSystemTrayIcon::ActivationReason reason) {
   }
 }
 
+// The host has told of the click on the bus; the X server has told of its press before, but the word may lie
+// unread.
 void QtStatusArea::report(backend::PointerButton button) {
+  if (x11_.isOpen()) {
+    x11_.readEvents();
+    x11_.deliver();
+  }
   const Point location = rememberPress();
   icon_->menu().endShowing();
   if (client_) client_->statusIconPressed(button, heldModifiers(), location);

@@ -54,6 +54,7 @@ class QtStatusArea final : public backend::StatusArea {
 
   backend::Session& session_;
   backend::StatusAreaClient* client_ = nullptr;
+  x11::X11Connection& x11_;
   HostMessages& messages_;
   x11::HostMenuWatch hostMenu_;
   /// The X server of a Wayland session hears nothing of the pointer while it is over the panel.

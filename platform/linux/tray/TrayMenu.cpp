@@ -40,7 +40,7 @@ bool isAlternative(const NSMenuItem& item, const NSMenu& menu) {
 }  // namespace
 
 TrayMenu::TrayMenu(Handlers handlers) : handlers_(std::move(handlers)) {
-  native_.setSeparatorsCollapsible(false);  // without a camera the menu begins with one
+  qt::keepSeparators(native_);
   rows_.push_back(makeRow(kPlaceholder));
   rows_.back().action->setEnabled(false);
   native_.addAction(rows_.back().action);
@@ -63,7 +63,7 @@ void TrayMenu::begin() {
   settling_.reset();
   phase_ = Phase::Beginning;
   handlers_.willOpen();
-  if (upcoming_ && (!isDrawnByHost() || hasRows(keysOf(*upcoming_)))) apply();
+  if (upcoming_ && (hasRows(keysOf(*upcoming_)) || !isDrawnByHost() || !handlers_.isHostMenuSeen())) apply();
   phase_ = Phase::Showing;
 }
 

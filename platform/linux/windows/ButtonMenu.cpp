@@ -1,6 +1,7 @@
 #include "linux/windows/ButtonMenu.h"
 
 #include <QGuiApplication>
+#include <algorithm>
 #include <utility>
 
 #include "appkit/NSMenu.h"
@@ -23,7 +24,9 @@ ButtonMenu::ButtonMenu(QWidget& opener, const std::shared_ptr<NSMenu>& menu, std
 
 void ButtonMenu::popUpBeside(const QRect& anchor, OpenedBy opener) {
   popup(qt::placeBeside(anchor, sizeHint(), qt::MenuEdge::Right));
-  if (opener == OpenedBy::Keyboard && !actions().isEmpty()) setActiveAction(actions().constFirst());
+  const auto rows = actions();
+  const auto first = std::find_if(rows.begin(), rows.end(), [](auto* row) { return !row->isSeparator(); });
+  if (opener == OpenedBy::Keyboard && first != rows.end()) setActiveAction(*first);
 }
 
 }  // namespace vistrel::windows

@@ -63,6 +63,8 @@ void OutsidePresses::note(const QWindow& window, const QMouseEvent& press) {
 // Where the pointer is by now tells nothing: a quick hand has moved on, and a menu may have closed.
 void OutsidePresses::pressed(const x11::RawPress& press) {
   if (!isLater(press.time, watchedSince_)) return;  // it may be what opened the popover
+  client_->pressBegan();
+  if (!client_) return;
   const QPoint place = qt::fromPixels({press.x, press.y});
   QTimer::singleShot(kPatience, this, [this, watch = watch_, time = press.time, place] {
     if (watch == watch_) judge(time, place);
