@@ -75,9 +75,21 @@ void conflictCheck(benchmark::State& state) {
   }
 }
 
+// The present desktop's: it is asked anew for each key pressed.
+void desktopShortcuts(benchmark::State& state) {
+  desktop::PollReactor reactor;
+  x11::X11Connection connection(reactor);
+  const x11::X11Connection toolkit(reactor);
+  const keyboard::HotKeyGrabs hotKeys(connection);
+  keyboard::X11Keyboard keyboard(connection, toolkit.get(), hotKeys);
+  if (!keyboard.symbolicHotKeys()) return state.SkipWithError("no desktop; give it a DISPLAY");
+  for ([[maybe_unused]] auto _ : state) benchmark::DoNotOptimize(keyboard.symbolicHotKeys());
+}
+
 BENCHMARK(releaseToAction)->Unit(benchmark::kMicrosecond);
 BENCHMARK(translation)->Unit(benchmark::kMicrosecond);
 BENCHMARK(conflictCheck)->Unit(benchmark::kMillisecond);
+BENCHMARK(desktopShortcuts)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 }  // namespace
 }  // namespace vistrel::bench

@@ -4,6 +4,7 @@
 #include <linux/input-event-codes.h>
 
 #include <algorithm>
+#include <iterator>
 #include <span>
 #include <string>
 
@@ -52,6 +53,35 @@ constexpr KeyName kQtKeys[] = {
     {"volume mute", XKB_KEY_XF86AudioMute},
 };
 
+constexpr std::uint32_t kQtKeyBits = 0x01FFFFFF;
+struct QtModifierBit {
+  std::uint32_t number;
+  std::uint32_t bit;
+};
+constexpr QtModifierBit kQtModifierBits[] = {
+    {0x02000000, shiftKey}, {0x04000000, controlKey}, {0x08000000, optionKey}, {0x10000000, cmdKey}};
+
+// Keys that print nothing have numbers of their own; those of printed characters are Unicode's.
+struct QtKeyNumber {
+  std::uint32_t number;
+  xkb_keysym_t symbol;
+};
+constexpr std::uint32_t kFirstQtKeyNumber = 0x01000000;
+constexpr std::uint32_t kQtF1 = 0x01000030;
+constexpr std::uint32_t kQtF35 = 0x01000052;
+constexpr QtKeyNumber kQtKeyNumbers[] = {
+    {0x01000000, XKB_KEY_Escape},        {0x01000001, XKB_KEY_Tab},
+    {0x01000002, XKB_KEY_Tab},           {0x01000003, XKB_KEY_BackSpace},
+    {0x01000004, XKB_KEY_Return},        {0x01000005, XKB_KEY_KP_Enter},
+    {0x01000006, XKB_KEY_Insert},        {0x01000007, XKB_KEY_Delete},
+    {0x01000010, XKB_KEY_Home},          {0x01000011, XKB_KEY_End},
+    {0x01000012, XKB_KEY_Left},          {0x01000013, XKB_KEY_Up},
+    {0x01000014, XKB_KEY_Right},         {0x01000015, XKB_KEY_Down},
+    {0x01000016, XKB_KEY_Page_Up},       {0x01000017, XKB_KEY_Page_Down},
+    {0x01000058, XKB_KEY_Help},          {0x01000070, XKB_KEY_XF86AudioLowerVolume},
+    {0x01000071, XKB_KEY_XF86AudioMute}, {0x01000072, XKB_KEY_XF86AudioRaiseVolume},
+};
+
 std::string lowerCased(std::string_view text) {
   std::string result(text);
   std::transform(result.begin(), result.end(), result.begin(),
@@ -87,6 +117,15 @@ xkb_keysym_t keySymbol(std::span<const KeyName> names, std::string_view name) {
   return xkb_keysym_to_lower(xkb_keysym_from_name(exact.c_str(), XKB_KEYSYM_CASE_INSENSITIVE));
 }
 
+xkb_keysym_t symbolOfQtKey(std::uint32_t number) {
+  if (number == 0) return XKB_KEY_NoSymbol;
+  if (number < kFirstQtKeyNumber) return xkb_keysym_to_lower(xkb_utf32_to_keysym(number));
+  if (number >= kQtF1 && number <= kQtF35) return XKB_KEY_F1 + (number - kQtF1);
+  const auto* key = std::find_if(std::begin(kQtKeyNumbers), std::end(kQtKeyNumbers),
+                                 [&](const QtKeyNumber& k) { return k.number == number; });
+  return key == std::end(kQtKeyNumbers) ? xkb_keysym_t{XKB_KEY_NoSymbol} : key->symbol;
+}
+
 std::optional<Accelerator> withSymbol(xkb_keysym_t symbol, std::uint32_t modifiers) {
   if (symbol == XKB_KEY_NoSymbol) return std::nullopt;
   return Accelerator{symbol, modifiers};
@@ -119,6 +158,17 @@ std::optional<Accelerator> parseQtAccelerator(std::string_view text) {
     text.remove_prefix(plus + 1);
   }
   return withSymbol(keySymbol(kQtKeys, text), modifiers);
+}
+
+std::optional<Accelerator> acceleratorOfQtNumber(std::uint32_t number) {
+  std::uint32_t modifiers = 0;
+  auto key = number;
+  for (const auto& modifier : kQtModifierBits) {
+    if ((number & modifier.number) != 0) modifiers |= modifier.bit;
+    key &= ~modifier.number;
+  }
+  if (key > kQtKeyBits) return std::nullopt;
+  return withSymbol(symbolOfQtKey(key), modifiers);
 }
 
 }  // namespace vistrel::keyboard

@@ -23,4 +23,7 @@ struct Accelerator {
 /// Reads "Meta+Ctrl+D", as Qt and KDE write it; none for what is malformed or unknown.
 [[nodiscard]] std::optional<Accelerator> parseQtAccelerator(std::string_view text);
 
+/// Reads a number of KDE's: Qt's for the key, with its modifiers in the upper bits; none for an unknown key.
+[[nodiscard]] std::optional<Accelerator> acceleratorOfQtNumber(std::uint32_t number);
+
 }  // namespace vistrel::keyboard

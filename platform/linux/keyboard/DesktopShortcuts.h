@@ -20,7 +20,8 @@ using Accelerators = std::vector<Accelerator>;
 [[nodiscard]] std::optional<Accelerators> readMateShortcuts();
 /// The shortcuts of an Xfce desktop, from its settings daemon; none where it does not answer.
 [[nodiscard]] std::optional<Accelerators> readXfceShortcuts();
-/// The shortcuts of a KDE desktop, from its "kglobalshortcutsrc"; none where there is no such file.
+/// The shortcuts of a KDE desktop, from its shortcut service while that runs, else from its
+/// "kglobalshortcutsrc"; none where there is neither.
 [[nodiscard]] std::optional<Accelerators> readKdeShortcuts();
 
 /// The shortcuts in the text of a "kglobalshortcutsrc"; a malformed one is left out.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <thread>
 
 #include "KeyboardShortcuts/CarbonKeyboardShortcuts.h"
 #include "linux/keyboard/SessionBus.h"
@@ -153,6 +154,55 @@ TEST_F(KeyboardTest, KnowsTheShortcutsOfThePresentDesktop) {
       EXPECT_FALSE(Shortcut(code, modifiers).isTakenBySystem()) << row.desktop << code;
     }
   }
+}
+
+/// Stands in for KDE's service: the window manager has two shortcuts, and the portal has bound one for
+/// Vistrel.
+class KdeService {
+ public:
+  KdeService() {
+    process_ = g_subprocess_new(G_SUBPROCESS_FLAGS_NONE, nullptr, "/usr/bin/python3", "-m", "dbusmock", kName,
+                                "/kglobalaccel", "org.kde.KGlobalAccel", nullptr);
+    while (!bus_.hasOwner(kName)) std::this_thread::yield();
+    mock("AddMethod", g_variant_new("(sssss)", "", "allComponents", "", "ao", "ret = ['/kwin', '/ours']"));
+    addComponent("/kwin", "'kwin', 'KWin', 'default', '', [0x09000033, 0x11000016], [0x11000017]");
+    addComponent("/ours", "'org.vistrel.Vistrel', '', 'default', '', [0x0C00005A], []");
+  }
+  KdeService(const KdeService&) = delete;
+  KdeService& operator=(const KdeService&) = delete;
+  ~KdeService() {
+    g_subprocess_force_exit(process_);
+    g_subprocess_wait(process_, nullptr, nullptr);
+    g_object_unref(process_);
+  }
+
+ private:
+  void mock(const char* method, GVariant* arguments) {
+    EXPECT_TRUE(bus_.call(kName, "/kglobalaccel", "org.freedesktop.DBus.Mock", method, arguments)) << method;
+  }
+  void addComponent(const char* path, const std::string& action) {
+    const std::string answer = "ret = [('name', 'title', " + action + ")]";
+    const auto* object =
+        "(%s, 'org.kde.kglobalaccel.Component', @a{sv} {}, "
+        "[('allShortcutInfos', '', 'a(ssssssaiai)', %s)])";
+    mock("AddObject", g_variant_new_parsed(object, path, answer.c_str()));
+  }
+
+  static constexpr const char* kName = "org.kde.kglobalaccel";
+  SessionBus bus_;
+  GSubprocess* process_;
+};
+
+TEST_F(KeyboardTest, AsksKdesServiceWhereItRuns) {
+  ::setenv("XDG_CURRENT_DESKTOP", "KDE", 1);
+  write(settingsFolder() / "kglobalshortcutsrc", "[kwin]\nKill=Meta+Ctrl+D,none,Kill\n");
+  const Shortcut inFile(kVK_ANSI_D, controlKey | cmdKey);
+  EXPECT_TRUE(inFile.isTakenBySystem());
+  const KdeService service;
+  for (const auto& taken : {Shortcut(kVK_F4, optionKey), Shortcut(kVK_PageUp, cmdKey)})
+    EXPECT_TRUE(taken.isTakenBySystem()) << taken.description();
+  for (const auto& free : {inFile, Shortcut(kVK_PageDown, cmdKey), Shortcut(kVK_ANSI_Z, kControlOption)})
+    EXPECT_FALSE(free.isTakenBySystem()) << free.description();
 }
 
 TEST_F(KeyboardTest, FindsTheDesktopThatRuns) {

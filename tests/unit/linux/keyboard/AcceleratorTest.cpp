@@ -56,6 +56,24 @@ TEST(AcceleratorTest, ReadsWhatQtWrites) {
   for (const auto& row : rows) EXPECT_EQ(parseQtAccelerator(row.text), row.expected) << row.text;
 }
 
+TEST(AcceleratorTest, ReadsTheNumbersOfKde) {
+  struct {
+    std::uint32_t number;
+    Parsed expected;
+  } const rows[] = {
+      {0x14000044, Accelerator{XKB_KEY_d, 0x1100}},
+      {0x0A000000 + 0x01000000, Accelerator{XKB_KEY_Escape, 0xA00}},
+      {0x08000000 + 0x01000033, Accelerator{XKB_KEY_F4, 0x800}},
+      {0x10000000 + 0x01000016, Accelerator{XKB_KEY_Page_Up, 0x100}},
+      {0x100000D6, Accelerator{XKB_KEY_odiaeresis, 0x100}},
+      {0x01000071, Accelerator{XKB_KEY_XF86AudioMute, 0}},
+      {0x30000035, std::nullopt},  // a digit of the keypad
+      {0x01FFFFFF, std::nullopt},
+      {0, std::nullopt},
+  };
+  for (const auto& row : rows) EXPECT_EQ(acceleratorOfQtNumber(row.number), row.expected) << row.number;
+}
+
 TEST(AcceleratorTest, ReadsTheFileOfKde) {
   const auto found = parseKdeShortcuts(
       "[kwin]\n_k_friendly_name=Ctrl+X\nClose=Alt+F4\\tMeta+Q,Ctrl+C,Close\nOff=none,Ctrl+Y,Off\nbroken\n"
