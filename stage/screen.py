@@ -55,6 +55,14 @@ class Screen:
         """Whether a program could have the keyboard to itself, as a menu or a screen locker wants it."""
         return self.ask("keyboard")["free"]
 
+    def bells(self):
+        """How often the bell has rung since it was asked last."""
+        return self.ask("bells")["count"]
+
+    def pointer(self):
+        """The picture of the pointer."""
+        return self.ask("pointer")["pixels"]
+
     def property(self, name):
         return self.ask("property", name)["value"]
 

@@ -87,6 +87,7 @@ void Commands::addKeyboard() {
     return {{"taken", input_.isTaken(input_.keyCode(a.at(0)).value(), number(a, 1))}};
   };
   commands_["keyboard"] = [this](const Words&) -> Json { return {{"free", input_.isKeyboardFree()}}; };
+  commands_["bells"] = [this](const Words&) -> Json { return {{"count", input_.bells()}}; };
   commands_["key"] = [send](const Words& a) { return send(a, {Motion::Down, Motion::Up}); };
 }
 
@@ -102,6 +103,7 @@ void Commands::addSight() {
   commands_["pixels"] = [this](const Words& a) -> Json {  // X Y WIDTH HEIGHT, 0xRRGGBB row by row
     return {{"pixels", screen_.capture(rectangleFrom(a, 0)).pixels}};
   };
+  commands_["pointer"] = [this](const Words&) -> Json { return {{"pixels", screen_.pointer()}}; };
   commands_["find"] = [this](const Words&) -> Json {
     const auto place = findPicture(screen_.capture(screen_.whole()));
     return {{"place", place ? toJson(*place) : Json()}};

@@ -4,6 +4,7 @@
 #include <string_view>
 #include <thread>
 
+#include <X11/XKBlib.h>
 #include <X11/extensions/XTest.h>
 
 namespace vistrel::stage {
@@ -17,6 +18,11 @@ constexpr int kApproachSteps = 10;
 constexpr std::string_view kEvdevPrefix = "evdev:";
 
 }  // namespace
+
+Input::Input(const Screen& screen) : screen_(screen) {
+  XkbQueryExtension(screen_.display(), nullptr, &firstXkbEvent_, nullptr, nullptr, nullptr);
+  XkbSelectEvents(screen_.display(), XkbUseCoreKbd, XkbBellNotifyMask, XkbBellNotifyMask);
+}
 
 void Input::move(int x, int y) const {
   XTestFakeMotionEvent(screen_.display(), -1, x, y, CurrentTime);
@@ -74,6 +80,16 @@ bool Input::isKeyboardFree() const {
   XUngrabKeyboard(display, CurrentTime);
   XSync(display, False);
   return status == GrabSuccess;
+}
+
+int Input::bells() const {
+  XSync(screen_.display(), False);
+  int count = 0;
+  XEvent event;
+  while (XCheckTypedEvent(screen_.display(), firstXkbEvent_, &event)) {
+    if (reinterpret_cast<XkbEvent&>(event).any.xkb_type == XkbBellNotify) ++count;
+  }
+  return count;
 }
 
 void Input::drag(int fromX, int fromY, int toX, int toY) const {

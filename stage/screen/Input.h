@@ -12,7 +12,7 @@ enum class Motion { Down, Up };
 /// Real input, through XTEST: what a person's mouse and keyboard would send.
 class Input {
  public:
-  explicit Input(const Screen& screen) : screen_(screen) {}
+  explicit Input(const Screen& screen);
 
   void move(int x, int y) const;
   void button(unsigned button, Motion motion) const;
@@ -25,10 +25,13 @@ class Input {
   [[nodiscard]] bool isTaken(unsigned keyCode, unsigned modifiers) const;
   /// Whether a program that asked for the whole keyboard would get it.
   [[nodiscard]] bool isKeyboardFree() const;
+  /// How often the bell has rung since it was asked last.
+  [[nodiscard]] int bells() const;
   void drag(int fromX, int fromY, int toX, int toY) const;
 
  private:
   const Screen& screen_;
+  int firstXkbEvent_ = 0;
 };
 
 }  // namespace vistrel::stage

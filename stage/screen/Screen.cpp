@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include <X11/Xutil.h>
+#include <X11/extensions/Xfixes.h>
 
 #include <png.h>
 
@@ -58,6 +59,16 @@ Image Screen::capture(Rectangle part) const {
   }
   XDestroyImage(raw);
   return image;
+}
+
+std::vector<std::uint32_t> Screen::pointer() const {
+  XFixesCursorImage* const image = XFixesGetCursorImage(display_);
+  if (image == nullptr) return {};
+  const std::size_t count = std::size_t(image->width) * image->height;
+  std::vector<std::uint32_t> pixels(count);
+  std::copy_n(image->pixels, count, pixels.begin());
+  XFree(image);
+  return pixels;
 }
 
 bool writePng(const Image& image, const std::string& path) {

@@ -41,6 +41,8 @@ class Screen {
   [[nodiscard]] Atom atom(const std::string& name) const;
   /// What the root window shows there, with everything that covers it; the part off the screen is left out.
   [[nodiscard]] Image capture(Rectangle part) const;
+  /// The picture of the pointer, 0xAARRGGBB row by row.
+  [[nodiscard]] std::vector<std::uint32_t> pointer() const;
 
  private:
   Display* display_;

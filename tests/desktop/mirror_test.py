@@ -8,6 +8,7 @@ from stage.program import centre
 from tests.desktop.harness import REFRESHED, SIZES, STARTED, DesktopTest, plain
 
 SIZE = "1680x900"
+NORMAL = "\t\twindow state: Normal"
 UNLISTED = {"_NET_WM_STATE_SKIP_TASKBAR", "_NET_WM_STATE_SKIP_PAGER"}  # in no list of windows
 
 
@@ -51,8 +52,12 @@ class TearingOff:
                 self.screen.click(centre(vistrel.menu_rows()[-2]))
                 window = wait_until(lambda: vistrel.windows(name="Preferences"), "Preferences")[0]
                 wait_until(lambda: self.screen.focus()["id"] == window["id"], "the focus on it")
+                states = self.desktop.start(["xprop", "-spy", "-id", str(window["id"]), "WM_STATE"])
+                since = states.wait_line(NORMAL)
                 self.put_aside(message, window)
-                if message != "WM_CHANGE_STATE":
+                if message == "WM_CHANGE_STATE":
+                    states.wait_line(NORMAL, states.wait_line(lambda line: "Iconic" in line, since))
+                else:
                     wait_until(lambda: not vistrel.windows(name="Preferences"), "the desktop")
                     self.screen.move((100, 850))  # off the picture, so that no control covers its clock
                     self.start_again()  # opens the mirror, since no window is on the screen

@@ -77,7 +77,7 @@ class PreferencesTest(SettingsTest):
         self.assertIn(f"TryExec={self.desktop.programs / 'vistrel'}\n", entry.read_text())
         self.press(vistrel, "Open Vistrel at login", "check box")
         wait_until(lambda: not entry.exists(), "the end of the autostart entry")
-        self.assertEqual(vistrel.preferences().keys() - {"NSWindow Frame Preferences Window"}, set())
+        self.assertEqual(vistrel.preferences(), {})
         folder.rmdir()
         folder.write_text("no folder")
         self.addCleanup(folder.unlink)
@@ -158,6 +158,9 @@ class PreferencesTest(SettingsTest):
         vistrel = self.start()
         x, y, width, height = self.open_window(vistrel, "About Vistrel")
         self.assertEqual((width, height), (480, 420))
+        window = vistrel.windows(name="About Vistrel")[0]["id"]
+        actions = self.desktop.run("xprop", "-id", window, "_NET_WM_ALLOWED_ACTIONS")
+        self.assertTrue("_MOVE" in actions and "_RESIZE" not in actions, actions)
         self.screen.drag((x + 200, y - 10), (x + 100, y + 50))
         moved = wait_until(lambda: [w["place"] for w in vistrel.windows(name="About Vistrel") if w["place"][0] != x],
                            "the window elsewhere")[0]
@@ -169,6 +172,8 @@ class PreferencesTest(SettingsTest):
         self.close_window("Preferences")
         self.close_window("About Vistrel")
         self.open_window(vistrel, "Preferences")
+        self.assertEqual(vistrel.terminate(), 0)
+        self.assertEqual(set(vistrel.preferences()), {"NSWindow Frame About Window"})  # nobody moved the other
 
 
 if __name__ == "__main__":

@@ -103,6 +103,7 @@ TEST_F(RecorderTest, DecidesAboutEachKey) {
       {"a letter with lock, keypad and function flags",
        Flags::kCapsLock | Flags::kNumericPad | Flags::kFunction, "⌘A", kVK_ANSI_A, true, true, 1},
       {"a function key alone", Flags::kFunction, "F5", kVK_F5, true, false, 0},
+      {"a function key that few keyboards have", 0, "F20", kVK_F20, true, false, 0},
       {"a letter with a modifier", Flags::kControl | Flags::kCapsLock, "⌃A", kVK_ANSI_A, true, false, 0},
       {"three keys", Flags::kControl | Flags::kOption, "⌃⌥⎵", kVK_Space, true, false, 0},
       {"Tab alone", 0, "⌘A", kVK_Tab, false, false, 0},

@@ -159,6 +159,8 @@ TEST_F(PreferencesViewTest, OpensANewWindowEachTimeAndRemembersItsPlace) {
   EXPECT_NE(openPreferencesWindow(), window);
   EXPECT_EQ(NSApplication::shared().windows().size(), 3U);
   EXPECT_EQ(window->title() + "/" + about->title(), "Preferences/About Vistrel");
+  EXPECT_EQ(window->styleMask(), 3U) << "closable, but neither resizable nor miniaturizable";
+  EXPECT_EQ(about->styleMask(), window->styleMask());
   for (const double x : {300, 200, 100}) window->didMove({x, 120, 480, 360});
   EXPECT_EQ(desktop.files.preferences, std::nullopt) << "nothing is written while it is on its way";
   desktop.loop.advance(std::chrono::seconds(1));
