@@ -8,6 +8,7 @@
 #include "app/CameraMenu.h"
 #include "app/Notifications.h"
 #include "app/PreferenceKeys.h"
+#include "appkit/NSAccessibility.h"
 #include "appkit/NSStatusBar.h"
 #include "base/Log.h"
 #include "base/Program.h"
@@ -64,6 +65,7 @@ void AppDelegate::tellWhyEmpty(const Notification& change) {
   const auto reason = std::any_cast<std::string>(change.userInfo.at(notification::kReasonKey));
   const std::string name = program::kName;
   statusBarItem_->button()->setToolTip(reason.empty() ? name : name + ": " + reason);
+  if (!reason.empty()) NSAccessibility::announce(reason);
 }
 
 void AppDelegate::attachShortcut() {

@@ -2,6 +2,7 @@
 
 #include "app/Notifications.h"
 #include "app/PreferenceKeys.h"
+#include "appkit/NSAccessibility.h"
 #include "appkit/NSStoryboard.h"
 #include "base/Log.h"
 #include "base/Program.h"
@@ -66,6 +67,11 @@ bool Popover::popoverShouldDetach(NSPopover& /*popover*/) {
 void Popover::popoverDidDetach(NSPopover& /*popover*/) {
   Log::line("Detached");
   NotificationCenter::defaultCenter().post(notification::windowDetached());
+}
+
+// That it opens is said by the focus, which comes into a window of the program's name.
+void Popover::popoverDidClose(NSPopover& /*popover*/) {
+  NSAccessibility::announce(Bundle::main().localizedString("Mirror closed"));
 }
 
 }  // namespace vistrel

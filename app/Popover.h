@@ -26,6 +26,7 @@ class Popover final : public NSPopover, public NSPopoverDelegate {
   // NSPopoverDelegate
   bool popoverShouldDetach(NSPopover& popover) override;
   void popoverDidDetach(NSPopover& popover) override;
+  void popoverDidClose(NSPopover& popover) override;
 
  private:
   void configureContent();

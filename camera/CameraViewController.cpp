@@ -10,6 +10,7 @@
 #include "appkit/NSApplication.h"
 #include "appkit/NSWindow.h"
 #include "base/Log.h"
+#include "foundation/Bundle.h"
 #include "foundation/ProcessInfo.h"
 
 namespace vistrel {
@@ -109,7 +110,7 @@ void CameraViewController::observeSession() {
 void CameraViewController::sessionDidFail(const Notification& failure) {
   const Error* error = errorIn(failure);
   Log::line("📹💥 Capture Session Runtime Error: " + (error ? error->message : "n/a"));
-  tellWhyEmpty(error ? error->message : "The camera does not say what is wrong.");
+  tellWhyEmpty(error ? error->message : translatable("The camera does not say what is wrong."));
 }
 
 void CameraViewController::stopObserving() {
@@ -129,7 +130,7 @@ void CameraViewController::viewWillAppear() {
   noCamerasView().setHidden(hasCameras);
   if (previewLayer_) previewLayer_->setHidden(!hasCameras);
   addTrackingArea();
-  tellWhyEmpty(hasCameras ? "" : "No camera was found.");
+  tellWhyEmpty(hasCameras ? "" : translatable("No camera was found."));
   if (const auto device = cameras_->selectedDevice()) startCaptureSession(*device);
   focusButton();
 }
@@ -277,9 +278,10 @@ void CameraViewController::keyDown(const NSEvent& event) {
 }
 
 void CameraViewController::tellWhyEmpty(const std::string& reason) {
-  if (NSWindow* window = view().window()) window->setAccessibilityHelp(reason);
+  const std::string words = Bundle::main().localizedString(reason);
+  if (NSWindow* window = view().window()) window->setAccessibilityHelp(words);
   NotificationCenter::defaultCenter().post(notification::emptinessChanged(), this,
-                                           {{notification::kReasonKey, reason}});
+                                           {{notification::kReasonKey, words}});
 }
 
 void CameraViewController::performDetachedWindowTasks() {

@@ -1,5 +1,5 @@
-"""What a screen reader sees of a private desktop. Runs as a program of its own, since its bus is chosen by the
-environment; `Accessibility` speaks with it, one JSON object a line."""
+"""What a screen reader sees and hears of a private desktop. Runs as a program of its own, since its bus is chosen by
+the environment; `Accessibility` speaks with it, one JSON object a line."""
 
 import json
 import sys
@@ -33,6 +33,45 @@ class Accessibility:
         self._ask(do="set", path=entry["path"], value=value)
 
 
+class Listener:
+    """Hears what a screen reader says of its own accord."""
+
+    def __init__(self, desktop):
+        self._process = desktop.start([sys.executable, __file__, "listen"])
+        self._process.wait_line("ready")
+
+    def mark(self):
+        """Where what is said from now on begins."""
+        return len(self._process.lines)
+
+    def wait(self, what, text, since=0):
+        """`what` is "announcement", "window" (which has the focus now) or "focus" (the control that has it)."""
+        self._process.wait_line(json.dumps([what, text]), since)
+
+
+def _listen():
+    import pyatspi
+
+    def tell(what, text):
+        print(json.dumps([what, text]), flush=True)
+
+    def focused(event):
+        if event.detail1:
+            tell("focus", event.source.name)
+
+    def shown(event):
+        if event.source.getRole() == pyatspi.ROLE_NOTIFICATION:
+            tell("announcement", event.source.name)
+
+    listen = pyatspi.Registry.registerEventListener
+    listen(lambda event: tell("announcement", event.any_data), "object:announcement")
+    listen(lambda event: tell("window", event.source.name), "window:activate")
+    listen(focused, "object:state-changed:focused")
+    listen(shown, "object:state-changed:showing")
+    print("ready", flush=True)
+    pyatspi.Registry.start()
+
+
 def _serve():
     import pyatspi  # needs the desktop's bus at once
 
@@ -56,6 +95,7 @@ def _serve():
         # AT-SPI 2.54 gave the role another name.
         return {"path": path, "role": "push button" if role == "button" else role, "name": entry.name, "description": entry.description,
                 "states": sorted(states), "showing": "showing" in states, "checked": "checked" in states,
+                "focused": "focused" in states,
                 "place": optional(lambda: place(entry)), "actions": optional(lambda: actions(entry), []),
                 "value": optional(lambda: entry.queryValue().currentValue),
                 "text": optional(lambda: entry.queryText().getText(0, -1))}
@@ -111,4 +151,4 @@ def _serve():
 
 
 if __name__ == "__main__":
-    _serve()
+    _listen() if "listen" in sys.argv else _serve()

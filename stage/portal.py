@@ -1,12 +1,13 @@
-"""A desktop portal that knows one setting, the color scheme. Runs as a program of its own; `Portal` speaks with
-it, one number a line: 0 no preference, 1 dark, 2 light, -1 no such setting, -2 no answer."""
+"""A desktop portal that knows two settings of appearance. Runs as a program of its own; `Portal` speaks with it, a
+setting and its number a line: for the color scheme 0 no preference, 1 dark, 2 light; for the contrast 0 usual, 1 more;
+for both -1 no such setting, -2 no answer."""
 
 import sys
 
 NAME = "org.freedesktop.portal.Desktop"
 PATH = "/org/freedesktop/portal/desktop"
 INTERFACE = "org.freedesktop.portal.Settings"
-SETTING = ("org.freedesktop.appearance", "color-scheme")
+NAMESPACE, SCHEME, CONTRAST = "org.freedesktop.appearance", "color-scheme", "contrast"
 DESCRIPTION = f"""
 <node><interface name="{INTERFACE}">
   <method name="Read"><arg type="s" direction="in"/><arg type="s" direction="in"/><arg type="v" direction="out"/></method>
@@ -23,8 +24,14 @@ class Portal:
         self._process.wait_line("ready")
 
     def set_scheme(self, scheme):
+        self._set(SCHEME, scheme)
+
+    def set_contrast(self, contrast):
+        self._set(CONTRAST, contrast)
+
+    def _set(self, key, number):
         since = len(self._process.lines)
-        self._process.write(scheme)
+        self._process.write(f"{key} {number}")
         self._process.wait_line("set", since)
 
     def close(self):
@@ -36,21 +43,24 @@ def _serve(scheme):
     gi.require_version("Gio", "2.0")
     from gi.repository import Gio, GLib
 
-    state = {"scheme": scheme}
+    state = {SCHEME: scheme, CONTRAST: scheme if scheme < 0 else 0}
     loop = GLib.MainLoop()
 
-    def number():
-        return GLib.Variant("u", state["scheme"])
+    def number(key):
+        return GLib.Variant("u", state[key])
 
     def called(_connection, _sender, _path, _interface, method, arguments, invocation):
-        if state["scheme"] == -2:
+        if -2 in state.values():
             return
+        known = {key: number(key) for key in state if state[key] >= 0}
         if method == "ReadAll":
-            invocation.return_value(GLib.Variant("(a{sa{sv}})", ({SETTING[0]: {SETTING[1]: number()}},)))
-        elif state["scheme"] < 0 or arguments.unpack() != SETTING:
+            invocation.return_value(GLib.Variant("(a{sa{sv}})", ({NAMESPACE: known},)))
+            return
+        space, key = arguments.unpack()
+        if space != NAMESPACE or key not in known:
             invocation.return_dbus_error("org.freedesktop.portal.Error.NotFound", "no such setting")
         else:  # the older Read wraps the value once more
-            value = GLib.Variant("v", number()) if method == "Read" else number()
+            value = GLib.Variant("v", known[key]) if method == "Read" else known[key]
             invocation.return_value(GLib.Variant("(v)", (value,)))
 
     def asked(*_):
@@ -64,8 +74,9 @@ def _serve(scheme):
         if not line:
             loop.quit()
             return False
-        state["scheme"] = int(line)
-        bus.emit_signal(None, PATH, INTERFACE, "SettingChanged", GLib.Variant("(ssv)", (*SETTING, number())))
+        key, value = line.split()
+        state[key] = int(value)
+        bus.emit_signal(None, PATH, INTERFACE, "SettingChanged", GLib.Variant("(ssv)", (NAMESPACE, key, number(key))))
         print("set", flush=True)
         return True
 

@@ -78,10 +78,14 @@ View credits() {
       .multilineTextAlignment(swiftui::TextAlignment::Center);
 }
 
+View link(const std::string& title, const char* target) {
+  return swiftui::LinkButton(title, [target] { openAddress(target); })
+      .accessibilityHint(localized("Opens in the browser"));
+}
+
 View links() {
   const std::string maker = std::string("© ") + kMaker;
-  return swiftui::HStack({swiftui::LinkButton(localized("FAQ"), [] { openAddress(address::kFaq); }),
-                          Text("|"), swiftui::LinkButton(maker, [] { openAddress(address::kMaker); })});
+  return swiftui::HStack({link(localized("FAQ"), address::kFaq), Text("|"), link(maker, address::kMaker)});
 }
 
 }  // namespace

@@ -57,7 +57,7 @@ std::int64_t orSecond(std::int64_t index) { return index == 0 ? 0 : 1; }
 // A missing image leaves its number to choose by.
 View iconChoice(const std::shared_ptr<NSImage>& image, std::size_t index) {
   const std::string number = std::to_string(index + 1);
-  return image ? swiftui::Image(image, "Icon " + number) : Text(number);
+  return image ? swiftui::Image(image, localized("Icon") + " " + number) : Text(number);
 }
 
 }  // namespace
@@ -100,6 +100,7 @@ View PreferencesView::iconPicker() {
   return swiftui::Picker(localized("Menu bar icon:"), selection, PickerStyle::Segmented, choices)
       .frame(kIconFrame)
       .padding(EdgeInsets::all(kRowPadding))
+      .accessibilityHint(localized("What Vistrel looks like in the tray"))
       .onAppear([this] { selectorIndexIcon_.set(defaults_.integerForKey(preference::kSelectedIcon)); });
 }
 
@@ -111,6 +112,7 @@ View PreferencesView::sizePicker() {
   return swiftui::Picker(localized("Popover size:"), selection, PickerStyle::Default, choices)
       .frame(kSizeFrame)
       .padding(EdgeInsets::all(kRowPadding))
+      .accessibilityHint(localized("How large the mirror is"))
       .onAppear(
           [this] { selectorIndexSize_.set(defaults_.integerForKey(preference::kSelectedPopoverSize)); });
 }
@@ -128,6 +130,7 @@ View PreferencesView::dismissSection() {
   const auto picker =
       swiftui::Picker(localized("Close popover when:"), selection, PickerStyle::RadioGroup, choices)
           .padding(EdgeInsets::all(kRowPadding))
+          .accessibilityHint(localized("What closes the mirror"))
           .onAppear(
               [this] { selectorIndexDismissBehavior_.set(defaults_.integerForKey(preference::kDismiss)); });
   const auto help = Text(localized("Useful if you'd like to detach the popover and keep it always in front."))
@@ -144,9 +147,10 @@ View PreferencesView::mirroringToggle() {
                              defaults_.setBool(isMirrored, preference::kSelectedMirroring);
                              announce(notification::mirroringChanged());
                            }};
-  return swiftui::Toggle(Text(localized("Mirror video")), isOn).padding(kTogglePadding).onAppear([this] {
-    isVideoMirrored_.set(defaults_.boolForKey(preference::kSelectedMirroring));
-  });
+  return swiftui::Toggle(Text(localized("Mirror video")), isOn)
+      .padding(kTogglePadding)
+      .accessibilityHint(localized("Shows left and right as a mirror does"))
+      .onAppear([this] { isVideoMirrored_.set(defaults_.boolForKey(preference::kSelectedMirroring)); });
 }
 
 View PreferencesView::loginToggle() {
@@ -157,6 +161,7 @@ View PreferencesView::loginToggle() {
                            }};
   return swiftui::Toggle(Text(localized("Open Vistrel at login")), isOn)
       .padding(kTogglePadding)
+      .accessibilityHint(localized("Puts the icon into the tray whenever you log in"))
       .onAppear([this] { openAtLogin_.set(LaunchAtLogin::isEnabled()); });
 }
 

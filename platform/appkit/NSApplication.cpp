@@ -177,6 +177,10 @@ void NSApplication::screensDidChange() {
 
 void NSApplication::appearanceDidChange() {
   DistributedNotificationCenter::defaultCenter().post("AppleInterfaceThemeChangedNotification");
+  contrastDidChange();
+}
+
+void NSApplication::contrastDidChange() {
   const auto open = windows_;
   for (const auto& window : open) window->appearanceDidChange();
 }

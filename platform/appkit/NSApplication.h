@@ -94,6 +94,7 @@ class NSApplication final : public NSResponder, public backend::SessionClient {
   void willResignActive() override;
   void screensDidChange() override;
   void appearanceDidChange() override;
+  void contrastDidChange() override;
   void terminateRequested() override;
 
  private:

@@ -115,6 +115,7 @@ void NSPopover::performClose(NSObject* /*sender*/) {
   kept->close();
   endHighlight();
   if (controller_) controller_->viewDidDisappear();
+  if (delegate_) delegate_->popoverDidClose(*this);
 }
 
 void NSPopover::endHighlight() {

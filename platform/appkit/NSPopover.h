@@ -28,6 +28,7 @@ class NSPopoverDelegate {
   /// The user drags the popover away from its anchor: may it become a window?
   virtual bool popoverShouldDetach(NSPopover& popover) = 0;
   virtual void popoverDidDetach(NSPopover& popover) = 0;
+  virtual void popoverDidClose(NSPopover& /*popover*/) {}
 };
 
 /// A balloon that hangs from a view and may be torn off into a window of its own. A transient one closes at

@@ -7,6 +7,7 @@
 #include "appkit/NSPopUpButton.h"
 #include "appkit/NSView.h"
 #include "base/Json.h"
+#include "foundation/Bundle.h"
 
 namespace vistrel {
 
@@ -21,6 +22,12 @@ std::string textOf(const json::Value& object, const char* name) {
   const auto* member = object.member(name);
   const auto* text = member ? member->text() : nullptr;
   return text ? *text : std::string();
+}
+
+// In the user's language.
+std::string shownTextOf(const json::Value& object, const char* name) {
+  const std::string text = textOf(object, name);
+  return text.empty() ? text : Bundle::main().localizedString(text);
 }
 
 std::optional<double> numberOf(const json::Value& object, const char* name) {
@@ -49,7 +56,7 @@ std::shared_ptr<NSView> makePopUpButton(const json::Value& view) {
 
 std::shared_ptr<NSView> makeTextField(const json::Value& view) {
   auto field = std::make_shared<NSTextField>();
-  field->setStringValue(textOf(view, "text"));
+  field->setStringValue(shownTextOf(view, "text"));
   return field;
 }
 
@@ -70,7 +77,8 @@ std::shared_ptr<NSView> makeBareView(const json::Value& view) {
 std::shared_ptr<NSView> makeView(const json::Value& source, NSViewController& controller) {
   auto view = makeBareView(source);
   view->setLayout(layoutOf(source));
-  view->setAccessibilityLabel(textOf(source, "label"));
+  view->setAccessibilityLabel(shownTextOf(source, "label"));
+  view->setAccessibilityHelp(shownTextOf(source, "help"));
   const auto* subviews = source.member("subviews");
   if (subviews && subviews->array()) {
     for (const auto& child : *subviews->array()) view->addSubview(makeView(child, controller));

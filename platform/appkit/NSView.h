@@ -95,6 +95,9 @@ class NSView : public NSResponder, public std::enable_shared_from_this<NSView> {
   /// The text by which a screen reader names the view.
   [[nodiscard]] const std::string& accessibilityLabel() const { return accessibilityLabel_; }
   void setAccessibilityLabel(std::string label) { accessibilityLabel_ = std::move(label); }
+  /// What the view is for, as a screen reader says it after the name.
+  [[nodiscard]] const std::string& accessibilityHelp() const { return accessibilityHelp_; }
+  void setAccessibilityHelp(std::string text) { accessibilityHelp_ = std::move(text); }
 
   /// The size that the view's content asks for; none where it has no wish.
   [[nodiscard]] virtual Size intrinsicContentSize() const { return {}; }
@@ -125,6 +128,7 @@ class NSView : public NSResponder, public std::enable_shared_from_this<NSView> {
   NSFocusRingType focusRingType_ = NSFocusRingType::Default;
   NSWindow* window_ = nullptr;
   std::string accessibilityLabel_;
+  std::string accessibilityHelp_;
 };
 
 }  // namespace vistrel

@@ -13,6 +13,7 @@
 #include "appkit/NSView.h"
 #include "appkit/ScreenGeometry.h"
 #include "backend/Backend.h"
+#include "foundation/Bundle.h"
 #include "foundation/NotificationCenter.h"
 #include "foundation/UserDefaults.h"
 
@@ -78,7 +79,8 @@ void NSWindow::updateCloseButton() {
   if (!closeButton_ && isClosable()) {
     closeButton_ = std::make_shared<NSButton>();
     closeButton_->setAction(kPerformClose);
-    closeButton_->setAccessibilityLabel("Close");
+    closeButton_->setAccessibilityLabel(Bundle::main().localizedString("Close"));
+    closeButton_->setAccessibilityHelp(Bundle::main().localizedString("Closes the window"));
     closeButton_->setWindow(this);
   }
   if (closeButton_) closeButton_->setHidden(!isClosable());

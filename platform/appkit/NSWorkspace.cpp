@@ -16,4 +16,8 @@ bool NSWorkspace::openURL(const URL& url) {
 
 bool NSWorkspace::isVoiceOverEnabled() const { return backend::current().session().isScreenReaderOn(); }
 
+bool NSWorkspace::accessibilityDisplayShouldIncreaseContrast() const {
+  return backend::current().session().increasesContrast();
+}
+
 }  // namespace vistrel

@@ -12,6 +12,8 @@ class NSWorkspace {
   bool openURL(const URL& url);
   /// Whether a screen reader says that it runs.
   [[nodiscard]] bool isVoiceOverEnabled() const;
+  /// Whether the user wants more contrast than usual.
+  [[nodiscard]] bool accessibilityDisplayShouldIncreaseContrast() const;
 };
 
 }  // namespace vistrel

@@ -106,8 +106,8 @@ void AVCaptureSession::lookForFrames() {
   const auto left = (stream.hasSentPicture() ? kLongestSilence : kLongestStart) - silence_;
   if (left > 0ms) return lookAgainAfter(std::min(left, kBetweenLooks));
   const bool isUnusable = stream.sendsUnusableFrames();
-  streamDidFail(
-      {isUnusable ? "The camera sends pictures that cannot be shown." : "The camera sends no pictures."});
+  streamDidFail({isUnusable ? translatable("The camera sends pictures that cannot be shown.")
+                            : translatable("The camera sends no pictures.")});
 }
 
 }  // namespace vistrel

@@ -32,6 +32,8 @@ class SessionClient {
   virtual void screensDidChange() = 0;
   /// The desktop's light or dark preference changed.
   virtual void appearanceDidChange() = 0;
+  /// The user wants more contrast than usual, or no longer.
+  virtual void contrastDidChange() = 0;
   /// A signal or the end of the desktop session asks the program to end: runs the terminate step.
   virtual void terminateRequested() = 0;
 };
@@ -46,6 +48,10 @@ class Session {
   [[nodiscard]] virtual bool isDark() = 0;
   /// Whether a screen reader says that it runs.
   [[nodiscard]] virtual bool isScreenReaderOn() = 0;
+  /// Has a screen reader say the text after what it is saying; nothing without one.
+  virtual void announce(const std::string& text) = 0;
+  /// Whether the user wants more contrast than usual.
+  [[nodiscard]] virtual bool increasesContrast() = 0;
   /// Version of the platform as major, minor, patch; on Linux one after 10.15 and before 12.3.
   struct Version {
     int major = 0;

@@ -41,8 +41,8 @@ class WindowClient {
   /// back.
   virtual void didLeaveScreen(Hiding how) = 0;
   virtual void didReturnToScreen() = 0;
-  /// The user drags the window by its content, beyond the threshold: an attached popover is torn off. The
-  /// backend goes on moving the window with the pointer.
+  /// The user drags the window by its content, beyond the threshold, or asks for it without the pointer: an
+  /// attached popover is torn off. The backend goes on moving the window with the pointer.
   virtual void dragDidBegin() = 0;
   /// The pointer came over the content, or left it; also without a movement of its own.
   virtual void pointerDidEnter() = 0;

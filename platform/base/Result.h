@@ -11,6 +11,9 @@ struct Error {
   std::string message;
 };
 
+/// Marks an error's words for the catalogues of other languages. Whoever shows them looks them up.
+[[nodiscard]] constexpr const char* translatable(const char* words) { return words; }
+
 /// The outcome of an operation that the outside world can refuse: a value or an `Error`.
 template <class T>
 class [[nodiscard]] Result {

@@ -102,6 +102,8 @@ class SimulatedSession final : public backend::Session {
   [[nodiscard]] Point pointerLocation() override { return pointer; }
   [[nodiscard]] bool isDark() override { return dark; }
   [[nodiscard]] bool isScreenReaderOn() override { return hasScreenReader; }
+  void announce(const std::string& text) override { announcements.push_back(text); }
+  [[nodiscard]] bool increasesContrast() override { return isContrastHigh; }
   [[nodiscard]] Version platformVersion() override { return version; }
   bool openUrl(const std::string& url) override;
   [[nodiscard]] backend::SessionClient& client() const;
@@ -110,6 +112,8 @@ class SimulatedSession final : public backend::Session {
   Point pointer{640, 400};
   bool dark = false;
   bool hasScreenReader = false;
+  std::vector<std::string> announcements;
+  bool isContrastHigh = false;
   bool hasBrowser = true;
   Version version{12, 0, 0};
   std::vector<std::string> openedUrls;

@@ -61,6 +61,10 @@ View View::onAppear(std::function<void()> action) const {
   return modified(*this, [&](View& view) { view.appearAction = std::move(action); });
 }
 
+View View::accessibilityHint(std::string text) const {
+  return modified(*this, [&](View& view) { view.hint = std::move(text); });
+}
+
 View View::tag(std::int64_t value) const {
   return modified(*this, [&](View& view) { view.tagValue = value; });
 }

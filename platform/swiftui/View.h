@@ -101,6 +101,8 @@ class View {
   [[nodiscard]] View fixedHeight() const;
   /// Runs `action` when the view comes on screen.
   [[nodiscard]] View onAppear(std::function<void()> action) const;
+  /// What the control is for, as a screen reader says it after the name.
+  [[nodiscard]] View accessibilityHint(std::string text) const;
   /// What a picker's selection is when this choice is the chosen one.
   [[nodiscard]] View tag(std::int64_t value) const;
 
@@ -124,6 +126,7 @@ class View {
   bool hasFixedHeight = false;
   std::function<void()> appearAction;
   std::int64_t tagValue = 0;
+  std::string hint;
 };
 
 /// The toolkit's padding where none is given, in points.

@@ -2,16 +2,14 @@
 
 import os
 import pathlib
-import shlex
 import signal
 import socket
 import subprocess
 import unittest
 
-from stage.desktop import WATCHER
 from stage.portal import Portal
 from stage.processes import wait_until
-from stage.program import IDENTIFIER, Program, centre
+from stage.program import IDENTIFIER, Program
 from tests.desktop.harness import STARTED, DesktopTest
 
 APPLICATION = "org.freedesktop.Application"
@@ -185,146 +183,6 @@ class LifeTest(DesktopTest):
                 self.assertEqual([path.name for path in file.parent.iterdir()], [file.name])
                 self.assertEqual(len(vistrel.process.errors), 1, vistrel.process.errors)
             undo(file)
-
-
-class InstalledTest(DesktopTest):
-    stage = {"accessible": True}
-
-    @classmethod
-    def setUpClass(cls):
-        super().setUpClass()
-        prefix, build = cls.desktop.folder / "usr", cls.desktop.programs
-        prefix.mkdir()
-        (prefix / "share").symlink_to(cls.desktop.folder / "data")  # where the bus looks for what it can start
-        cls.desktop.run("cmake", "--install", build, "--prefix", prefix)
-        cls.program = prefix / "bin" / "vistrel"
-        cls.entry = prefix / "share" / "applications" / f"{IDENTIFIER}.desktop"
-        cls.ask_bus("ReloadConfig")
-
-    @classmethod
-    def ask_bus(cls, method, *arguments):
-        daemon = "org.freedesktop.DBus"
-        return cls.desktop.bus.call(daemon, "/org/freedesktop/DBus", daemon, method, *arguments)
-
-    def ask(self, method, *arguments):
-        self.desktop.bus.call(IDENTIFIER, PATH, APPLICATION, method, *arguments)
-
-    def wait_started(self):
-        """Until the icon of the program, which the bus has started, is there; gives the process."""
-        bus = self.desktop.bus
-        wait_until(lambda: bus.has_owner(IDENTIFIER), "its name on the bus")
-        pid = self.ask_bus("GetConnectionUnixProcessID", "(s)", IDENTIFIER)[0]
-        self.addCleanup(lambda: bus.has_owner(IDENTIFIER) and os.kill(pid, signal.SIGKILL))
-        self.assertEqual(os.readlink(f"/proc/{pid}/exe"), str(self.program))
-        wait_until(lambda: bus.property(WATCHER, "/StatusNotifierWatcher", WATCHER, "RegisteredStatusNotifierItems"),
-                   "the icon")
-        return pid
-
-    def end(self, pid):
-        os.kill(pid, signal.SIGTERM)
-        wait_until(lambda: not self.desktop.bus.has_owner(IDENTIFIER), "the end of the program")
-
-    def test_the_bus_and_the_entry_start_it_and_it_opens_at_the_next_start(self):
-        camera = self.desktop.camera()
-        self.assertNotIn(str(self.desktop.programs).encode(), self.program.read_bytes())
-        for start in (lambda: self.ask("Activate", "(a{sv})", {}),
-                      lambda: self.desktop.start(["gio", "launch", self.entry])):
-            start()
-            pid = self.wait_started()
-            self.start_again()  # had the start opened the mirror, this would close it
-            self.screen.live_picture()
-            self.end(pid)
-            self.wait_closed(camera)
-
-    def test_the_action_of_the_entry_opens_the_preferences_and_starts_it_for_them(self):
-        def choose(action):
-            self.ask("ActivateAction", "(sava{sv})", action, [], {})
-        choose("preferences")
-        pid = self.wait_started()
-        window = wait_until(lambda: self.screen.windows(name="Preferences", pid=pid), "the preferences")[0]
-        icon = self.desktop.run("xprop", "-id", str(window["id"]), "-len", "8", "-notype", "32c", "_NET_WM_ICON")
-        self.assertTrue(icon.startswith("_NET_WM_ICON = 16"), icon)
-        with self.assertRaisesRegex(Exception, "no such action"):
-            choose("sing")
-        self.screen.key("Escape")
-        action = self.entry.read_text().split("[Desktop Action preferences]")[1]
-        command = next(line[5:] for line in action.splitlines() if line.startswith("Exec="))
-        self.desktop.run(*shlex.split(command))  # what desktops run that do not speak with programs
-        wait_until(lambda: len(self.screen.windows(name="Preferences", pid=pid)) == 2, "the preferences again")
-        self.end(pid)
-
-
-class DarkModeTest(DesktopTest):
-    def test_it_follows_the_desktop_while_it_runs(self):
-        self.desktop.camera()
-        portal = Portal(self.desktop, 1)
-        self.addCleanup(portal.close)
-        vistrel = self.start({"dismissPreference": 1})
-        vistrel.open_menu()
-        self.screen.click(centre(vistrel.menu_rows()[-2]))
-        window = wait_until(lambda: vistrel.windows(name="Preferences"), "Preferences")[0]["id"]
-
-        def body():
-            x, y, _width, height = vistrel.windows(id=window)[0]["place"]
-            return self.screen.color((x + 5, y + height - 5))
-        self.open(vistrel)
-        dark = self.frame_color(vistrel)
-        self.assertLess(max(dark), 128)
-        wait_until(lambda: max(body()) < 128, "dark Preferences")
-        self.assertNotIn("Switched modes", vistrel.lines)
-        portal.set_scheme(2)
-        vistrel.wait_line("Switched modes")
-        wait_until(lambda: sum(self.frame_color(vistrel)) > sum(dark) + 150, "a light frame")
-        wait_until(lambda: min(body()) > 190, "light Preferences")
-        portal.set_scheme(1)
-        wait_until(lambda: self.frame_color(vistrel) == dark, "a dark frame")
-
-    def test_without_a_word_of_the_portal_the_desktops_own_setting_counts(self):
-        self.desktop.camera()
-        portal = Portal(self.desktop, -1)
-        self.addCleanup(portal.close)
-        file = self.desktop.folder / "config" / "glib-2.0" / "settings" / "keyfile"
-        file.parent.mkdir(parents=True)
-
-        def put(scheme):
-            file.write_text(f"[org/gnome/desktop/interface]\ncolor-scheme='{scheme}'\n")
-        put("prefer-dark")
-        vistrel = self.start(environment={"GSETTINGS_BACKEND": "keyfile"})
-        self.open(vistrel)
-        dark = self.frame_color(vistrel)
-        self.assertLess(max(dark), 128)
-        self.assertNotIn("Switched modes", vistrel.lines)
-        put("default")
-        vistrel.wait_line("Switched modes")
-        wait_until(lambda: sum(self.frame_color(vistrel)) > sum(dark) + 150, "a light frame")
-
-    def test_without_any_word_the_palette_decides(self):
-        self.desktop.camera()
-        file = self.desktop.folder / "config" / "qt6ct" / "qt6ct.conf"
-        file.parent.mkdir(parents=True)
-
-        def put(window):
-            colors = ", ".join(["#ff808080"] * 10 + [window] + ["#ff808080"] * 10)
-            scheme = file.with_name(window[1:])
-            scheme.write_text("[ColorScheme]\n" + "".join(
-                f"{group}_colors={colors}\n" for group in ("active", "disabled", "inactive")))
-            changed = file.with_suffix(".new")
-            changed.write_text(f"[Appearance]\ncustom_palette=true\ncolor_scheme_path={scheme}\n")
-            changed.rename(file)
-        put("#ff202020")
-        vistrel = self.start(environment={"QT_QPA_PLATFORMTHEME": "qt6ct", "GSETTINGS_BACKEND": "memory"})
-        self.open(vistrel)
-        dark = self.frame_color(vistrel)
-        self.assertLess(max(dark), 128)
-        put("#ffe0e0e0")
-        vistrel.wait_line("Switched modes")
-        wait_until(lambda: sum(self.frame_color(vistrel)) > sum(dark) + 150, "a light frame")
-
-    def frame_color(self, vistrel):
-        """The color of the tip between the icon and the picture."""
-        icon = vistrel.icon()
-        top = self.screen.live_picture()["place"][1]
-        return self.screen.color((centre(icon)[0], top - 4))
 
 
 class SessionTest(DesktopTest):

@@ -102,7 +102,7 @@ class PreferencesTest(SettingsTest):
             with self.subTest(**options), self.start(**options) as vistrel:
                 for title in ROWS:
                     self.open_window(vistrel, title)
-                    window = self.find(vistrel, title, "filler")["place"]
+                    window = self.find(vistrel, title, "frame")["place"]
                     shown = [entry for entry in self.reader.objects(vistrel.pid)
                              if entry["role"] in ("label", "push button", "radio button", "check box", "text")]
                     self.assertGreaterEqual(len(shown), 9)

@@ -13,6 +13,13 @@ bool contains(std::string_view text, std::string_view part) {
   return text.find(part) != std::string_view::npos;
 }
 
+// Catalogues know the group that cameras belong to nearly everywhere, and no other.
+Error denied(const std::string& group) {
+  if (group.empty()) return {translatable("Access to the camera is denied.")};
+  if (group == "video") return {translatable("Access to the camera is denied; the group video has it.")};
+  return {"Access to the camera is denied; the group " + group + " has it."};
+}
+
 Error reported(const std::string& text) {
   return {"The camera reported an error" + (text.empty() ? "." : ": " + text)};
 }
@@ -33,13 +40,13 @@ std::optional<int> errorNumberIn(const std::string& message) {
 Error errorOf(CameraError problem, const std::string& group) {
   switch (problem) {
     case CameraError::Busy:
-      return {"The camera is in use by another program."};
+      return {translatable("The camera is in use by another program.")};
     case CameraError::Denied:
-      return {"Access to the camera is denied" + (group.empty() ? "." : "; the group " + group + " has it.")};
+      return denied(group);
     case CameraError::Silent:
-      return {"The camera does not answer."};
+      return {translatable("The camera does not answer.")};
     default:
-      return {"The camera is no longer connected."};
+      return {translatable("The camera is no longer connected.")};
   }
 }
 

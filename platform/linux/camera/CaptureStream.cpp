@@ -30,7 +30,7 @@ void CaptureStream::begin(std::optional<PixelSize> size, backend::CameraStreamCl
   client_ = &client;
   isStarted_ = false;
   mode_ = size ? chooseMode(device_->modes(), *size) : chooseMode(device_->modes());
-  if (!mode_) return failLater({"The camera offers no picture format that can be shown."});
+  if (!mode_) return failLater({translatable("The camera offers no picture format that can be shown.")});
   run();
 }
 

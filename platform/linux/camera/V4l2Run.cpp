@@ -142,11 +142,12 @@ Result<void> V4l2Run::setFormat(const ModeChoice& mode) {
   const int result = system_.ioctl(fd_, VIDIOC_S_FMT, &format);
   if (result < 0) return errorOfCall(-result);
   format_ = format.fmt.pix;
-  if (comesInHalves(format_)) return Error{"The camera sends every second line of a picture by itself."};
+  if (comesInHalves(format_))
+    return Error{translatable("The camera sends every second line of a picture by itself.")};
   const bool isGranted = format_.pixelformat == mode.nativeFormat &&
                          static_cast<int>(format_.width) == mode.size.width &&
                          static_cast<int>(format_.height) == mode.size.height;
-  return isGranted ? Result<void>() : Error{"The camera refused the picture format."};
+  return isGranted ? Result<void>() : Error{translatable("The camera refused the picture format.")};
 }
 
 // A driver without a settable rate delivers at its own.

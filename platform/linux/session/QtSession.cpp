@@ -42,12 +42,17 @@ QtSession::QtSession(desktop::Reactor& reactor, x11::X11Connection& x11, SingleI
                    }),
       activation_({.didBecomeActive = [this] { report(&SessionClient::didBecomeActive); },
                    .willResignActive = [this] { report(&SessionClient::willResignActive); }}),
+      contrast_([this] {
+        colorScheme_.contrastDidChange();
+        report(&SessionClient::contrastDidChange);
+      }),
       colorScheme_({.didLearn =
                         [this] {
                           isReady_ = true;
                           launchWhenReady();
                         },
-                    .didChange = [this] { report(&SessionClient::appearanceDidChange); }}),
+                    .didChange = [this] { report(&SessionClient::appearanceDidChange); },
+                    .contrast = [this] { return contrast_.contrast(); }}),
       signals_(reactor, [this] { report(&SessionClient::terminateRequested); }) {
   watchEndOfSession();
 }

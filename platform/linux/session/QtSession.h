@@ -6,7 +6,9 @@
 #include "linux/Reactor.h"
 #include "linux/qt/SingleShot.h"
 #include "linux/session/ActivationWatch.h"
+#include "linux/session/Announcer.h"
 #include "linux/session/ColorScheme.h"
+#include "linux/session/ContrastSetting.h"
 #include "linux/session/ScreenReader.h"
 #include "linux/session/ScreenWatch.h"
 #include "linux/session/TerminationSignals.h"
@@ -26,6 +28,8 @@ class QtSession final : public QObject, public backend::Session {
   [[nodiscard]] Point pointerLocation() override;
   [[nodiscard]] bool isDark() override { return colorScheme_.isDark(); }
   [[nodiscard]] bool isScreenReaderOn() override { return screenReader_.isOn(); }
+  void announce(const std::string& text) override { announcer_.announce(text); }
+  [[nodiscard]] bool increasesContrast() override { return contrast_.contrast() == qt::Contrast::High; }
   [[nodiscard]] Version platformVersion() override { return {12, 0, 0}; }
   bool openUrl(const std::string& url) override;
 
@@ -54,6 +58,8 @@ class QtSession final : public QObject, public backend::Session {
   bool isLaunched_ = false;
   ScreenWatch screenWatch_;
   ActivationWatch activation_;
+  Announcer announcer_;
+  ContrastSetting contrast_;
   ColorScheme colorScheme_;
   ScreenReader screenReader_;
   TerminationSignals signals_;

@@ -9,6 +9,8 @@
 #include <algorithm>
 
 #include "appkit/NSSearchField.h"
+#include "appkit/NSWorkspace.h"
+#include "linux/qt/AccessibleRole.h"
 #include "linux/qt/MenuRows.h"
 #include "linux/widgets/LinkButton.h"
 #include "linux/widgets/PickerWidgets.h"
@@ -102,7 +104,12 @@ QWidget* DeclarativeWidgets::make(const View& view, QWidget* parent) {
 
 // One `make` for each kind of content; a kind without one does not compile.
 QWidget* DeclarativeWidgets::makeContent(const View& view, QWidget* parent) {
-  return std::visit([&](const auto& content) { return make(content, view, parent); }, view.content);
+  const std::size_t first = bindings_.controls.size();
+  auto* made = std::visit([&](const auto& content) { return make(content, view, parent); }, view.content);
+  if (view.hint.empty()) return made;
+  for (std::size_t i = first; i < bindings_.controls.size(); ++i)
+    bindings_.controls[i]->setAccessibleDescription(qtText(view.hint));
+  return made;
 }
 
 QWidget* DeclarativeWidgets::make(const TextContent& /*text*/, const View& view, QWidget* parent) {
@@ -111,6 +118,7 @@ QWidget* DeclarativeWidgets::make(const TextContent& /*text*/, const View& view,
 
 QWidget* DeclarativeWidgets::make(const swiftui::ImageContent& image, const View& /*view*/, QWidget* parent) {
   auto* picture = new ScaledPicture(image.image, parent);
+  qt::setAccessibleRole(*picture, QAccessible::Graphic);
   picture->setAccessibleName(qtText(image.label));
   return picture;
 }
@@ -139,7 +147,8 @@ QLabel* DeclarativeWidgets::makeText(const View& view, QWidget* parent) {
     bindings_.updates.emplace_back([label, opacity = view.opacityValue] {
       QPalette palette = label->parentWidget()->palette();
       QColor color = palette.color(QPalette::WindowText);
-      color.setAlphaF(static_cast<float>(opacity));
+      const bool isPale = !NSWorkspace::shared().accessibilityDisplayShouldIncreaseContrast();
+      if (isPale) color.setAlphaF(static_cast<float>(opacity));
       palette.setColor(QPalette::WindowText, color);
       label->setPalette(palette);
     });
@@ -183,7 +192,7 @@ void DeclarativeWidgets::addGap(QGridLayout& grid, double points) {
 // of the grid's, so both are ignored.
 void DeclarativeWidgets::addRow(QGridLayout& grid, const View& row, QWidget* form) {
   if (const auto* picker = std::get_if<PickerContent>(&row.content)) {
-    addLabelled(grid, row, swiftui::Text(picker->label), makePicker(*picker, *form, bindings_));
+    addLabelled(grid, row, swiftui::Text(picker->label), makeContent(row, form));
     return;
   }
   const auto* stack = std::get_if<StackContent>(&row.content);
@@ -239,7 +248,10 @@ QWidget* DeclarativeWidgets::make(const swiftui::ToggleContent& toggle, const Vi
   box->setAccessibleName(name);
   bindings_.controls.push_back(box);
   bindings_.updates.emplace_back([box, get = toggle.isOn.get] { box->setChecked(get()); });
-  QObject::connect(box, &QCheckBox::clicked, box, toggle.isOn.set);
+  // A screen reader toggles without a click.
+  QObject::connect(box, &QCheckBox::toggled, box, [isOn = toggle.isOn](bool isChecked) {
+    if (isOn.get() != isChecked) isOn.set(isChecked);
+  });
   return box;
 }
 

@@ -1,5 +1,4 @@
 #include "linux/widgets/Glass.h"
-#include "linux/qt/X11Toolkit.h"
 
 #include <QBackingStore>
 #include <QGuiApplication>
@@ -7,6 +6,9 @@
 #include <QPainter>
 #include <cmath>
 #include <utility>
+
+#include "linux/qt/AccessibleRole.h"
+#include "linux/qt/X11Toolkit.h"
 
 namespace vistrel::widgets {
 
@@ -36,6 +38,7 @@ QImage* backingImage(const QWidget& widget) {
 Glass::Glass(QWidget* parent) : QWidget(parent) {
   setAttribute(Qt::WA_OpaquePaintEvent);
   setAttribute(Qt::WA_TransparentForMouseEvents);
+  qt::setAccessibleRole(*this, QAccessible::Graphic);
 }
 
 Glass::~Glass() { detach(); }

@@ -4,6 +4,8 @@
 #include <QMenu>
 #include <QPainter>
 
+#include "appkit/NSWorkspace.h"
+
 namespace vistrel::widgets {
 
 namespace {
@@ -49,6 +51,8 @@ QAccessibleInterface* makeAccessible(const QString& /*className*/, QObject* obje
 }
 
 QColor bezelColor(bool isDark, const QAbstractButton& button) {
+  if (NSWorkspace::shared().accessibilityDisplayShouldIncreaseContrast())
+    return isDark ? Qt::black : Qt::white;
   const int strength = button.isDown() ? 2 : button.underMouse() ? 1 : 0;
   if (isDark) return QColor(255, 255, 255, 45 * strength);
   const int grey = 250 - 18 * strength;

@@ -6,6 +6,7 @@
 #include <QRadioButton>
 #include <memory>
 
+#include "linux/qt/AccessibleRole.h"
 #include "linux/qt/MenuRows.h"
 #include "linux/widgets/Segment.h"
 
@@ -64,6 +65,7 @@ QWidget* makeMenuPicker(const PickerContent& picker, QWidget& parent, Bindings& 
 QWidget* makeButtonPicker(const PickerContent& picker, QWidget& parent, Bindings& bindings) {
   const bool isRow = picker.style == PickerStyle::Segmented;
   auto* widget = new QWidget(&parent);
+  qt::setAccessibleRole(*widget, QAccessible::Grouping);
   auto* layout = new QBoxLayout(isRow ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom, widget);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->setSpacing(isRow ? 0 : kButtonGap);
@@ -76,9 +78,15 @@ QWidget* makeButtonPicker(const PickerContent& picker, QWidget& parent, Bindings
   }
   bindings.updates.emplace_back([group, get = picker.selection.get] {
     if (auto* chosen = group->button(int(get()))) chosen->setChecked(true);
+    // Qt would have Tab go to the first one until one of them has had the focus.
+    for (auto* button : group->buttons())
+      button->setFocusPolicy(button->isChecked() ? Qt::StrongFocus : Qt::ClickFocus);
   });
-  QObject::connect(group, &QButtonGroup::idClicked, widget,
-                   [selection = picker.selection](int tag) { selection.choose(tag); });
+  // A screen reader toggles without a click.
+  QObject::connect(group, &QButtonGroup::idToggled, widget,
+                   [selection = picker.selection](int tag, bool isOn) {
+                     if (isOn && selection.get() != tag) selection.choose(tag);
+                   });
   return widget;
 }
 

@@ -54,8 +54,10 @@ void QtPushButton::refresh() {
   QtView::refresh();
   native_->setText(qt::labelForQtMenu(QString::fromStdString(button_.title())));
   native_->setEnabled(button_.isEnabled());
-  if (button_.accessibilityLabel().empty())
-    native_->setAccessibleName(QString::fromStdString(button_.title()));
+}
+
+std::string QtPushButton::accessibleName() const {
+  return button_.accessibilityLabel().empty() ? button_.title() : button_.accessibilityLabel();
 }
 
 QtPopUpButton::QtPopUpButton(NSPopUpButton& button, ViewClient& client)

@@ -41,6 +41,9 @@ class QtPushButton final : public QtView {
   QtPushButton(NSButton& button, ViewClient& client);
   void refresh() override;
 
+ protected:
+  [[nodiscard]] std::string accessibleName() const override;
+
  private:
   NSButton& button_;
   QPushButton* native_;

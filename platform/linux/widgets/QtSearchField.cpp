@@ -7,6 +7,8 @@
 #include <QStyle>
 #include <QStyleOptionFrame>
 
+#include "foundation/Bundle.h"
+
 namespace vistrel::widgets {
 
 /// A line that shows its centred placeholder while it has the focus too.
@@ -42,8 +44,9 @@ QtSearchField::QtSearchField(NSSearchField& field, ViewClient& client)
     : QtView(field, client), field_(field), line_(new Line(this)) {
   const QIcon icon = style()->standardIcon(QStyle::SP_LineEditClearButton);
   clear_ = line_->addAction(icon, QLineEdit::TrailingPosition);
-  clear_->setText("Clear");
-  clear_->setToolTip("Clear");
+  const QString name = QString::fromStdString(Bundle::main().localizedString("Clear"));
+  clear_->setText(name);
+  clear_->setToolTip(name);
   line_->setFocusPolicy(field.canBecomeKeyView() ? Qt::StrongFocus : Qt::ClickFocus);
   fillWith(*line_);
   setControl(*line_);
@@ -60,6 +63,9 @@ void QtSearchField::pressClearButton() {
   if (const auto button = cell->cancelButtonCell()) button->performClick(&field_);
 }
 
+// A screen reader tells what a press of a key will do now.
+std::string QtSearchField::accessibleHelp() const { return field_.placeholderString(); }
+
 void QtSearchField::refresh() {
   QtView::refresh();
   const QString text = QString::fromStdString(field_.stringValue());
@@ -67,8 +73,6 @@ void QtSearchField::refresh() {
   line_->setPlaceholderText(QString::fromStdString(field_.placeholderString()));
   line_->setAlignment(field_.alignment() == NSTextAlignment::Center ? Qt::AlignCenter : Qt::AlignVCenter);
   line_->setEnabled(field_.isEnabled());
-  // A screen reader tells what a press of a key will do now.
-  line_->setAccessibleDescription(line_->placeholderText());
   const NSTextView* editor = field_.currentEditor();
   line_->setReadOnly(editor && !editor->isCaretVisible());
   clear_->setVisible(field_.showsCancelButton());

@@ -14,6 +14,9 @@ class QtSearchField final : public QtView {
   QtSearchField(NSSearchField& field, ViewClient& client);
   void refresh() override;
 
+ protected:
+  [[nodiscard]] std::string accessibleHelp() const override;
+
  private:
   class Line;
   void pressClearButton();

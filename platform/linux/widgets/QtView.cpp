@@ -4,6 +4,7 @@
 #include <QPainter>
 
 #include "avfoundation/AVCaptureVideoPreviewLayer.h"
+#include "linux/qt/AccessibleRole.h"
 #include "linux/qt/Geometry.h"
 #include "linux/qt/Palettes.h"
 #include "linux/widgets/Glass.h"
@@ -28,12 +29,16 @@ void QtView::refresh() {
   refreshGlass();
   // One widget of a view has its name, or a screen reader would read it twice.
   QWidget& named = control_ ? *control_ : glass_ ? *glass_ : static_cast<QWidget&>(*this);
-  named.setAccessibleName(QString::fromStdString(view_->accessibilityLabel()));
+  qt::setAccessibleTexts(named, accessibleName(), accessibleHelp());
   if (isHidden() != view_->isHidden() || !testAttribute(Qt::WA_WState_ExplicitShowHide)) {
     setVisible(!view_->isHidden());
   }
   update();
 }
+
+std::string QtView::accessibleName() const { return view_->accessibilityLabel(); }
+
+std::string QtView::accessibleHelp() const { return view_->accessibilityHelp(); }
 
 void QtView::refreshGlass() {
   auto layer = std::dynamic_pointer_cast<AVCaptureVideoPreviewLayer>(view_->layer());

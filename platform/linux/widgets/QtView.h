@@ -2,6 +2,7 @@
 
 #include <QWidget>
 #include <memory>
+#include <string>
 
 #include "appkit/NSView.h"
 
@@ -36,6 +37,9 @@ class QtView : public QWidget {
   void fillWith(QWidget& content);
   /// Reports it when the native focus comes to `control`.
   void setControl(QWidget& control);
+  /// What a screen reader calls the view, and what it says that it is for.
+  [[nodiscard]] virtual std::string accessibleName() const;
+  [[nodiscard]] virtual std::string accessibleHelp() const;
 
   void paintEvent(QPaintEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;

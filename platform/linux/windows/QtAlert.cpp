@@ -32,6 +32,9 @@ NSAppearance appearanceNow() {
 
 void fill(QMessageBox& box, const NSAlert& alert) {
   box.setWindowTitle(program::kName);
+  // What a screen reader says as the focus comes into it.
+  box.setAccessibleName(QString::fromStdString(alert.messageText()));
+  box.setAccessibleDescription(QString::fromStdString(alert.informativeText()));
   box.setTextFormat(Qt::PlainText);
   box.setText(QString::fromStdString(alert.messageText()));
   box.setInformativeText(QString::fromStdString(alert.informativeText()));

@@ -10,6 +10,7 @@
 
 #include "appkit/NSPopUpButton.h"
 #include "appkit/NSView.h"
+#include "linux/qt/AccessibleRole.h"
 #include "linux/qt/Geometry.h"
 #include "linux/qt/Icons.h"
 #include "linux/qt/Palettes.h"
@@ -125,7 +126,7 @@ void QtWindow::activate() {
 void QtWindow::attributesDidChange() {
   const CommandScope scope(*this);
   shell_->setWindowTitle(QString::fromStdString(window_.title()));
-  shell_->setAccessibleDescription(QString::fromStdString(window_.accessibilityHelp()));
+  qt::setAccessibleDescription(*shell_, window_.accessibilityHelp());
   applyLook();
   applyFrame();
   addCloseButton();

@@ -50,6 +50,7 @@ class QtWindow final : public backend::NativeWindow, private ShellClient, privat
   void shellUnexposed() override;
   void shellStateChanged() override;
   void shellDragBegan() override;
+  [[nodiscard]] bool shellCanBeTornOff() const override { return window_.kind() == NSWindowKind::Popover; }
   bool shellDragHandedOver() override;
   void shellDragged(QPoint position) override;
   void shellPointerEntered() override;

@@ -6,6 +6,8 @@
 #include <QPainter>
 #include <utility>
 
+#include "linux/windows/ShellAccessible.h"
+
 namespace vistrel::windows {
 
 namespace {
@@ -17,6 +19,7 @@ constexpr int kCornerSize = 8;
 
 Shell::Shell(ShellClient& client) : client_(&client), content_(new QWidget(this)) {
   setAttribute(Qt::WA_QuitOnClose, false);
+  ShellAccessible::install();
   content_->installEventFilter(this);
 }
 
@@ -26,6 +29,13 @@ void Shell::putAway() {
   // Qt remembers it of the native window, and undoes it by showing that at once.
   destroy();
   setWindowState(Qt::WindowNoState);
+}
+
+void Shell::tearOff() {
+  const auto tear = [this] {
+    if (canBeTornOff()) client_->shellDragBegan();
+  };
+  QMetaObject::invokeMethod(this, tear, Qt::QueuedConnection);
 }
 
 void Shell::retire() {

@@ -26,6 +26,8 @@ class ShellClient {
   virtual void shellStateChanged() = 0;
   /// The pointer, with the button down on the content, has gone far enough to mean a drag.
   virtual void shellDragBegan() = 0;
+  /// Whether a drag of the content would tear the window off.
+  [[nodiscard]] virtual bool shellCanBeTornOff() const = 0;
   /// Whether the desktop has taken the drag over, and tells of no more of it.
   virtual bool shellDragHandedOver() = 0;
   /// The drag goes on; the window would now lie at `position`.
@@ -49,6 +51,9 @@ class Shell final : public QWidget {
   void renew() { destroy(); }
   /// Takes it off the screen. The next showing is one of a window that was never minimized.
   void putAway();
+  [[nodiscard]] bool canBeTornOff() const { return client_ && client_->shellCanBeTornOff(); }
+  /// As a drag of the content does, without moving it; from the main loop.
+  void tearOff();
   /// Nothing is reported any more; the window goes away.
   void retire();
 

@@ -149,8 +149,11 @@ TEST(MirrorCamera, FaultsOfACameraEndInALineAndANeutralGlass) {
     EXPECT_TRUE(program.isShown());
     EXPECT_EQ(program.desktop.tray.toolTip, fault.reason.empty() ? "Vistrel" : "Vistrel: " + fault.reason);
     EXPECT_EQ(program.mirror().view().window()->accessibilityHelp(), fault.reason);
+    const auto& announced = program.desktop.simulatedSession.announcements;
+    EXPECT_EQ(announced.empty() ? "" : announced.back(), fault.reason);
     EXPECT_TRUE(program.desktop.simulatedCameras.camera("B").streams.empty());
     program.desktop.clickIcon();
+    EXPECT_EQ(announced.back(), "Mirror closed");
     EXPECT_EQ(program.desktop.tray.toolTip, "Vistrel");
     EXPECT_EQ(program.desktop.loop.timerCount(), 0U);
     program.desktop.clickIcon();
