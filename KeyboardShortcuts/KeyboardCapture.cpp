@@ -15,12 +15,12 @@ KeyboardCapture::KeyboardCapture(NSWindow& window) : window_(window), content_(w
   resignedKey_ = center.addObserver(NSWindowDidResignKeyNotification, &window,
                                     [this](const Notification&) { release(); });
   constexpr auto kOptions = NSTrackingArea::kMouseEnteredAndExited | NSTrackingArea::kActiveAlways;
-  content_->addTrackingArea({content_->visibleRect(), kOptions, this});
+  window.contentView()->addTrackingArea({window.contentView()->visibleRect(), kOptions, this});
   capture();
 }
 
 KeyboardCapture::~KeyboardCapture() {
-  content_->removeTrackingAreasOf(*this);
+  if (const auto content = content_.lock()) content->removeTrackingAreasOf(*this);
   release();
 }
 

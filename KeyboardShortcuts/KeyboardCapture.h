@@ -30,7 +30,7 @@ class KeyboardCapture final : public NSResponder {
   void release();
 
   NSWindow& window_;
-  std::shared_ptr<NSView> content_;
+  std::weak_ptr<NSView> content_;  // it holds the control that holds this
   bool isHeld_ = false;
   ObservationToken becameKey_;
   ObservationToken resignedKey_;

@@ -59,6 +59,7 @@ std::vector<Glib<GVariant>> SessionBus::callEach(const char* service, const std:
   while (!std::all_of(answers.begin(), answers.end(), hasCome)) g_main_context_iteration(context.get(), TRUE);
   g_main_context_pop_thread_default(context.get());
   std::vector<Glib<GVariant>> result;
+  result.reserve(answers.size());
   for (auto& answer : answers) result.push_back(std::move(*answer));
   return result;
 }
