@@ -4,6 +4,7 @@ reports of faults. Pictures are looked at, never kept."""
 import json
 import os
 import pathlib
+import re
 import shutil
 import subprocess
 import sys
@@ -19,6 +20,9 @@ SECONDS = 5.0
 TOLD = ("node.name", "node.description", "api.v4l2.path", "api.v4l2.cap.card", "api.v4l2.cap.driver", "device.api",
         "object.path")
 STRIPE = 24  # lines of the picture that are looked at
+REFRESHED = "📷 Refreshed Devices"
+LISTED = re.compile(r"<AVCaptureDevice: (.*?) \[((?:v4l2|pipewire):[^\]]*)\]>")
+THROUGH_PIPEWIRE, BY_V4L2 = "through PipeWire", "by V4L2"
 
 
 def say(title, text):
@@ -36,6 +40,11 @@ def output(*command, environment=None):
     return result.stdout + result.stderr
 
 
+def node_paths():
+    """The device nodes that cameras have their pictures from."""
+    return {f"/dev/{folder.name}" for folder in DEVICES.glob("video*") if (folder / "index").read_text().strip() == "0"}
+
+
 def tell_kernel():
     folders = sorted(DEVICES.glob("video*"), key=lambda folder: int(folder.name.removeprefix("video")))
     say("kernel", os.uname().release + "\n" + ("\n".join(
@@ -47,14 +56,14 @@ def tell_kernel():
 
 
 def tell_pipewire():
-    """Whether there is a daemon that answers."""
+    """The device nodes of the cameras by the identifiers that Vistrel gives them; None where no daemon answers."""
     environment = os.environ | {"XDG_RUNTIME_DIR": RUNTIME}
     say("PipeWire", output("pipewire", "--version"))
     try:
         entries = json.loads(output("pw-dump", environment=environment))
     except json.JSONDecodeError:
         say("PipeWire's cameras", "no daemon answers")
-        return False
+        return None
     cameras = [entry for entry in entries
                if (entry.get("info") or {}).get("props", {}).get("media.class") == "Video/Source"]
     for camera in cameras:
@@ -64,15 +73,21 @@ def tell_pipewire():
         say(f"PipeWire's node {camera['id']}", "\n".join(lines + [json.dumps(entry) for entry in formats]))
     if not cameras:
         say("PipeWire's cameras", "none")
-    return True
+    properties = [camera["info"]["props"] for camera in cameras]
+    return {f"pipewire:{entry['object.serial']}": entry.get("api.v4l2.path") for entry in properties}
 
 
 class Mirror:
-    """Vistrel on a private screen, with the user's own cameras."""
+    """Vistrel on a private screen, with the user's own cameras. It takes the camera that bears the name, and where none is
+    given the first of its list."""
 
-    def __init__(self, desktop, name, environment):
+    def __init__(self, desktop, environment, name=None):
         self._desktop = desktop
-        self._program = Program(desktop, {"defaultCameraPreference": name}, environment)
+        self._program = Program(desktop, {"defaultCameraPreference": name} if name else {}, environment)
+
+    def listed(self):
+        """The names and the identifiers of the cameras, in the list's order."""
+        return LISTED.findall(self._program.lines[self._program.wait_line(REFRESHED)])
 
     def stripe(self):
         window = next(iter(self._program.windows()), None)
@@ -99,37 +114,55 @@ class Mirror:
         return first, changes / (time.monotonic() - begin)
 
     def end(self):
-        """Closes the mirror first: a program that ends leaves the camera to the session manager for some seconds."""
-        if self._program.windows():
-            self._program.click()
-            wait_until(lambda: not self._program.windows(), "the end of the mirror")
+        """What the program said."""
         self._program.process.end()
         return self._program.lines + self._program.process.errors
 
 
-def measure(name, has_pipewire):
-    environment = {"PIPEWIRE_RUNTIME_DIR": RUNTIME} if has_pipewire else {}
-    with Desktop(pipewire=False) as desktop:
-        mirror = Mirror(desktop, name, environment)
-        try:
-            seen = mirror.measure()
-        finally:
-            lines = mirror.end()
+def measure(desktop, environment, name=None):
+    mirror = Mirror(desktop, environment, name)
+    try:
+        seen = mirror.measure()
+    finally:
+        lines = mirror.end()
     result = "no picture" if seen is None else f"first picture after {seen[0]:.2f} s, then {seen[1]:.1f} a second"
-    say(f"the mirror on {name}, {'through PipeWire' if has_pipewire else 'by V4L2'}", "\n".join([result, *lines]))
+    return "\n".join([result, *lines])
+
+
+def measure_listed(way, environment, nodes):
+    """Each camera of Vistrel's list, which is the only one that tells the way to it; `nodes` are PipeWire's."""
+    with Desktop(pipewire=False) as desktop:
+        mirror = Mirror(desktop, environment)
+        try:
+            cameras = mirror.listed()
+        finally:
+            mirror.end()
+        paths = [nodes.get(identifier) or identifier.removeprefix("v4l2:").split("#")[0] for _, identifier in cameras]
+        for path in sorted(node_paths() - set(paths)):
+            say(f"the mirror on {path}, {way}", "not listed")
+        if not cameras:
+            say(f"the mirror {way}", "Vistrel lists no camera")
+        names = [name for name, _ in cameras]
+        for index, ((name, identifier), path) in enumerate(zip(cameras, paths)):
+            actual = THROUGH_PIPEWIRE if identifier.startswith("pipewire:") else BY_V4L2
+            title = f"the mirror on {name} at {path}, {actual}"
+            if actual != way:
+                say(title, "not measured here: PipeWire lists no camera")
+            elif index and name in names[index + 1:]:
+                say(title, "not measured: of cameras of one name only the first and the last of the list can be had")
+            else:
+                try:
+                    say(title, measure(desktop, environment, name if index else None))
+                except NeverCame as failure:
+                    say(title, f"could not be measured: {failure}")
 
 
 def main():
     tell_kernel()
-    has_pipewire = tell_pipewire()
-    names = sorted({(folder / "name").read_text().strip() for folder in DEVICES.glob("video*")
-                    if (folder / "index").read_text().strip() == "0"})
-    for name in names:
-        for through in (True, False) if has_pipewire else (False,):
-            try:
-                measure(name, through)
-            except NeverCame as failure:
-                say(f"the mirror on {name}", f"could not be measured: {failure}")
+    nodes = tell_pipewire()
+    if nodes is not None:
+        measure_listed(THROUGH_PIPEWIRE, {"PIPEWIRE_RUNTIME_DIR": RUNTIME}, nodes)
+    measure_listed(BY_V4L2, {}, {})
     return 0
 
 

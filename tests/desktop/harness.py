@@ -1,5 +1,6 @@
 """What the desktop tests share: one private desktop for a class of tests, and Vistrel on it."""
 
+import pathlib
 import re
 import unittest
 
@@ -14,6 +15,9 @@ STARTED = "📹✅ Capture Session Started"
 STOPPED = "📹🛑 Capture Session Stopped"
 FAILED = "📹💥 Capture Session Runtime Error: "
 SIZES = ((426, 240), (852, 480), (1278, 720))
+
+
+GROWTH = {"descriptors": 0, "threads": 0, "memory": 2048}  # KiB: what the allocator may do by itself
 
 
 class DesktopTest(unittest.TestCase):
@@ -59,6 +63,11 @@ class DesktopTest(unittest.TestCase):
         vistrel.click()
         return self.screen.live_picture()
 
+    def assert_flat(self, before, after):
+        """That nothing of what was in use has grown."""
+        for kind, most in GROWTH.items():
+            self.assertLessEqual(after[kind] - before[kind], most, (kind, before, after))
+
     def stored(self, vistrel, key, value):
         """Waits for the preference, which is written on a thread."""
         wait_until(lambda: vistrel.preferences().get(key) == value, f"{key}: {value}")
@@ -67,6 +76,14 @@ class DesktopTest(unittest.TestCase):
         """The mirror is off the screen and the camera free."""
         self.screen.wait_no_picture()
         wait_until(lambda: self.desktop.readers(camera) == 0, "the end of the stream")
+
+
+def in_use(pid):
+    """What a process has: open descriptors, threads, and memory of its own in KiB."""
+    folder = pathlib.Path("/proc") / str(pid)
+    status = dict(line.split(":", 1) for line in (folder / "status").read_text().splitlines())
+    return {"descriptors": len(list((folder / "fd").iterdir())), "threads": int(status["Threads"]),
+            "memory": int(status["RssAnon"].split()[0])}
 
 
 def plain(lines):

@@ -5,6 +5,7 @@ import os
 import pathlib
 import re
 import signal
+import time
 import unittest
 import unittest.mock
 
@@ -127,13 +128,16 @@ class GuestTest(DesktopTest):
         wait_until(lambda: not holders(camera.path), f"the end of every use of {camera.path}")
 
     def close_mirror(self, camera):
-        """The session manager, which lets go of idle cameras late, stands still: only Vistrel can have freed it."""
+        """The session manager, which lets go of idle cameras late, stands still: only Vistrel can have freed it. The time
+        is for whoever reads the log, as all times of an emulated machine are."""
         manager = self.desktop.session_manager if self.through else None
         if manager:
             manager.signal(signal.SIGSTOP)
         try:
+            start = time.monotonic()
             self.dismiss()
             self.wait_free(camera)
+            print(f"free {time.monotonic() - start:.2f} s after the click", flush=True)
         finally:
             if manager:
                 manager.signal(signal.SIGCONT)
