@@ -139,10 +139,11 @@ void NSPopover::stopWatching() {
   if (isShown_ && !isDetached_) backend::current().windows().setOutsidePressClient(nullptr);
 }
 
-void NSPopover::pressedOutside(Point location) {
+void NSPopover::pressedOutside(Point location, Press press) {
   if (!isShown_ || isDetached_ || NSApplication::shared().isModal()) return;
   performClose(nullptr);
-  NSStatusBar::system().closedByPress(location);
+  // No click of the icon comes from a press that its host did not get.
+  if (press == Press::HandedOn) NSStatusBar::system().closedByPress(location);
 }
 
 void NSPopover::tearOff() {

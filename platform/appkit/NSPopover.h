@@ -65,7 +65,7 @@ class NSPopover : public NSObject, public backend::OutsidePressClient {
 
   // backend::OutsidePressClient
   void pressBegan() override {}
-  void pressedOutside(Point location) override;
+  void pressedOutside(Point location, Press press) override;
 
   // From the popover's window.
   void tearOff();

@@ -42,7 +42,7 @@ class NSStatusBar::PressWatch final : public backend::OutsidePressClient {
   PressWatch& operator=(const PressWatch&) = delete;
   ~PressWatch() override { backend::current().windows().setOutsidePressClient(nullptr); }
   void pressBegan() override { bar_.closingPress_.reset(); }
-  void pressedOutside(Point /*location*/) override {}
+  void pressedOutside(Point /*location*/, Press /*press*/) override {}
 
   /// Hosts tell of a click at its release, and not where it was; the pointer may be anywhere by then. Where
   /// the icon is may not be known.

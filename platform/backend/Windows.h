@@ -84,10 +84,12 @@ class NativeWindow {
 class OutsidePressClient {
  public:
   virtual ~OutsidePressClient() = default;
+  /// Who else gets a press: what was pressed, or nobody.
+  enum class Press { HandedOn, Swallowed };
   /// A button went down, who knows where. Told before the click that comes of it, however quick that is.
   virtual void pressBegan() = 0;
   /// A button went down outside all of the program's windows and menus. Told once that is certain.
-  virtual void pressedOutside(Point location) = 0;
+  virtual void pressedOutside(Point location, Press press) = 0;
 };
 
 /// Makes windows, menus and alerts. Main thread only.

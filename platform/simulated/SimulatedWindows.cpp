@@ -43,9 +43,9 @@ SimulatedWindow& SimulatedWindows::titled(const std::string& title) const {
   return *found;
 }
 
-void SimulatedWindows::pressOutside(Point location) {
+void SimulatedWindows::pressOutside(Point location, Press press) {
   if (outsideClient_) outsideClient_->pressBegan();
-  if (outsideClient_) outsideClient_->pressedOutside(location);
+  if (outsideClient_) outsideClient_->pressedOutside(location, press);
 }
 
 }  // namespace vistrel::simulated

@@ -55,7 +55,8 @@ class SimulatedWindows final : public backend::WindowSystem {
   /// The newest window on screen of that title; stops the program when there is none.
   [[nodiscard]] SimulatedWindow& titled(const std::string& title) const;
   /// Where a press is reported that hits none of the program's windows. Reports nothing when nobody listens.
-  void pressOutside(Point location);
+  using Press = backend::OutsidePressClient::Press;
+  void pressOutside(Point location, Press press = Press::HandedOn);
 
   /// Called when a window comes to the screen.
   std::function<void()> whenShown;

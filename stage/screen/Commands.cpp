@@ -108,6 +108,14 @@ void Commands::addSight() {
     const auto place = findPicture(screen_.capture(screen_.whole()));
     return {{"place", place ? toJson(*place) : Json()}};
   };
+  commands_["recognize"] = [](const Words& a) -> Json {  // FILE, a picture of the screen
+    const Image image = readPng(a.at(0));
+    const auto place = findPicture(image);
+    const auto reading = place ? readClock(image, *place) : std::nullopt;
+    if (!reading) return {{"picture", Json()}};
+    return {{"picture",
+             {{"place", toJson(*place)}, {"counter", reading->counter}, {"mirrored", reading->isMirrored}}}};
+  };
   commands_["watch"] = [this](const Words& a) -> Json {  // FRAMES MILLISECONDS [X Y WIDTH HEIGHT]
     std::optional<Rectangle> place;
     if (a.size() > 2) place = rectangleFrom(a, 2);

@@ -71,6 +71,20 @@ std::vector<std::uint32_t> Screen::pointer() const {
   return pixels;
 }
 
+Image readPng(const std::string& path) {
+  png_image png{};
+  png.version = PNG_IMAGE_VERSION;
+  if (png_image_begin_read_from_file(&png, path.c_str()) == 0) return {};
+  png.format = PNG_FORMAT_RGB;
+  std::vector<png_byte> bytes(PNG_IMAGE_SIZE(png));
+  if (png_image_finish_read(&png, nullptr, bytes.data(), 0, nullptr) == 0) return {};
+  Image image{static_cast<int>(png.width), static_cast<int>(png.height), {}};
+  for (std::size_t at = 0; at + 2 < bytes.size(); at += 3)
+    image.pixels.push_back(std::uint32_t{bytes[at]} << 16U | std::uint32_t{bytes[at + 1]} << 8U |
+                           bytes[at + 2]);
+  return image;
+}
+
 bool writePng(const Image& image, const std::string& path) {
   png_image png{};
   png.version = PNG_IMAGE_VERSION;

@@ -48,6 +48,8 @@ class Screen {
   Display* display_;
 };
 
+/// The picture in a file; empty when it cannot be read.
+[[nodiscard]] Image readPng(const std::string& path);
 /// Writes `image` to `path`; false when that fails.
 [[nodiscard]] bool writePng(const Image& image, const std::string& path);
 

@@ -21,11 +21,12 @@ GROWTH = {"descriptors": 0, "threads": 0, "memory": 2048}  # KiB: what the alloc
 
 
 class DesktopTest(unittest.TestCase):
+    make_desktop = Desktop
     stage = {}  # the options of the class's desktop
 
     @classmethod
     def setUpClass(cls):
-        cls.desktop = Desktop(**cls.stage)
+        cls.desktop = cls.make_desktop(**cls.stage)
         cls.addClassCleanup(cls.desktop.close)
         cls.screen = cls.desktop.screen
 

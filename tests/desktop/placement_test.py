@@ -164,7 +164,7 @@ class BarTest(DesktopTest):
 
     stage = {"manager": "i3", "host": "i3bar"}
 
-    def test_neither_bar_nor_icon_is_covered_and_a_torn_off_mirror_follows_the_pointer(self):
+    def test_bar_and_icon_stay_free_the_focus_comes_and_a_torn_off_mirror_follows_the_pointer(self):
         camera = self.desktop.camera()
         vistrel = self.start()
         for _ in range(2):
@@ -172,6 +172,12 @@ class BarTest(DesktopTest):
             self.assertTrue(0 < vistrel.icon()[1] - bottom <= TIP, (vistrel.icon(), bottom))
             vistrel.click()
             self.wait_closed(camera)
+        other = self.desktop.start(["xev"])
+        self.addCleanup(other.end)
+        wait_until(lambda: self.screen.windows(name="Event Tester"), "the other application")
+        self.open(vistrel)
+        self.screen.key("Escape")
+        self.wait_closed(camera)
         x, y, _width, _height = self.open(vistrel)["place"]
         self.screen.ask("drag", x + 60, y + 100, x - 140, y - 100)
         self.screen.move((5, 5))

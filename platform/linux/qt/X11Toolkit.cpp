@@ -34,6 +34,14 @@ QPoint fromPixels(QPoint pixels) {
   return pixels;
 }
 
+QRect toPixels(const QRect& part) {
+  const QScreen* screen = QGuiApplication::screenAt(part.center());
+  if (!screen) return part;
+  const double scale = screen->devicePixelRatio();
+  const QPointF way = QPointF(part.topLeft() - screen->geometry().topLeft()) * scale;
+  return {screen->handle()->geometry().topLeft() + way.toPoint(), (QSizeF(part.size()) * scale).toSize()};
+}
+
 bool isInputFocusOurs() {
   auto* connection = toolkitConnection();
   const xcb_window_t focus = connection ? x11::focusedWindow(connection) : xcb_window_t{XCB_NONE};

@@ -3,6 +3,7 @@
 #include <xcb/xcb.h>
 
 #include <QPoint>
+#include <QRect>
 
 namespace vistrel::qt {
 
@@ -15,6 +16,9 @@ namespace vistrel::qt {
 
 /// Where a pixel of the root window is on the desktop: screens of different scales have different pixels.
 [[nodiscard]] QPoint fromPixels(QPoint pixels);
+
+/// Where a part of a screen is on the root window, in pixels.
+[[nodiscard]] QRect toPixels(const QRect& part);
 
 /// Whether the X server's input focus is on one of the program's windows. Qt alone does not tell: a grab by
 /// any client looks to it as if the focus had left.

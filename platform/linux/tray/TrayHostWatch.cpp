@@ -23,13 +23,7 @@ constexpr const char* kWatcherPath = "/StatusNotifierWatcher";
 // A panel that speaks both ways announces the embedding first, and is gone for a while when it is restarted.
 constexpr milliseconds kPatience{1000};
 
-bool hasEmbeddingHost() {
-  auto* connection = qt::toolkitConnection();
-  const xcb_atom_t selection = x11::atomOf(connection, "_NET_SYSTEM_TRAY_S0");
-  const x11::Reply<xcb_get_selection_owner_reply_t> reply(
-      xcb_get_selection_owner_reply(connection, xcb_get_selection_owner(connection, selection), nullptr));
-  return reply && reply->owner != XCB_NONE;
-}
+bool hasEmbeddingHost() { return x11::isOwned(qt::toolkitConnection(), "_NET_SYSTEM_TRAY_S0"); }
 
 bool hasWatcher() {
   const auto bus = QDBusConnection::sessionBus();

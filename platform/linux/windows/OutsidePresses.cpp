@@ -32,6 +32,7 @@ OutsidePresses::~OutsidePresses() { setClient(nullptr); }
 
 void OutsidePresses::setClient(backend::OutsidePressClient* client) {
   client_ = client;
+  cover_.setAwaited(client_ != nullptr);
   ++watch_;
   ownPresses_.clear();
   qApp->removeEventFilter(this);
@@ -66,14 +67,17 @@ void OutsidePresses::pressed(const x11::RawPress& press) {
   client_->pressBegan();
   if (!client_) return;
   const QPoint place = qt::fromPixels({press.x, press.y});
-  QTimer::singleShot(kPatience, this, [this, watch = watch_, time = press.time, place] {
-    if (watch == watch_) judge(time, place);
-  });
+  QTimer::singleShot(kPatience, this,
+                     [this, watch = watch_, time = press.time, place, isCovered = cover_.isUp()] {
+                       if (watch == watch_) judge(time, place, isCovered);
+                     });
 }
 
-void OutsidePresses::judge(xcb_timestamp_t time, QPoint place) {
+void OutsidePresses::judge(xcb_timestamp_t time, QPoint place, bool isCovered) {
   const bool isOurs = std::find(ownPresses_.begin(), ownPresses_.end(), time) != ownPresses_.end();
-  if (!isOurs && client_) client_->pressedOutside(qt::fromQt(place));
+  if (isOurs || !client_) return;
+  using Press = backend::OutsidePressClient::Press;
+  client_->pressedOutside(qt::fromQt(place), isCovered ? Press::Swallowed : Press::HandedOn);
 }
 
 }  // namespace vistrel::windows

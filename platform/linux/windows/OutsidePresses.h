@@ -3,8 +3,10 @@
 #include <QObject>
 #include <QPoint>
 #include <deque>
+#include <utility>
 
 #include "backend/Windows.h"
+#include "linux/windows/PressCover.h"
 #include "linux/x11/RawPresses.h"
 
 class QMouseEvent;
@@ -16,7 +18,8 @@ namespace vistrel::windows {
 /// client.
 class OutsidePresses : public QObject {
  public:
-  explicit OutsidePresses(x11::RawPresses& presses) : presses_(presses) {}
+  OutsidePresses(x11::RawPresses& presses, PressCover::IconFrame iconFrame)
+      : presses_(presses), cover_(std::move(iconFrame)) {}
   ~OutsidePresses() override;
 
   void setClient(backend::OutsidePressClient* client);
@@ -27,7 +30,7 @@ class OutsidePresses : public QObject {
  private:
   void pressed(const x11::RawPress& press);
   void note(const QWindow& window, const QMouseEvent& press);
-  void judge(xcb_timestamp_t time, QPoint place);
+  void judge(xcb_timestamp_t time, QPoint place, bool isCovered);
 
   x11::RawPresses& presses_;
   backend::OutsidePressClient* client_ = nullptr;
@@ -35,6 +38,7 @@ class OutsidePresses : public QObject {
   int watch_ = 0;
   xcb_timestamp_t watchedSince_ = XCB_CURRENT_TIME;
   std::deque<xcb_timestamp_t> ownPresses_;
+  PressCover cover_;
 };
 
 }  // namespace vistrel::windows

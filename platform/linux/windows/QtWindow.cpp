@@ -121,6 +121,7 @@ void QtWindow::activate() {
   if (shell_->isMinimized()) shell_->setWindowState(Qt::WindowNoState);
   shell_->raise();
   shell_->activateWindow();
+  if (const QWindow* handle = shell_->windowHandle()) x11_.activate(*handle);
 }
 
 void QtWindow::attributesDidChange() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <utility>
 
 #include "backend/Windows.h"
 #include "linux/windows/OutsidePresses.h"
@@ -11,7 +12,9 @@ namespace vistrel::windows {
 /// Windows and menus by way of Qt on X11.
 class QtWindowSystem final : public backend::WindowSystem {
  public:
-  explicit QtWindowSystem(x11::RawPresses& presses) : outsidePresses_(presses) {}
+  /// `iconFrame` tells where the icon in the tray is.
+  QtWindowSystem(x11::RawPresses& presses, PressCover::IconFrame iconFrame)
+      : outsidePresses_(presses, std::move(iconFrame)) {}
 
   std::unique_ptr<backend::NativeWindow> makeWindow(NSWindow& window, backend::WindowClient& client) override;
   void flush() override { surroundings_.x11.flush(); }

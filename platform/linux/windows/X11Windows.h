@@ -5,6 +5,8 @@
 #include <QColor>
 #include <QRegion>
 #include <QWindow>
+#include <array>
+#include <cstdint>
 
 namespace vistrel::windows {
 
@@ -29,6 +31,10 @@ class X11Windows {
   /// without this they look older than the user's last key in another program.
   void noteUserAction();
 
+  /// Asks the window manager for the focus as the user's own wish, of this moment. What an application asks
+  /// for by itself, as Qt does, a manager that guards the focus strictly refuses.
+  void activate(const QWindow& window);
+
   /// What the server fills the window with where nothing was painted yet: it needs no turn of the main loop.
   void setBackground(const QWindow& window, const QColor& color);
 
@@ -47,11 +53,13 @@ class X11Windows {
  private:
   void writeState(xcb_window_t window, ListedAs listed);
   void askForState(xcb_window_t window, ListedAs listed);
+  void askManager(xcb_window_t window, xcb_atom_t wish, const std::array<std::uint32_t, 4>& data);
 
   xcb_connection_t* connection_ = nullptr;
   bool isXWayland_ = false;
   xcb_window_t root_ = 0;
   xcb_atom_t state_ = 0;
+  xcb_atom_t activeWindow_ = 0;
   xcb_atom_t skipTaskbar_ = 0;
   xcb_atom_t skipPager_ = 0;
 };

@@ -22,6 +22,12 @@ struct OneMask {
 
 }  // namespace
 
+xcb_void_cookie_t selectRawPresses(xcb_connection_t* connection, Watching watching) {
+  constexpr std::uint32_t kRawPresses = XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS;
+  const OneMask selection = {{XCB_INPUT_DEVICE_ALL_MASTER, 1}, watching == Watching::On ? kRawPresses : 0};
+  return xcb_input_xi_select_events_checked(connection, rootOf(connection), 1, &selection.head);
+}
+
 RawPresses::RawPresses(X11Connection& connection) : connection_(connection) {
   const auto* data =
       connection_.isOpen() ? xcb_get_extension_data(connection_.get(), &xcb_input_id) : nullptr;
@@ -43,12 +49,8 @@ void RawPresses::setHandler(Handler handler) {
 }
 
 void RawPresses::select(Watching watching) {
-  constexpr std::uint32_t kRawPresses = XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS;
-  const OneMask selection = {{XCB_INPUT_DEVICE_ALL_MASTER, 1}, watching == Watching::On ? kRawPresses : 0};
-  const auto cookie =
-      xcb_input_xi_select_events_checked(connection_.get(), connection_.root(), 1, &selection.head);
   // Waited for: the server takes its clients in no order, and the next press must not get ahead.
-  std::ignore = connection_.succeeds(cookie);
+  std::ignore = connection_.succeeds(selectRawPresses(connection_.get(), watching));
 }
 
 void RawPresses::eventCame(const xcb_generic_event_t& event) {

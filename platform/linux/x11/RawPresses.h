@@ -18,6 +18,11 @@ struct RawPress {
   int y = 0;
 };
 
+/// Has the server tell `connection` of the presses of all pointers (XI_RawButtonPress), or of none any more.
+/// XInput 2.2 or later was asked for on it before.
+enum class Watching { Off, On };
+[[nodiscard]] xcb_void_cookie_t selectRawPresses(xcb_connection_t* connection, Watching watching);
+
 /// Watches every press on the desktop (XInput 2), only while somebody listens. Main thread only.
 class RawPresses {
  public:
@@ -31,7 +36,6 @@ class RawPresses {
   void setHandler(Handler handler);
 
  private:
-  enum class Watching { Off, On };
   void select(Watching watching);
   void eventCame(const xcb_generic_event_t& event);
   [[nodiscard]] RawPress locate(int button, xcb_timestamp_t time);

@@ -16,6 +16,7 @@ namespace {
 
 using test::Program;
 using Lines = std::vector<std::string>;
+using Press = backend::OutsidePressClient::Press;
 
 constexpr std::uint64_t kShift = NSEventModifierFlags::kShift;
 constexpr std::uint64_t kCommand = NSEventModifierFlags::kCommand;
@@ -79,6 +80,7 @@ TEST(Mirror, AClickOnTheIconClosesWhereverThePointerIsByItsEnd) {
     Point release;
     bool opensAgain;
     bool isReleaseTold = true;
+    Press kind = Press::HandedOn;
   };
   Program program;
   program.launchWith({"A"});
@@ -87,10 +89,11 @@ TEST(Mirror, AClickOnTheIconClosesWhereverThePointerIsByItsEnd) {
   const Point elsewhere{100, 700};
   for (const Case& c :
        {Case{inIcon, inIcon, false}, Case{{icon.x, icon.y}, {icon.maxX(), icon.maxY()}, false},
-        Case{inIcon, elsewhere, false}, Case{elsewhere, inIcon, true}, Case{inIcon, inIcon, true, false}}) {
+        Case{inIcon, elsewhere, false}, Case{elsewhere, inIcon, true}, Case{inIcon, inIcon, true, false},
+        Case{inIcon, inIcon, true, true, Press::Swallowed}}) {
     program.desktop.tray.isReleaseTold = c.isReleaseTold;
     if (!program.isShown()) program.desktop.clickIcon();
-    program.desktop.windowSystem.pressOutside(c.press);
+    program.desktop.windowSystem.pressOutside(c.press, c.kind);
     EXPECT_FALSE(program.isShown());
     program.desktop.simulatedSession.pointer = c.release;
     program.desktop.tray.client().statusIconPressed(backend::PointerButton::Left, 0, c.release);

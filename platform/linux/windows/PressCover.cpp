@@ -1,0 +1,98 @@
+#include "linux/windows/PressCover.h"
+
+#include <qpa/qplatformscreen.h>
+#include <qpa/qplatformwindow.h>
+
+#include <QApplication>
+#include <QEvent>
+#include <QRegion>
+#include <QScreen>
+#include <QWindow>
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "linux/qt/Geometry.h"
+#include "linux/qt/X11Toolkit.h"
+#include "linux/x11/Requests.h"
+
+namespace vistrel::windows {
+
+namespace {
+
+bool isAttachedPopover(const QWindow* window) { return window->isVisible() && window->type() == Qt::Tool; }
+
+bool changesTheView(QEvent::Type type) {
+  return type == QEvent::Show || type == QEvent::Hide || type == QEvent::Move || type == QEvent::Resize;
+}
+
+QRegion desktopInPixels() {
+  QRegion region;
+  for (const QScreen* screen : QGuiApplication::screens()) region += screen->handle()->geometry();
+  return region;
+}
+
+QRegion ownWindowsInPixels() {
+  QRegion region;
+  for (const QWindow* window : QGuiApplication::topLevelWindows()) {
+    const auto* native = window->isVisible() ? window->handle() : nullptr;
+    if (native) region += native->geometry().marginsAdded(native->frameMargins());
+  }
+  return region;
+}
+
+std::vector<xcb_rectangle_t> rectanglesOf(const QRegion& region) {
+  std::vector<xcb_rectangle_t> rectangles;
+  for (const QRect& r : region) {
+    rectangles.push_back({static_cast<std::int16_t>(r.x()), static_cast<std::int16_t>(r.y()),
+                          static_cast<std::uint16_t>(r.width()), static_cast<std::uint16_t>(r.height())});
+  }
+  return rectangles;
+}
+
+}  // namespace
+
+PressCover::PressCover(IconFrame iconFrame) : iconFrame_(std::move(iconFrame)) {
+  auto* connection = qt::toolkitConnection();
+  isXWayland_ = connection && x11::isXWayland(connection);
+  if (isXWayland_) qApp->installEventFilter(this);
+}
+
+PressCover::~PressCover() = default;
+
+void PressCover::setAwaited(bool isAwaited) {
+  isAwaited_ = isAwaited;
+  if (isXWayland_) update();
+}
+
+// In a turn of its own: an event comes before what it tells of is so.
+bool PressCover::eventFilter(QObject* object, QEvent* event) {
+  if (!isUpdateDue_ && object->isWindowType() && changesTheView(event->type())) {
+    isUpdateDue_ = true;
+    QMetaObject::invokeMethod(
+        this, [this] { update(); }, Qt::QueuedConnection);
+  }
+  return false;
+}
+
+bool PressCover::isWanted() const {
+  if (QApplication::activePopupWidget()) return true;
+  const auto windows = QGuiApplication::topLevelWindows();
+  return isAwaited_ && !QApplication::activeModalWidget() &&
+         std::any_of(windows.begin(), windows.end(), isAttachedPopover);
+}
+
+// Where nobody composes the windows, as in a nested server, a transparent one would hide the desktop.
+void PressCover::update() {
+  isUpdateDue_ = false;
+  if (!isWanted() || !x11::isOwned(qt::toolkitConnection(), "_NET_WM_CM_S0")) {
+    cover_.reset();
+    return;
+  }
+  const auto icon = iconFrame_();
+  const QRegion spared = icon ? QRegion(qt::toPixels(qt::toQt(*icon))) : QRegion();
+  if (!cover_) cover_ = std::make_unique<x11::InputCover>();
+  cover_->setParts(rectanglesOf(desktopInPixels() - ownWindowsInPixels() - spared));
+}
+
+}  // namespace vistrel::windows
