@@ -129,8 +129,8 @@ class RecorderTest(RecorderRules, SettingsTest):
         self.record(vistrel)
         self.screen.key("Tab")
         self.expect(vistrel, "⌃⌥⎵", space)
-        # On to the next control, not to the first one.
-        wait_until(lambda: "focused" in self.find(vistrel, "Click away from the window", "radio button")["states"],
+        # On to the next control, not to the first one: to the choice that is made.
+        wait_until(lambda: "focused" in self.find(vistrel, "Click on the icon again", "radio button")["states"],
                    "the focus on the next control")
         x, y, width, height = self.field(vistrel)["place"]
         self.screen.drag((x + width // 2 - 20, y + height // 2), (x + width // 2 + 20, y + height // 2))
@@ -222,8 +222,8 @@ class RecorderTest(RecorderRules, SettingsTest):
         self.expect_toggle(vistrel, camera, "Control_L", "Shift_L", "F6")
 
     def test_keys_held_a_while_are_recorded_and_open_nothing(self):
-        vistrel = self.start({"dismissPreference": 1})
         self.desktop.camera()
+        vistrel = self.start({"dismissPreference": 1})
         self.desktop.run("xset", "r", "rate", "20", "100")
         self.addCleanup(self.desktop.run, "xset", "r", "rate")
         self.open_window(vistrel, "Preferences")
