@@ -32,7 +32,7 @@ Result<LockedFile> openLocked(const std::string& folder) {
 
 // The next content; the file is set aside where the present one makes no sense.
 Result<std::optional<std::string>> edited(const LockedFile& file, const Order& order,
-                                          std::optional<std::string> content,
+                                          const std::optional<std::string>& content,
                                           std::optional<std::string>& aside) {
   if (auto wanted = order.edit(content)) return wanted;
   auto moved = file.setAside();
@@ -50,7 +50,7 @@ Outcome carryOut(const std::string& folder, const std::vector<Order>& orders) {
   std::optional<std::string> aside;
   auto content = present.value();
   for (const auto& order : orders) {
-    auto next = edited(file.value(), order, std::move(content), aside);
+    auto next = edited(file.value(), order, content, aside);
     if (!next) return next.error();
     content = std::move(next).value();
   }
