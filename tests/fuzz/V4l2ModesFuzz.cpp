@@ -14,6 +14,8 @@ class Driver final : public camera::V4l2System {
   explicit Driver(fuzz::Bytes bytes) : bytes_(bytes) {}
 
   std::vector<std::string> nodes() override { return {}; }
+  bool isAlias(const std::string& /*path*/) override { return false; }
+  std::string groupOf(const std::string& /*path*/) override { return {}; }
   Label label(const std::string& /*path*/) override { return {}; }
   int open(const std::string& /*path*/) override { return 3; }
   void close(int /*fd*/) override {}
