@@ -62,8 +62,10 @@ Combinations takenSets(xcb_connection_t* connection, const ModifierMap& modifier
 
 Combinations takenOnServer(xcb_connection_t* connection, const ModifierMap& modifiers,
                            const std::function<bool(backend::HotKeyCombination)>& isOurs) {
+  // Grabs of a server do not nest, so that each round of attempts ends before the next one begins.
+  const auto sets = takenSets(connection, modifiers);
   Attempts attempts(connection);
-  for (const auto& [none, set] : takenSets(connection, modifiers)) {
+  for (const auto& [none, set] : sets) {
     for (std::uint32_t evdev = 1; evdev <= kHighestEvdevCode; ++evdev) {
       const auto code = virtualKeyCodeFromEvdev(evdev);
       if (!code || isOurs({*code, set})) continue;
