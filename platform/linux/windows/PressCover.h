@@ -22,7 +22,7 @@ class PressCover final : public QObject {
 
   /// Whether somebody waits for presses outside.
   void setAwaited(bool isAwaited);
-  [[nodiscard]] bool isUp() const { return cover_ != nullptr; }
+  [[nodiscard]] bool isUp() const { return cover_ && cover_->isAble(); }
 
  protected:
   bool eventFilter(QObject* object, QEvent* event) override;

@@ -22,6 +22,8 @@ class InputCover {
   InputCover& operator=(const InputCover&) = delete;
   ~InputCover();
 
+  /// Whether it can cover anything.
+  [[nodiscard]] bool isAble() const { return thread_.joinable(); }
   /// Covers these parts of the desktop and no others, in pixels; again, too, after a press has ended it.
   void setParts(const std::vector<xcb_rectangle_t>& parts);
 
