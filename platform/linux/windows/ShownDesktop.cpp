@@ -28,15 +28,7 @@ bool ShownDesktop::isShown() const {
 void ShownDesktop::end() const {
   auto* connection = qt::toolkitConnection();
   if (!connection) return;
-  xcb_client_message_event_t message = {};
-  message.response_type = XCB_CLIENT_MESSAGE;
-  message.format = 32;
-  message.window = x11::rootOf(connection);
-  message.type = state_;
-  xcb_send_event(connection, 0, message.window,
-                 XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
-                 reinterpret_cast<const char*>(&message));
-  xcb_flush(connection);
+  x11::askManager(connection, x11::rootOf(connection), state_, {});
 }
 
 bool ShownDesktop::nativeEventFilter(const QByteArray& /*type*/, void* message, qintptr* /*result*/) {

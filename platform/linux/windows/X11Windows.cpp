@@ -5,7 +5,7 @@
 
 #include <QGuiApplication>
 #include <QScreen>
-#include <algorithm>
+#include <array>
 #include <vector>
 
 #include "linux/qt/X11Toolkit.h"
@@ -29,7 +29,6 @@ X11Windows::X11Windows() {
   connection_ = qt::toolkitConnection();
   if (!connection_) return;
   isXWayland_ = x11::isXWayland(connection_);
-  root_ = x11::rootOf(connection_);
   state_ = x11::atomOf(connection_, "_NET_WM_STATE");
   activeWindow_ = x11::atomOf(connection_, "_NET_ACTIVE_WINDOW");
   skipTaskbar_ = x11::atomOf(connection_, "_NET_WM_STATE_SKIP_TASKBAR");
@@ -62,25 +61,12 @@ void X11Windows::writeState(xcb_window_t window, ListedAs listed) {
 // Afterwards the window manager owns it.
 void X11Windows::askForState(xcb_window_t window, ListedAs listed) {
   const std::uint32_t change = listed == ListedAs::Accessory ? kAddState : kRemoveState;
-  askManager(window, state_, {change, skipTaskbar_, skipPager_, kFromApplication});
+  x11::askManager(connection_, window, state_, {change, skipTaskbar_, skipPager_, kFromApplication});
 }
 
 void X11Windows::activate(const QWindow& window) {
   if (!connection_) return;
-  askManager(idOf(window), activeWindow_, {kFromUser, qt::serverTime(), XCB_NONE});
-}
-
-void X11Windows::askManager(xcb_window_t window, xcb_atom_t wish, const std::array<std::uint32_t, 4>& data) {
-  xcb_client_message_event_t message = {};
-  message.response_type = XCB_CLIENT_MESSAGE;
-  message.format = 32;
-  message.window = window;
-  message.type = wish;
-  std::copy(data.begin(), data.end(), message.data.data32);
-  xcb_send_event(connection_, 0, root_,
-                 XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
-                 reinterpret_cast<const char*>(&message));
-  xcb_flush(connection_);
+  x11::askManager(connection_, idOf(window), activeWindow_, {kFromUser, qt::serverTime(), XCB_NONE});
 }
 
 void X11Windows::setShape(const QWindow& window, const QRegion& shape) {

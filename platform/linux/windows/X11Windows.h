@@ -5,8 +5,6 @@
 #include <QColor>
 #include <QRegion>
 #include <QWindow>
-#include <array>
-#include <cstdint>
 
 namespace vistrel::windows {
 
@@ -53,11 +51,9 @@ class X11Windows {
  private:
   void writeState(xcb_window_t window, ListedAs listed);
   void askForState(xcb_window_t window, ListedAs listed);
-  void askManager(xcb_window_t window, xcb_atom_t wish, const std::array<std::uint32_t, 4>& data);
 
   xcb_connection_t* connection_ = nullptr;
   bool isXWayland_ = false;
-  xcb_window_t root_ = 0;
   xcb_atom_t state_ = 0;
   xcb_atom_t activeWindow_ = 0;
   xcb_atom_t skipTaskbar_ = 0;

@@ -1,5 +1,6 @@
 #include "linux/x11/Requests.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -37,6 +38,20 @@ bool isXWayland(xcb_connection_t* connection) {
   const Reply<xcb_query_extension_reply_t> reply(xcb_query_extension_reply(connection, cookie, nullptr));
   const char* session = std::getenv("WAYLAND_DISPLAY");
   return (reply && reply->present) || (session && *session);
+}
+
+void askManager(xcb_connection_t* connection, xcb_window_t window, xcb_atom_t wish,
+                const std::array<std::uint32_t, 4>& data) {
+  xcb_client_message_event_t message = {};
+  message.response_type = XCB_CLIENT_MESSAGE;
+  message.format = 32;
+  message.window = window;
+  message.type = wish;
+  std::copy(data.begin(), data.end(), message.data.data32);
+  xcb_send_event(connection, 0, rootOf(connection),
+                 XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+                 reinterpret_cast<const char*>(&message));
+  xcb_flush(connection);
 }
 
 }  // namespace vistrel::x11

@@ -2,6 +2,8 @@
 
 #include <xcb/xcb.h>
 
+#include <array>
+#include <cstdint>
 #include <cstdlib>
 #include <memory>
 
@@ -27,5 +29,10 @@ using Reply = std::unique_ptr<T, Free>;
 /// Whether the server is one for X11 programs in a Wayland session (XWayland), which knows where the pointer
 /// is and what is pressed only while it is over a window of such a program.
 [[nodiscard]] bool isXWayland(xcb_connection_t* connection);
+
+/// Sends the window manager a wish for a window, or for the desktop where that is the root, as the Extended
+/// Window Manager Hints have it: a message to the root window, sent at once.
+void askManager(xcb_connection_t* connection, xcb_window_t window, xcb_atom_t wish,
+                const std::array<std::uint32_t, 4>& data);
 
 }  // namespace vistrel::x11
