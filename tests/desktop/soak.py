@@ -1,6 +1,5 @@
 """Openings without end: ./soak [ROUNDS] [SEED]. What happens in a round is drawn by the seed, which is told first."""
 
-import pathlib
 import random
 import sys
 import time
@@ -9,6 +8,7 @@ from stage.desktop import Desktop
 from stage.portal import Portal
 from stage.processes import wait_until
 from stage.program import Program, centre
+from tests.desktop.harness import in_use
 from tests.desktop.settings import ROWS
 
 OFFERS = {"one": ["mjpeg:1280x720@30"], "two": ["yuy2:1280x720@30"]}
@@ -103,14 +103,9 @@ class Soak:
         self.screen.destroy(self.vistrel.windows()[0])
 
     def measure(self):
-        def facts(pid):
-            folder = pathlib.Path("/proc") / str(pid)
-            status = dict(line.split(":", 1) for line in (folder / "status").read_text().splitlines())
-            return int(status["RssAnon"].split()[0]), len(list((folder / "fd").iterdir())), int(status["Threads"])
-        memory, descriptors, threads = facts(self.vistrel.pid)
-        server_memory, server_descriptors, _ = facts(self.desktop.server_pid)
-        return {"KiB": memory, "descriptors": descriptors, "threads": threads, "server KiB": server_memory,
-                "server descriptors": server_descriptors, "streams": self.streams()}
+        ours, server = in_use(self.vistrel.pid), in_use(self.desktop.server_pid)
+        return {"KiB": ours["memory"], "descriptors": ours["descriptors"], "threads": ours["threads"],
+                "server KiB": server["memory"], "server descriptors": server["descriptors"], "streams": self.streams()}
 
     def close(self):
         self.portal.close()
