@@ -13,7 +13,6 @@ FRAMES = 60
 
 
 def main():
-    FOLDER.mkdir(parents=True, exist_ok=True)
     return 0 if all([show(look) for look in ("light", "dark")]) else 1
 
 
