@@ -1,9 +1,6 @@
 #include "appkit/NSWindow.h"
 
 #include <algorithm>
-#include <chrono>
-#include <cmath>
-#include <cstdio>
 #include <utility>
 #include <vector>
 
@@ -15,32 +12,12 @@
 #include "backend/Backend.h"
 #include "foundation/Bundle.h"
 #include "foundation/NotificationCenter.h"
-#include "foundation/UserDefaults.h"
 
 namespace vistrel {
 
 namespace {
 
 constexpr const char* kPerformClose = "performClose:";
-
-// A hand that drags a window rests less than this; one that lets go notices nothing of it.
-constexpr std::chrono::milliseconds kRestAfterMoving(300);
-
-std::string autosaveKey(const std::string& name) { return "NSWindow Frame " + name; }
-
-std::string frameText(const Rect& frame) {
-  char text[128];
-  std::snprintf(text, sizeof text, "%.0f %.0f %.0f %.0f", frame.x, frame.y, frame.width, frame.height);
-  return text;
-}
-
-std::optional<Point> savedOrigin(const std::string& name) {
-  const auto text = UserDefaults::standard().stringForKey(autosaveKey(name));
-  Point origin;
-  if (!text || std::sscanf(text->c_str(), "%lf %lf", &origin.x, &origin.y) != 2) return std::nullopt;
-  if (!std::isfinite(origin.x) || !std::isfinite(origin.y)) return std::nullopt;
-  return origin;
-}
 
 }  // namespace
 
@@ -103,17 +80,10 @@ void NSWindow::center() {
 }
 
 void NSWindow::setFrameAutosaveName(const std::string& name) {
-  autosaveName_ = name;
-  const auto origin = savedOrigin(name);
+  const auto origin = autosave_.start(name);
   if (!origin) return;
   const Rect wanted{origin->x, origin->y, frame_.width, frame_.height};
   setFrame(movedOntoScreen(wanted, backend::current().session().screens()));
-}
-
-void NSWindow::saveFrame() {
-  movement_.reset();
-  if (autosaveName_.empty()) return;
-  UserDefaults::standard().setString(frameText(frame_), autosaveKey(autosaveName_));
 }
 
 void NSWindow::setTitle(std::string title) {
@@ -194,7 +164,7 @@ void NSWindow::performClose(NSObject* /*sender*/) {
 void NSWindow::close() {
   if (!isVisible_ && !isMapped_) return;
   if (const auto sheet = sheet_) sheet->respond(NSModalResponse::Abort);
-  if (movement_) saveFrame();
+  autosave_.finish();
   makeFirstResponder(nullptr);
   orderOut(nullptr);
 }
@@ -256,11 +226,9 @@ void NSWindow::setKey(bool isKey) {
   NotificationCenter::defaultCenter().post(change, this);
 }
 
-// Each step of a drag comes here, and to write is to wait for the disk: where it ends is enough.
 void NSWindow::didMove(const Rect& frame) {
   frame_ = frame;
-  if (autosaveName_.empty()) return;
-  movement_ = backend::current().mainLoop().after(kRestAfterMoving, [this] { saveFrame(); });
+  autosave_.frameDidMove();
 }
 
 // No style of ours can be minimized. Where the window manager does it all the same, it is undone.

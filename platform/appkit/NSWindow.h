@@ -4,10 +4,10 @@
 #include <optional>
 #include <string>
 
+#include "appkit/FrameAutosave.h"
 #include "appkit/NSAppearance.h"
 #include "appkit/NSControl.h"
 #include "appkit/NSResponder.h"
-#include "backend/MainLoop.h"
 #include "backend/Windows.h"
 
 namespace vistrel {
@@ -149,15 +149,14 @@ class NSWindow : public NSResponder,
   void updateCloseButton();
   void makeNative();
   void setKey(bool isKey);
-  void saveFrame();
   void tellTrackingOwners(NSEventType type);
 
   NSWindowKind kind_;
   unsigned styleMask_;
   Rect frame_;
+  FrameAutosave autosave_{frame_};
   std::string title_;
   std::string accessibilityHelp_;
-  std::string autosaveName_;
   std::optional<PopoverTip> tip_;
   std::optional<NSAppearance> appearance_;
   std::shared_ptr<NSView> contentView_;
@@ -165,7 +164,6 @@ class NSWindow : public NSResponder,
   std::shared_ptr<NSAlert> sheet_;
   NSResponder* firstResponder_ = nullptr;
   std::unique_ptr<backend::NativeWindow> native_;
-  std::unique_ptr<backend::Timer> movement_;  // while the window is being moved
   bool isMapped_ = false;
   bool isVisible_ = false;
   bool isPutAside_ = false;
