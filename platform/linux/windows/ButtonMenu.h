@@ -1,24 +1,28 @@
 #pragma once
 
+#include <QAbstractButton>
 #include <QMenu>
-#include <memory>
 
-#include "linux/qt/MenuRows.h"
+namespace vistrel {
+class NSPopUpButton;
+}
 
 namespace vistrel::windows {
 
-/// The menu of a pull-down button on screen: a snapshot of its items. Deletes itself after it has closed.
+/// The menu of a pull-down button on screen: a snapshot of its items. The button is held down while it is
+/// open. Deletes itself after it has closed.
 class ButtonMenu final : public QMenu {
  public:
-  /// `opener`: whose child the menu is. `first`: index of the first item that is listed. `chosen` is called
-  /// from the main loop, after the close.
-  ButtonMenu(QWidget& opener, const std::shared_ptr<NSMenu>& menu, std::size_t first,
-             qt::MenuItemChosen chosen);
+  /// `face` shows the button, and is the menu's parent. What the user chooses is told to the button from the
+  /// main loop, after the close.
+  ButtonMenu(QAbstractButton& face, NSPopUpButton& button);
 
-  /// Pops up beside `anchor`, on the desktop, with the first item marked for the keyboard or none for a
-  /// pointer.
+  /// Pops up beside the face, with the first item marked for the keyboard or none for a pointer.
   enum class OpenedBy { Keyboard, Pointer };
-  void popUpBeside(const QRect& anchor, OpenedBy opener);
+  void popUp(OpenedBy opener);
+
+ private:
+  QAbstractButton& face_;
 };
 
 }  // namespace vistrel::windows

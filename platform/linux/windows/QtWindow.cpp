@@ -1,8 +1,6 @@
 #include "linux/windows/QtWindow.h"
 
 #include <QAbstractButton>
-#include <QApplication>
-#include <QCursor>
 #include <QKeyEvent>
 #include <QPointer>
 #include <QWindow>
@@ -11,25 +9,12 @@
 #include "appkit/NSPopUpButton.h"
 #include "appkit/NSView.h"
 #include "linux/qt/AccessibleRole.h"
-#include "linux/qt/Geometry.h"
-#include "linux/qt/Icons.h"
-#include "linux/qt/Palettes.h"
 #include "linux/widgets/QtControls.h"
 #include "linux/windows/NativeEvents.h"
-#include "linux/windows/PopoverShape.h"
 
 namespace vistrel::windows {
 
 namespace {
-
-// An ordinary window can be closed and moved; nothing of ours gains from another size or from being
-// minimised.
-constexpr Qt::WindowFlags kTitledFlags = Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
-                                         Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint;
-constexpr Qt::WindowFlags kChrome =
-    Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::NoDropShadowWindowHint;
-constexpr Qt::WindowFlags kPopoverFlags = Qt::Tool | kChrome;
-constexpr Qt::WindowFlags kDetachedFlags = Qt::Window | kChrome;
 
 bool isTab(const QEvent& event) {
   return event.type() == QEvent::KeyPress && static_cast<const QKeyEvent&>(event).key() == Qt::Key_Tab;
@@ -44,9 +29,10 @@ QtWindow::QtWindow(NSWindow& window, backend::WindowClient& client, Surroundings
       shownDesktop_(surroundings.shownDesktop),
       shell_(new Shell(*this)),
       tree_(shell_->content(), *this),
-      shownKind_(window.kind()) {
+      attributes_(window, *shell_, x11_),
+      pointer_(shell_->content(), client, [this] { return commands_ > 0; }) {
   const CommandScope scope(*this);
-  shell_->setWindowFlags(hasChrome() ? kPopoverFlags : kTitledFlags);
+  attributes_.applyFlags();
   attributesDidChange();
   QObject::connect(&shownDesktop_, &ShownDesktop::changed, &context_, [this] { shellStateChanged(); });
   QObject::connect(&surroundings.popups, &PopupWatch::closed, &context_, [this] { popupClosed(); });
@@ -57,21 +43,18 @@ QtWindow::~QtWindow() {
   shell_->retire();
 }
 
-bool QtWindow::hasChrome() const { return window_.kind() != NSWindowKind::Titled; }
-
 void QtWindow::contentDidChange() {
   const CommandScope scope(*this);
   tree_.build(window_.contentView().get());
   addCloseButton();
   firstResponderDidChange(dynamic_cast<NSView*>(window_.firstResponder()));
-  // A new content under a resting pointer has not been told of it.
   const bool isOther = std::exchange(builtContent_, window_.contentView()) != window_.contentView();
-  if (isOther && std::exchange(isPointerInside_, false)) tellPointer(true);
+  if (isOther) pointer_.contentDidChange();
 }
 
 void QtWindow::addCloseButton() {
   const auto& button = window_.closeButton();
-  if (!button || !hasChrome() || tree_.find(button.get())) return;
+  if (!button || !attributes_.hasChrome() || tree_.find(button.get())) return;
   tree_.add(*button,
             std::make_unique<widgets::CloseButton>(*button, static_cast<widgets::ViewClient&>(*this)));
 }
@@ -81,15 +64,13 @@ void QtWindow::show() {
   if (!shell_->isVisible()) {
     const QWindow* old = shell_->windowHandle();
     if (old && x11_.presenceOf(*old) == X11Windows::Presence::None) shell_->renew();
-    margins_ = hasChrome() ? PopoverShape::margins(window_.tip()) : QMargins();
+    attributes_.makeRoom();
     attributesDidChange();
-    shell_->winId();
-    applyChrome();
-    applyKind();
+    attributes_.applyBeforeShowing();
     x11_.noteUserAction();
     if (shownDesktop_.isShown()) shownDesktop_.end();
     shell_->show();
-    if (hasChrome()) x11_.standAlone(*shell_->windowHandle());
+    if (attributes_.hasChrome()) x11_.standAlone(*shell_->windowHandle());
     mayBeMisplaced_ = window_.kind() == NSWindowKind::Popover && !x11_.isXWayland();
   }
   activate();
@@ -101,7 +82,7 @@ void QtWindow::hide() {
   if (menu_) menu_->close();
   shell_->putAway();
   isOffScreen_ = false;
-  tellPointer(false);
+  pointer_.didLeave();
 }
 
 bool QtWindow::isOnScreen() const {
@@ -128,51 +109,10 @@ void QtWindow::attributesDidChange() {
   const CommandScope scope(*this);
   shell_->setWindowTitle(QString::fromStdString(window_.title()));
   qt::setAccessibleDescription(*shell_, window_.accessibilityHelp());
-  applyLook();
-  applyFrame();
+  if (attributes_.applyColors()) tree_.refreshAll();
+  attributes_.applyFrame();
   addCloseButton();
-  const bool isOtherKind = std::exchange(shownKind_, window_.kind()) != window_.kind();
-  if (shell_->isVisible() && hasChrome()) applyChrome();
-  if (isOtherKind && shell_->isVisible()) applyKind();
-}
-
-// The flags of the native window change in place. QWidget::setWindowFlags would hide the window first, and
-// the picture would flicker.
-void QtWindow::applyKind() {
-  QWindow& handle = *shell_->windowHandle();
-  const bool isAccessory = window_.kind() == NSWindowKind::Popover;
-  // Lists of windows show it where no desktop entry is installed. The popover, in no list, does not wait for
-  // it.
-  if (!isAccessory) handle.setIcon(qt::applicationIcon());
-  if (hasChrome()) handle.setFlags(isAccessory ? kPopoverFlags : kDetachedFlags);
-  x11_.setListed(handle, isAccessory ? X11Windows::ListedAs::Accessory : X11Windows::ListedAs::Window);
-}
-
-void QtWindow::applyLook() {
-  const QPalette palette = qt::paletteFor(window_.effectiveAppearance());
-  if (shell_->testAttribute(Qt::WA_SetPalette) && shell_->palette() == palette) return;
-  shell_->setPalette(palette);
-  tree_.refreshAll();
-}
-
-void QtWindow::applyFrame() {
-  const QRect content = qt::toQt(window_.frame());
-  const QRect outer = content.marginsAdded(margins_);
-  if (outer.isEmpty()) return;
-  if (shell_->geometry() != outer) {
-    shell_->setFixedSize(outer.size());
-    shell_->setGeometry(outer);
-  }
-  shell_->content().setGeometry(QRect(QPoint(margins_.left(), margins_.top()), content.size()));
-}
-
-void QtWindow::applyChrome() {
-  if (!hasChrome()) return;
-  const auto tip = window_.kind() == NSWindowKind::Popover ? window_.tip() : std::nullopt;
-  const PopoverShape shape(shell_->content().geometry(), tip, shell_->geometry().topLeft());
-  shell_->setChrome(shape.outline(), qt::chromeLine(window_.effectiveAppearance()));
-  x11_.setShape(*shell_->windowHandle(), shape.region(shell_->devicePixelRatioF()));
-  x11_.setBackground(*shell_->windowHandle(), qt::neutralGlass(window_.effectiveAppearance()));
+  attributes_.applyWhileShown();
 }
 
 void QtWindow::viewDidChange(NSView& view) {
@@ -199,46 +139,22 @@ void QtWindow::popUpMenu(NSPopUpButton& button) {
   auto* face = widget ? qobject_cast<QAbstractButton*>(widget->control()) : nullptr;
   if (!face || !shell_->isVisible()) return;
   if (menu_) menu_->close();
-  const auto kept = std::static_pointer_cast<NSPopUpButton>(button.shared_from_this());
-  menu_ = new ButtonMenu(*face, button.menu(), button.pullsDown() ? 1 : 0,
-                         [kept](const auto& item) { kept->itemChosen(item); });
-  QObject::connect(menu_, &QMenu::aboutToHide, face, [face] { face->setDown(false); });
+  menu_ = new ButtonMenu(*face, button);
   QObject::connect(
       menu_, &QMenu::aboutToHide, &context_, [this] { menuClosed(); }, Qt::QueuedConnection);
-  face->setDown(true);
-  const QRect anchor(face->mapToGlobal(QPoint(0, 0)), face->size());
-  menu_->popUpBeside(anchor, wasKeyLast_ ? ButtonMenu::OpenedBy::Keyboard : ButtonMenu::OpenedBy::Pointer);
-}
-
-bool QtWindow::isPointerOverContent() const {
-  const QWidget* under = QApplication::widgetAt(QCursor::pos());
-  return under && (under == &shell_->content() || shell_->content().isAncestorOf(under));
+  menu_->popUp(wasKeyLast_ ? ButtonMenu::OpenedBy::Keyboard : ButtonMenu::OpenedBy::Pointer);
 }
 
 // While one was open the pointer was neither in the content nor away from it.
 void QtWindow::popupClosed() {
-  if (shell_->isVisible()) tellPointer(isPointerOverContent());
+  if (shell_->isVisible()) pointer_.look();
 }
 
 // A menu that a key opened has shown what hangs on the pointer, wherever that was.
 void QtWindow::menuClosed() {
   if (menu_ && menu_->isVisible()) return;
-  const bool isInside = isPointerOverContent();
-  isPointerInside_ = !isInside;
-  tellPointer(isInside);
+  pointer_.lookAnew();
 }
-
-void QtWindow::tellPointer(bool isInside) {
-  if (std::exchange(isPointerInside_, isInside) == isInside) return;
-  const auto tell = [this, isInside] { isInside ? client_.pointerDidEnter() : client_.pointerDidLeave(); };
-  if (commands_ == 0) {
-    tell();
-  } else {
-    QMetaObject::invokeMethod(&context_, tell, Qt::QueuedConnection);
-  }
-}
-
-Rect QtWindow::contentOnDesktop() const { return qt::fromQt(shell_->geometry().marginsRemoved(margins_)); }
 
 void QtWindow::shellCloseRequested() {
   QMetaObject::invokeMethod(
@@ -247,7 +163,7 @@ void QtWindow::shellCloseRequested() {
 
 void QtWindow::shellActivated() {
   // Nothing was heard of the pointer while an alert was up.
-  if (!hasChrome()) tellPointer(isPointerOverContent());
+  if (!attributes_.hasChrome()) pointer_.look();
   client_.didGainFocus();
 }
 
@@ -258,16 +174,16 @@ void QtWindow::shellDeactivated() {
 }
 
 void QtWindow::shellMoved() {
-  if (commands_ > 0 || !shell_->isVisible() || contentOnDesktop() == window_.frame()) return;
+  if (commands_ > 0 || !shell_->isVisible() || attributes_.contentOnDesktop() == window_.frame()) return;
   // A manager that gives a new window a title bar before it sees that none is wanted has moved it by that.
   if (std::exchange(mayBeMisplaced_, false)) {
     const CommandScope scope(*this);
-    return applyFrame();
+    return attributes_.applyFrame();
   }
-  client_.didMove(contentOnDesktop());
+  client_.didMove(attributes_.contentOnDesktop());
 }
 
-void QtWindow::shellScaled() { applyChrome(); }
+void QtWindow::shellScaled() { attributes_.applyChrome(); }
 
 // In a turn of its own: the answer may be to bring the window back, or to close it.
 void QtWindow::shellStateChanged() {
@@ -285,7 +201,7 @@ void QtWindow::tellPresence() {
 }
 
 void QtWindow::shellDragBegan() {
-  if (hasChrome()) client_.dragDidBegin();
+  if (attributes_.hasChrome()) client_.dragDidBegin();
 }
 
 // Some Wayland compositors let no program move its windows; all of them move one for the pointer that holds
@@ -301,12 +217,12 @@ void QtWindow::shellDragged(QPoint position) {
     const CommandScope scope(*this);
     shell_->move(position);
   }
-  client_.didMove(contentOnDesktop());
+  client_.didMove(attributes_.contentOnDesktop());
 }
 
-void QtWindow::shellPointerEntered() { tellPointer(true); }
+void QtWindow::shellPointerEntered() { pointer_.didEnter(); }
 
-void QtWindow::shellPointerLeft() { tellPointer(false); }
+void QtWindow::shellPointerLeft() { pointer_.didLeave(); }
 
 bool QtWindow::shellFilter(QEvent& event) {
   wasKeyLast_ = event.type() == QEvent::KeyPress;

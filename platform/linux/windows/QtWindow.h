@@ -7,8 +7,10 @@
 #include "backend/Windows.h"
 #include "linux/widgets/ViewTree.h"
 #include "linux/windows/ButtonMenu.h"
+#include "linux/windows/ContentPointer.h"
 #include "linux/windows/PopupWatch.h"
 #include "linux/windows/Shell.h"
+#include "linux/windows/ShellAttributes.h"
 #include "linux/windows/ShownDesktop.h"
 #include "linux/windows/X11Windows.h"
 
@@ -60,17 +62,9 @@ class QtWindow final : public backend::NativeWindow, private ShellClient, privat
   void focusWanted(NSView& view) override;
   void clicked(NSView& view) override;
 
-  [[nodiscard]] bool hasChrome() const;
-  [[nodiscard]] Rect contentOnDesktop() const;
   [[nodiscard]] std::shared_ptr<NSEvent> translated(QEvent& event);
-  void applyFrame();
-  void applyChrome();
-  void applyKind();
-  void applyLook();
   void addCloseButton();
-  [[nodiscard]] bool isPointerOverContent() const;
   void popupClosed();
-  void tellPointer(bool isInside);
   void tellPresence();
   void menuClosed();
 
@@ -93,13 +87,11 @@ class QtWindow final : public backend::NativeWindow, private ShellClient, privat
   Shell* shell_;
   widgets::ViewTree tree_;
   QPointer<ButtonMenu> menu_;
-  // Room around the content; kept when a popover is torn off, so that the content stays where it is.
-  QMargins margins_;
-  NSWindowKind shownKind_;
+  ShellAttributes attributes_;
+  ContentPointer pointer_;
   std::shared_ptr<NSView> builtContent_;
   int commands_ = 0;
   bool mayBeMisplaced_ = false;  ///< nothing has moved it since it was shown
-  bool isPointerInside_ = false;
   bool isOffScreen_ = false;
   bool wasKeyLast_ = false;
   // Reports that wait for the main loop are dropped with the window.
