@@ -3,11 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <tuple>
 #include <vector>
 
 #include "KeyboardShortcuts/KeyboardShortcuts.h"
-#include "KeyboardShortcuts/resource_bundle_accessor.h"
 #include "appkit/NSAlert.h"
 #include "appkit/NSApplication.h"
 #include "appkit/NSMenu.h"
@@ -279,26 +277,6 @@ TEST_F(RecorderTest, ShowsTheShortcutOfItsName) {
   expectRecording(true, "the focus goes in a later turn");
   desktop.loop.settle();
   expectRecording(false, "a name of another raw value");
-}
-
-TEST_F(RecorderTest, SpeaksTheUsersLanguage) {
-  desktop.resourceFolder.translations["record_shortcut"] = "Kürzel aufnehmen";
-  const auto german = std::make_shared<RecorderCocoa>(name);
-  EXPECT_EQ(german->placeholderString(), "Kürzel aufnehmen");
-  german->becomeFirstResponder();
-  EXPECT_EQ(german->placeholderString(), kListening) << "English where there is no translation";
-  EXPECT_EQ(resourceBundle().localizedString("unknown_key"), "unknown_key");
-}
-
-TEST(RecorderTexts, AreFoundBesideTheProgramTooOrStopIt) {
-  GTEST_FLAG_SET(death_test_style, "threadsafe");  // a process that has not found them yet
-  simulated::SimulatedDesktop bare("/nonexistent");
-  EXPECT_FALSE(findResourceBundle());
-  EXPECT_DEATH(std::ignore = resourceBundle(),
-               "unable to find bundle named KeyboardShortcuts_KeyboardShortcuts");
-  EXPECT_DEATH(RecorderCocoa::initWithCoder(), "Fatal error: .*has not been implemented");
-  bare.resourceFolder.overrides["../KeyboardShortcuts_KeyboardShortcuts.bundle"] = "";
-  EXPECT_TRUE(findResourceBundle());
 }
 
 }  // namespace

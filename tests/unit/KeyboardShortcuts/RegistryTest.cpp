@@ -4,7 +4,6 @@
 
 #include "KeyboardShortcuts/CarbonKeyboardShortcuts.h"
 #include "KeyboardShortcuts/KeyboardShortcuts.h"
-#include "KeyboardShortcuts/LocalEventMonitor.h"
 #include "KeyboardShortcuts/MenuItemShortcut.h"
 #include "KeyboardShortcuts/Name.h"
 #include "base/KeyCodes.h"
@@ -269,32 +268,6 @@ TEST_F(RegistryTest, LetsMenuItemsFollowAName) {
   shows("", 0);
   desktop.loop.settle();
   shows(" ", NSEventModifierFlags::kCommand);
-}
-
-TEST_F(RegistryTest, WatchesEventsForTheLifeOfAMonitor) {
-  const auto keyDown = NSEvent::keyEvent({NSEventType::KeyDown, {}, 0});
-  auto monitor = std::make_shared<LocalEventMonitor>(maskOf(NSEventType::KeyDown), [this](const auto& event) {
-                   said.push_back("seen");
-                   return event->keyCode() == 0 ? nullptr : event;
-                 })->start();
-  EXPECT_EQ(NSEvent::filter(keyDown), nullptr);
-  const auto other = NSEvent::keyEvent({NSEventType::KeyDown, {}, 1});
-  EXPECT_EQ(NSEvent::filter(other), other);
-  EXPECT_NE(NSEvent::filter(NSEvent::keyEvent({NSEventType::KeyUp, {}, 0})), nullptr);
-  EXPECT_EQ(take(), (Strings{"seen", "seen"}));
-  monitor.reset();
-  {
-    const LocalEventMonitor neverStarted(maskOf(NSEventType::KeyDown), [](const auto&) { return nullptr; });
-  }
-  EXPECT_EQ(NSEvent::filter(keyDown), keyDown);
-  EXPECT_EQ(take(), Strings{});
-
-  monitor = std::make_shared<LocalEventMonitor>(maskOf(NSEventType::KeyDown), [&](const auto& event) {
-              monitor.reset();
-              return event;
-            })->start();
-  EXPECT_EQ(NSEvent::filter(keyDown), keyDown);
-  EXPECT_EQ(monitor, nullptr);
 }
 
 }  // namespace
