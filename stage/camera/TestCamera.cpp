@@ -7,18 +7,15 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <limits>
 #include <span>
 #include <utility>
 #include <vector>
 
 #include <spa/buffer/meta.h>
-#include <spa/param/buffers.h>
-#include <spa/param/video/format-utils.h>
 #include <spa/pod/builder.h>
 #include <unistd.h>
 
-#include "stage/camera/StreamFormat.h"
+#include "stage/camera/StreamParameters.h"
 
 namespace vistrel::stage {
 namespace {
@@ -26,7 +23,6 @@ namespace {
 constexpr int kNanosecondsPerMillisecond = 1'000'000;
 constexpr std::int64_t kNanosecondsPerSecond = 1'000'000'000;
 constexpr int kPulledCable = 9;
-constexpr int kManyFormats = 2000;
 constexpr std::size_t kOfferBytes = 1 << 20;
 
 std::int64_t now() {
@@ -81,26 +77,11 @@ void TestCamera::makeStream() {
   stream_ = pw_stream_new_simple(loop(), options_.nodeName.c_str(), properties, &kEvents, this);
 }
 
-std::vector<const spa_pod*> TestCamera::offered(spa_pod_builder& builder) const {
-  std::vector<const spa_pod*> formats;
-  for (const Offer& offer : options_.offers) formats.push_back(describe(builder, offer));
-  Offer lie = options_.offers.front();
-  for (int i = 0; options_.evil == Evil::Formats && i < kManyFormats; ++i) {
-    lie.width = lie.height = 2 * i + 2;
-    formats.push_back(describe(builder, lie));
-  }
-  for (const int side : {0, -1, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()}) {
-    lie.width = lie.height = side;
-    if (options_.evil == Evil::HugeFormats) formats.push_back(describe(builder, lie));
-  }
-  return formats;
-}
-
 void TestCamera::offerAnew() {
   std::vector<std::uint8_t> memory(kOfferBytes);
   spa_pod_builder builder{};
   spa_pod_builder_init(&builder, memory.data(), static_cast<std::uint32_t>(memory.size()));
-  auto formats = offered(builder);
+  auto formats = describeFormats(builder, options_);
   pw_stream_update_params(stream_, formats.data(), static_cast<std::uint32_t>(formats.size()));
 }
 
@@ -109,7 +90,7 @@ bool TestCamera::connect() {
   std::vector<std::uint8_t> memory(kOfferBytes);
   spa_pod_builder builder{};
   spa_pod_builder_init(&builder, memory.data(), static_cast<std::uint32_t>(memory.size()));
-  auto formats = offered(builder);
+  auto formats = describeFormats(builder, options_);
   const int buffers = memory_ ? PW_STREAM_FLAG_ALLOC_BUFFERS : PW_STREAM_FLAG_MAP_BUFFERS;
   const auto flags = static_cast<pw_stream_flags>(PW_STREAM_FLAG_DRIVER | buffers);
   return pw_stream_connect(stream_, PW_DIRECTION_OUTPUT, PW_ID_ANY, flags, formats.data(), formats.size()) >=
@@ -170,22 +151,8 @@ void TestCamera::announceBuffers() {
   std::array<std::uint8_t, 1024> memory{};
   spa_pod_builder builder{};
   spa_pod_builder_init(&builder, memory.data(), memory.size());
-  const auto size = static_cast<int>(source_->maximumBytes());
   const int types = memory_ ? 1 << memory_->dataType() : (1 << SPA_DATA_MemFd) | (1 << SPA_DATA_MemPtr);
-  std::array<const spa_pod*, 3> parameters{
-      static_cast<const spa_pod*>(spa_pod_builder_add_object(
-          &builder, SPA_TYPE_OBJECT_ParamBuffers, SPA_PARAM_Buffers, SPA_PARAM_BUFFERS_buffers,
-          SPA_POD_CHOICE_RANGE_Int(8, 2, 32), SPA_PARAM_BUFFERS_blocks, SPA_POD_Int(1),
-          SPA_PARAM_BUFFERS_size, SPA_POD_Int(size), SPA_PARAM_BUFFERS_stride, SPA_POD_Int(source_->stride()),
-          SPA_PARAM_BUFFERS_dataType, SPA_POD_CHOICE_FLAGS_Int(types))),
-      static_cast<const spa_pod*>(spa_pod_builder_add_object(
-          &builder, SPA_TYPE_OBJECT_ParamMeta, SPA_PARAM_Meta, SPA_PARAM_META_type,
-          SPA_POD_Id(SPA_META_Header), SPA_PARAM_META_size, SPA_POD_Int(sizeof(spa_meta_header)))),
-      static_cast<const spa_pod*>(
-          spa_pod_builder_add_object(&builder, SPA_TYPE_OBJECT_ParamMeta, SPA_PARAM_Meta, SPA_PARAM_META_type,
-                                     SPA_POD_Id(SPA_META_VideoTransform), SPA_PARAM_META_size,
-                                     SPA_POD_Int(sizeof(spa_meta_videotransform)))),
-  };
+  auto parameters = describeBuffers(builder, *source_, types);
   pw_stream_update_params(stream_, parameters.data(), parameters.size());
 }
 

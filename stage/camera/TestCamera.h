@@ -38,7 +38,6 @@ class TestCamera {
 
   [[nodiscard]] pw_loop* loop() const { return pw_main_loop_get_loop(mainLoop_); }
   void makeStream();
-  [[nodiscard]] std::vector<const spa_pod*> offered(spa_pod_builder& builder) const;
   void offerAnew();
   bool connect();
   void setTimer(bool isOn);

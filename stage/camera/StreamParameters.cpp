@@ -1,12 +1,17 @@
-#include "stage/camera/StreamFormat.h"
+#include "stage/camera/StreamParameters.h"
 
 #include <cstdlib>
+#include <limits>
 #include <utility>
 
+#include <spa/buffer/meta.h>
+#include <spa/param/buffers.h>
 #include <spa/param/video/format-utils.h>
 
 namespace vistrel::stage {
 namespace {
+
+constexpr int kManyFormats = 2000;
 
 std::uint32_t spaFormat(PixelFormat format) {
   switch (format) {
@@ -47,8 +52,6 @@ void addRates(spa_pod_builder& builder, const std::vector<int>& rates) {
   spa_pod_builder_pop(&builder, &choice);
 }
 
-}  // namespace
-
 const spa_pod* describe(spa_pod_builder& builder, const Offer& offer) {
   spa_pod_frame object{};
   spa_pod_builder_push_object(&builder, &object, SPA_TYPE_OBJECT_Format, SPA_PARAM_EnumFormat);
@@ -64,6 +67,43 @@ const spa_pod* describe(spa_pod_builder& builder, const Offer& offer) {
   spa_pod_builder_rectangle(&builder, offer.width, offer.height);
   addRates(builder, offer.rates);
   return static_cast<const spa_pod*>(spa_pod_builder_pop(&builder, &object));
+}
+
+const spa_pod* describeMeta(spa_pod_builder& builder, spa_meta_type type, std::size_t size) {
+  return static_cast<const spa_pod*>(
+      spa_pod_builder_add_object(&builder, SPA_TYPE_OBJECT_ParamMeta, SPA_PARAM_Meta, SPA_PARAM_META_type,
+                                 SPA_POD_Id(type), SPA_PARAM_META_size, SPA_POD_Int(static_cast<int>(size))));
+}
+
+}  // namespace
+
+std::vector<const spa_pod*> describeFormats(spa_pod_builder& builder, const Options& options) {
+  std::vector<const spa_pod*> formats;
+  for (const Offer& offer : options.offers) formats.push_back(describe(builder, offer));
+  Offer lie = options.offers.front();
+  for (int i = 0; options.evil == Evil::Formats && i < kManyFormats; ++i) {
+    lie.width = lie.height = 2 * i + 2;
+    formats.push_back(describe(builder, lie));
+  }
+  for (const int side : {0, -1, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()}) {
+    lie.width = lie.height = side;
+    if (options.evil == Evil::HugeFormats) formats.push_back(describe(builder, lie));
+  }
+  return formats;
+}
+
+std::array<const spa_pod*, 3> describeBuffers(spa_pod_builder& builder, const PictureSource& source,
+                                              int types) {
+  const auto size = static_cast<int>(source.maximumBytes());
+  return {
+      static_cast<const spa_pod*>(spa_pod_builder_add_object(
+          &builder, SPA_TYPE_OBJECT_ParamBuffers, SPA_PARAM_Buffers, SPA_PARAM_BUFFERS_buffers,
+          SPA_POD_CHOICE_RANGE_Int(8, 2, 32), SPA_PARAM_BUFFERS_blocks, SPA_POD_Int(1),
+          SPA_PARAM_BUFFERS_size, SPA_POD_Int(size), SPA_PARAM_BUFFERS_stride, SPA_POD_Int(source.stride()),
+          SPA_PARAM_BUFFERS_dataType, SPA_POD_CHOICE_FLAGS_Int(types))),
+      describeMeta(builder, SPA_META_Header, sizeof(spa_meta_header)),
+      describeMeta(builder, SPA_META_VideoTransform, sizeof(spa_meta_videotransform)),
+  };
 }
 
 std::optional<ChosenFormat> parseFormat(const spa_pod* format) {
