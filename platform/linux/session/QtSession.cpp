@@ -1,9 +1,11 @@
 #include "linux/session/QtSession.h"
 
 #include <QApplication>
+#include <QByteArray>
 #include <QCursor>
 #include <QDesktopServices>
 #include <QEvent>
+#include <QFile>
 #include <QSessionManager>
 #include <QUrl>
 #include <QWindow>
@@ -11,9 +13,9 @@
 #include <utility>
 
 #include "base/Log.h"
+#include "base/Program.h"
 #include "linux/qt/Geometry.h"
 #include "linux/session/SingleInstance.h"
-#include "linux/session/StartReason.h"
 
 namespace vistrel::session {
 
@@ -28,6 +30,25 @@ bool isAnyWindowOnScreen() {
   const auto windows = QGuiApplication::topLevelWindows();
   return std::any_of(windows.begin(), windows.end(),
                      [](const QWindow* window) { return window->isVisible(); });
+}
+
+// GNOME's session sets the second one. systemd, which Plasma and GNOME start autostart entries by, names the
+// unit.
+bool isStartedByLogin() {
+  if (qEnvironmentVariableIsSet(program::kAutostartMark) ||
+      qEnvironmentVariableIsSet("DESKTOP_AUTOSTART_ID")) {
+    return true;
+  }
+  QFile groups("/proc/self/cgroup");
+  return groups.open(QIODevice::ReadOnly) && groups.readAll().contains("@autostart.service");
+}
+
+bool isStartedByBus() { return qEnvironmentVariableIsSet("DBUS_STARTER_BUS_TYPE"); }
+
+// Whether somebody started the program and waits to see it: not the login, and not the session bus for a
+// caller who wants something else. `wasActivated`: the bus's message asks for the program itself.
+bool isStartedBySomebody(bool wasActivated) {
+  return !isStartedByLogin() && (!isStartedByBus() || wasActivated);
 }
 
 }  // namespace
