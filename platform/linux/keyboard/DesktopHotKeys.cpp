@@ -4,11 +4,13 @@
 #include <QSet>
 #include <QString>
 #include <algorithm>
+#include <array>
 #include <chrono>
+#include <optional>
 #include <utility>
 
+#include "base/KeyCodes.h"
 #include "base/Log.h"
-#include "linux/keyboard/PortalTrigger.h"
 #include "linux/keyboard/ShortcutPortal.h"
 
 namespace vistrel::keyboard {
@@ -23,6 +25,39 @@ using backend::HotKeyPhase;
 constexpr const char* kIdPrefix = "toggleShortcutMode.";
 // Longer than any desktop waits before it repeats a held key.
 constexpr std::chrono::milliseconds kReleasePatience(1000);
+
+struct Word {
+  std::uint32_t modifier;
+  const char* text;
+};
+constexpr std::array<Word, 4> kWords = {
+    {{controlKey, "CTRL+"}, {optionKey, "ALT+"}, {shiftKey, "SHIFT+"}, {cmdKey, "LOGO+"}}};
+constexpr std::size_t kLongestSymbolName = 64;
+
+std::string words(std::uint32_t modifiers, xkb_keysym_t symbol) {
+  std::string text;
+  for (const auto& word : kWords) {
+    if (modifiers & word.modifier) text += word.text;
+  }
+  std::array<char, kLongestSymbolName> name{};
+  xkb_keysym_get_name(symbol, name.data(), name.size());
+  return text + name.data();
+}
+
+// The words for a hot key in the XDG shortcuts specification, such as "CTRL+ALT+z".
+struct PortalTrigger {
+  std::string onThisLayout;   // with the symbol that the present layout has on the key
+  std::string onPlainLayout;  // with that of the plain us layout: the same on every keyboard
+};
+
+// None for a key that no symbol is on.
+std::optional<PortalTrigger> portalTrigger(backend::HotKeyCombination combination, Keymap& keymap) {
+  const auto place = evdevFromVirtualKeyCode(combination.keyCode);
+  const auto present = place ? keymap.symbolOn(*place) : std::nullopt;
+  const auto plain = place ? Keymap::plainSymbolOn(*place) : std::nullopt;
+  if (!present || !plain) return std::nullopt;
+  return PortalTrigger{words(combination.modifiers, *present), words(combination.modifiers, *plain)};
+}
 
 }  // namespace
 

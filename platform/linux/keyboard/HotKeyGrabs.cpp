@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "base/KeyCodes.h"
-#include "linux/x11/Xkb.h"
 
 namespace vistrel::keyboard {
 

@@ -3,12 +3,11 @@
 #include <linux/input-event-codes.h>
 #include <xkbcommon/xkbcommon-x11.h>
 
+#include <algorithm>
 #include <array>
 #include <set>
 
 #include "base/KeyCodes.h"
-#include "linux/keyboard/KeySymbolText.h"
-#include "linux/x11/Xkb.h"
 
 namespace vistrel::keyboard {
 
@@ -51,6 +50,67 @@ std::optional<xkb_keysym_t> mainSymbol(xkb_keymap* keymap, std::uint16_t evdevCo
 xkb_keymap* plainKeymap(xkb_context* context) {
   const xkb_rule_names names = {"evdev", "pc105", "us", "", ""};
   return xkb_keymap_new_from_names(context, &names, XKB_KEYMAP_COMPILE_NO_FLAGS);
+}
+
+struct DeadKey {
+  xkb_keysym_t symbol;
+  const char* accent;
+};
+
+constexpr auto kDeadKeys = std::to_array<DeadKey>({
+    {XKB_KEY_dead_grave, "`"},
+    {XKB_KEY_dead_acute, "´"},
+    {XKB_KEY_dead_circumflex, "^"},
+    {XKB_KEY_dead_tilde, "~"},
+    {XKB_KEY_dead_macron, "¯"},
+    {XKB_KEY_dead_breve, "˘"},
+    {XKB_KEY_dead_abovedot, "˙"},
+    {XKB_KEY_dead_diaeresis, "¨"},
+    {XKB_KEY_dead_abovering, "˚"},
+    {XKB_KEY_dead_doubleacute, "˝"},
+    {XKB_KEY_dead_caron, "ˇ"},
+    {XKB_KEY_dead_cedilla, "¸"},
+    {XKB_KEY_dead_ogonek, "˛"},
+    {XKB_KEY_dead_iota, "ͺ"},
+    {XKB_KEY_dead_voiced_sound, "゛"},
+    {XKB_KEY_dead_semivoiced_sound, "゜"},
+    {XKB_KEY_dead_belowdot, "."},
+    {XKB_KEY_dead_hook, "ˀ"},
+    {XKB_KEY_dead_horn, "ʼ"},
+    {XKB_KEY_dead_stroke, "/"},
+    {XKB_KEY_dead_abovecomma, "᾿"},
+    {XKB_KEY_dead_abovereversedcomma, "῾"},
+    {XKB_KEY_dead_doublegrave, "˵"},
+    {XKB_KEY_dead_belowring, "˳"},
+    {XKB_KEY_dead_belowmacron, "ˍ"},
+    {XKB_KEY_dead_belowcircumflex, "ꞈ"},
+    {XKB_KEY_dead_belowtilde, "˷"},
+    {XKB_KEY_dead_invertedbreve, "⁀"},
+    {XKB_KEY_dead_belowcomma, ","},
+    {XKB_KEY_dead_currency, "¤"},
+    {XKB_KEY_dead_greek, "µ"},
+    {XKB_KEY_dead_lowline, "_"},
+    {XKB_KEY_dead_aboveverticalline, "ˈ"},
+    {XKB_KEY_dead_belowverticalline, "ˌ"},
+});
+
+constexpr std::size_t kLongestText = 8;
+
+bool isControlCharacter(const std::string& text) {
+  const auto first = static_cast<unsigned char>(text.front());
+  return text.size() == 1 && (first < 0x20 || first == 0x7F);
+}
+
+// What a key symbol prints, as UTF-8: its character, or for a dead key the accent standing alone. Empty for
+// a symbol that prints nothing.
+std::string textOf(xkb_keysym_t symbol) {
+  const auto* dead = std::find_if(kDeadKeys.begin(), kDeadKeys.end(),
+                                  [&](const DeadKey& key) { return key.symbol == symbol; });
+  if (dead != kDeadKeys.end()) return dead->accent;
+  std::array<char, kLongestText> buffer = {};
+  if (xkb_keysym_to_utf8(symbol, buffer.data(), buffer.size()) <= 0) return {};
+  std::string text(buffer.data());
+  return text.empty() || isControlCharacter(text) ? std::string() : text;
 }
 
 }  // namespace

@@ -5,8 +5,6 @@
 #include <chrono>
 #include <utility>
 
-#include "linux/x11/Xkb.h"
-
 namespace vistrel::x11 {
 
 namespace {

@@ -11,6 +11,11 @@
 #include "linux/Reactor.h"
 #include "linux/x11/Requests.h"
 
+// For the kinds that `xkbKind` answers. The library's header uses a keyword of C++ as a name.
+#define explicit explicit_
+#include <xcb/xkb.h>
+#undef explicit
+
 namespace vistrel::x11 {
 
 /// A connection of our own to the X server, apart from the toolkit's: it hears of our grabs, of outside

@@ -12,7 +12,7 @@
 #include "base/KeyCodes.h"
 #include "linux/keyboard/HotKeyGrabs.h"
 #include "linux/keyboard/X11Keyboard.h"
-#include "linux/x11/Xkb.h"
+#include "linux/x11/X11Connection.h"
 #include "simulated/SimulatedDesktop.h"
 #include "tests/unit/linux/PollReactor.h"
 
