@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "KeyboardShortcuts/KeyboardShortcuts.h"
-#include "KeyboardShortcuts/RecorderTexts.h"
+#include "KeyboardShortcuts/resource_bundle_accessor.h"
 #include "appkit/NSAlert.h"
 #include "appkit/NSApplication.h"
 #include "appkit/NSMenuItem.h"

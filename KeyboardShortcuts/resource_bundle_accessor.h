@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 
 #include "foundation/Bundle.h"
 
@@ -12,5 +13,16 @@ namespace vistrel::KeyboardShortcuts {
 
 /// The same search, anew; none when it is missing.
 [[nodiscard]] std::optional<Bundle> findResourceBundle();
+
+/// What the recorder says, in the user's language; the key itself where no table has an entry.
+namespace text {
+
+[[nodiscard]] std::string recordShortcut();
+[[nodiscard]] std::string pressShortcut();
+[[nodiscard]] std::string usedByMenuItem(const std::string& title);
+[[nodiscard]] std::string usedBySystem();
+[[nodiscard]] std::string canBeChanged();
+
+}  // namespace text
 
 }  // namespace vistrel::KeyboardShortcuts
