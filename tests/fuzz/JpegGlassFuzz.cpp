@@ -1,7 +1,7 @@
 // Any bytes as a camera's compressed frame, through whichever decoder takes it, to the glass.
 #include "linux/camera/FrameDecoder.h"
 #include "linux/camera/JpegHeader.h"
-#include "tests/fuzz/GlassFuzz.h"
+#include "tests/fuzz/Camera.h"
 
 using namespace vistrel;
 

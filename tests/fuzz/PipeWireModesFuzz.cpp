@@ -1,7 +1,7 @@
 // Any bytes as the formats that a node offers and agrees on. The library hands on whole pods: the first
 // length is true.
 #include "linux/camera/PipeWireFormats.h"
-#include "tests/fuzz/Modes.h"
+#include "tests/fuzz/Camera.h"
 
 using namespace vistrel;
 

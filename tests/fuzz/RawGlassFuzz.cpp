@@ -3,7 +3,7 @@
 
 #include "linux/camera/Picture.h"
 #include "linux/camera/VideoMode.h"
-#include "tests/fuzz/GlassFuzz.h"
+#include "tests/fuzz/Camera.h"
 
 using namespace vistrel;
 

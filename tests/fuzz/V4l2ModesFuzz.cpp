@@ -2,7 +2,7 @@
 #include <cerrno>
 
 #include "linux/camera/V4l2Formats.h"
-#include "tests/fuzz/Modes.h"
+#include "tests/fuzz/Camera.h"
 
 using namespace vistrel;
 
