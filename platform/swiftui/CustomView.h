@@ -3,7 +3,6 @@
 #include <functional>
 #include <utility>
 
-#include "swiftui/Binding.h"
 #include "swiftui/View.h"
 
 namespace vistrel::swiftui {

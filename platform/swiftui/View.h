@@ -5,11 +5,11 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <variant>
 #include <vector>
 
 #include "appkit/NSImage.h"
-#include "swiftui/Binding.h"
 #include "swiftui/NSViewRepresentable.h"
 
 namespace vistrel::swiftui {
@@ -40,6 +40,17 @@ struct Frame {
   std::optional<double> height;
   Alignment alignment = Alignment::Center;
   bool operator==(const Frame&) const = default;
+};
+
+/// A value that lives elsewhere, as a control reads and writes it.
+template <class T>
+struct Binding {
+  std::function<T()> get;
+  std::function<void(const T&)> set;
+  /// The user chose a value: sets it unless it was chosen already.
+  void choose(const T& value) const {
+    if (get() != value) set(value);
+  }
 };
 
 /// What the views of each kind consist of.

@@ -1,9 +1,0 @@
-#include "appkit/NSAccessibility.h"
-
-#include "backend/Backend.h"
-
-namespace vistrel {
-
-void NSAccessibility::announce(const std::string& text) { backend::current().session().announce(text); }
-
-}  // namespace vistrel
