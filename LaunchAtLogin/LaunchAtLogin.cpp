@@ -29,11 +29,11 @@ const std::optional<std::string>& helperBundleIdentifier() {
   return identifier;
 }
 
-bool isHelper(const JobDictionary& job) {
+bool hasLabel(const JobDictionary& job, const std::string& identifier) {
   const auto label = job.find(kLabelKey);
   if (label == job.end()) return false;
   const auto* text = std::any_cast<std::string>(&label->second);
-  return text && unicode::areEqual(*text, *helperBundleIdentifier());
+  return text && unicode::areEqual(*text, identifier);
 }
 
 bool isOnDemand(const JobDictionary& job) {
@@ -53,10 +53,12 @@ bool hasPublishers() { return ProcessInfo::isOperatingSystemAtLeast(kFirstWithPu
 }  // namespace
 
 bool isEnabled() {
-  if (!helperBundleIdentifier()) return false;
+  const auto& identifier = helperBundleIdentifier();
+  if (!identifier) return false;
   const auto jobs = SMCopyAllJobDictionaries(SMDomain::UserLaunchd);
   if (!jobs) return false;
-  const auto helper = std::find_if(jobs->begin(), jobs->end(), isHelper);
+  const auto helper =
+      std::find_if(jobs->begin(), jobs->end(), [&](const auto& job) { return hasLabel(job, *identifier); });
   return helper != jobs->end() && isOnDemand(*helper);
 }
 

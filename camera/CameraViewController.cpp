@@ -238,7 +238,7 @@ void CameraViewController::populateCameraMenu() {
   auto face = std::make_shared<NSMenuItem>();
   face->setImage(NSImage::imageNamed(NSImageNameSmartBadgeTemplate));
   menu->insertItem(face, 0);
-  if (auto* cell = dynamic_cast<NSButtonCell*>(availableCamerasPopupButton().cell())) {
+  if (auto* cell = availableCamerasPopupButton().cell()) {
     cell->setImagePosition(NSCellImagePosition::ImageOnly);
     cell->setBezelStyle(NSBezelStyle::TexturedRounded);
   }

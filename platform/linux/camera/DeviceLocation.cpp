@@ -107,7 +107,7 @@ bool seemsCamera(const std::string& devicePath, const fs::path& sysfs) {
 }
 
 std::string groupOf(const std::string& devicePath) {
-  struct stat node {};
+  struct stat node{};
   const bool isShared =
       ::stat(devicePath.c_str(), &node) == 0 && (node.st_mode & S_IRWXG) >= (S_IRGRP | S_IWGRP);
   group entry{};
@@ -118,7 +118,7 @@ std::string groupOf(const std::string& devicePath) {
 }
 
 bool isAlias(const std::string& devicePath, const fs::path& sysfs) {
-  struct stat status {};
+  struct stat status{};
   if (::stat(devicePath.c_str(), &status) != 0 || !S_ISCHR(status.st_mode)) return false;
   const std::string number =
       std::to_string(major(status.st_rdev)) + ":" + std::to_string(minor(status.st_rdev));

@@ -17,7 +17,7 @@ bool isFile(const spa_data& data) { return data.type == SPA_DATA_MemFd || data.t
 bool keepsItsLength(int fd) {
   const int seals = ::fcntl(fd, F_GET_SEALS);
   if (seals >= 0) return (seals & F_SEAL_SHRINK) != 0;
-  struct stat status {};
+  struct stat status{};
   return ::fstat(fd, &status) == 0 && !S_ISREG(status.st_mode);
 }
 

@@ -91,7 +91,7 @@ Result<std::optional<std::string>> readFile(const std::string& path, std::size_t
   const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
   if (!file && errno == ENOENT) return std::optional<std::string>();
   if (!file) return systemError(path);
-  struct stat status {};
+  struct stat status{};
   if (::fstat(file.get(), &status) != 0) return systemError(path);
   if (!S_ISREG(status.st_mode)) return Error{path + ": not a regular file"};
   std::string content;

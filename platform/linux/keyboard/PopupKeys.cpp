@@ -28,8 +28,7 @@ bool PopupKeys::nativeEventFilter(const QByteArray& /*type*/, void* message, qin
 // In a later turn: the toolkit may be in the midst of giving the keyboard back.
 bool PopupKeys::eventFilter(QObject* object, QEvent* event) {
   if (event->type() == QEvent::Hide && isPopup(*object)) {
-    QMetaObject::invokeMethod(
-        this, [this] { popupClosed(); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, [this] { popupClosed(); }, Qt::QueuedConnection);
   }
   return false;
 }

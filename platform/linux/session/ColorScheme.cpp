@@ -53,8 +53,7 @@ void ColorScheme::set(std::optional<bool> isToldDark) {
 // The palette changes by a word of the desktop, or because the desktop or a theme sets another.
 bool ColorScheme::eventFilter(QObject* watched, QEvent* event) {
   if (watched == qApp && event->type() == QEvent::ApplicationPaletteChange) {
-    QMetaObject::invokeMethod(
-        this, [this] { look(); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, [this] { look(); }, Qt::QueuedConnection);
   }
   return false;
 }

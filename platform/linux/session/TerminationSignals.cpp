@@ -26,7 +26,7 @@ extern "C" void wakeUp(int /*signal*/) {
 }
 
 void handleSignals(void (*handler)(int)) {
-  struct sigaction action {};
+  struct sigaction action{};
   action.sa_handler = handler;
   action.sa_flags = SA_RESTART | SA_RESETHAND;
   for (const int signal : kSignals) ::sigaction(signal, &action, nullptr);

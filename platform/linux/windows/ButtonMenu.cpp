@@ -17,8 +17,7 @@ ButtonMenu::ButtonMenu(QAbstractButton& face, NSPopUpButton& button) : QMenu(&fa
   setAccessibleName(QString::fromStdString(button.menu()->title()));
   const auto kept = std::static_pointer_cast<NSPopUpButton>(button.shared_from_this());
   qt::addRows(*this, *button.menu(), button.pullsDown() ? 1 : 0, [kept](const auto& item) {
-    QMetaObject::invokeMethod(
-        qGuiApp, [kept, item] { kept->itemChosen(item); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(qGuiApp, [kept, item] { kept->itemChosen(item); }, Qt::QueuedConnection);
   });
   connect(this, &QMenu::aboutToHide, this, &QObject::deleteLater);
   connect(this, &QMenu::aboutToHide, &face, [&face] { face.setDown(false); });

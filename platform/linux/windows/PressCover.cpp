@@ -69,8 +69,7 @@ void PressCover::setAwaited(bool isAwaited) {
 bool PressCover::eventFilter(QObject* object, QEvent* event) {
   if (!isUpdateDue_ && object->isWindowType() && changesTheView(event->type())) {
     isUpdateDue_ = true;
-    QMetaObject::invokeMethod(
-        this, [this] { update(); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, [this] { update(); }, Qt::QueuedConnection);
   }
   return false;
 }

@@ -140,8 +140,7 @@ void QtWindow::popUpMenu(NSPopUpButton& button) {
   if (!face || !shell_->isVisible()) return;
   if (menu_) menu_->close();
   menu_ = new ButtonMenu(*face, button);
-  QObject::connect(
-      menu_, &QMenu::aboutToHide, &context_, [this] { menuClosed(); }, Qt::QueuedConnection);
+  QObject::connect(menu_, &QMenu::aboutToHide, &context_, [this] { menuClosed(); }, Qt::QueuedConnection);
   menu_->popUp(wasKeyLast_ ? ButtonMenu::OpenedBy::Keyboard : ButtonMenu::OpenedBy::Pointer);
 }
 
@@ -157,8 +156,7 @@ void QtWindow::menuClosed() {
 }
 
 void QtWindow::shellCloseRequested() {
-  QMetaObject::invokeMethod(
-      &context_, [this] { client_.closeRequested(); }, Qt::QueuedConnection);
+  QMetaObject::invokeMethod(&context_, [this] { client_.closeRequested(); }, Qt::QueuedConnection);
 }
 
 void QtWindow::shellActivated() {
@@ -187,8 +185,7 @@ void QtWindow::shellScaled() { attributes_.applyChrome(); }
 
 // In a turn of its own: the answer may be to bring the window back, or to close it.
 void QtWindow::shellStateChanged() {
-  QMetaObject::invokeMethod(
-      &context_, [this] { tellPresence(); }, Qt::QueuedConnection);
+  QMetaObject::invokeMethod(&context_, [this] { tellPresence(); }, Qt::QueuedConnection);
 }
 
 void QtWindow::tellPresence() {

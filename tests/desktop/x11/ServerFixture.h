@@ -125,8 +125,7 @@ class ServerTest : public ::testing::Test {
     user.up(kVK_Control);
   }
   /// Control, Option and a key, held until it repeated itself; `meanwhile` is run when all are down.
-  void hold(
-      std::uint32_t keyCode, const std::function<void()>& meanwhile = [] {}) {
+  void hold(std::uint32_t keyCode, const std::function<void()>& meanwhile = [] {}) {
     ASSERT_EQ(std::system("xset r rate 20 100"), 0);
     int presses = 0;
     const auto count = connection.subscribe(X11Connection::Delivery::FromMainLoop, [&](const auto& event) {

@@ -214,8 +214,8 @@ TEST(MirrorCamera, ACameraThatIsGoneCanStillBeChosen) {
   program.takeLog();
   auto& button = program.mirror().availableCamerasPopupButton();
   button.itemChosen(button.menu()->itemArray()[2]);
-  const Lines log = {"📹🛑 Capture Session Stopped", "⚠️ Saving default camera: B",
-                     "the camera is gone", "📹✅ Capture Session Started"};
+  const Lines log = {"📹🛑 Capture Session Stopped", "⚠️ Saving default camera: B", "the camera is gone",
+                     "📹✅ Capture Session Started"};
   EXPECT_EQ(program.takeLog(), log);
   EXPECT_EQ(program.desktop.rows(*button.menu())[2], "---");
   EXPECT_EQ(program.mirror().previewLayer()->connection(), nullptr);

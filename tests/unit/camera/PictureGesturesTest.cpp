@@ -62,15 +62,9 @@ TEST(PictureGestures, MagnifyAndMoveThePartThatIsSeen) {
        },
        middle},
       {"the picture goes with the pointer",
-       [&](Hand& h) {
-         twice(h), h.drag({0, 0}, {42.6, -24});
-       },
+       [&](Hand& h) { twice(h), h.drag({0, 0}, {42.6, -24}); },
        {.3, .3, .5, .5}},
-      {"to the edge",
-       [&](Hand& h) {
-         twice(h), h.drag({0, 0}, {999, 999});
-       },
-       {.5, 0, .5, .5}},
+      {"to the edge", [&](Hand& h) { twice(h), h.drag({0, 0}, {999, 999}); }, {.5, 0, .5, .5}},
       {"a move whose press went to a menu",
        [&](Hand& h) {
          twice(h), h.drag({0, 0}, {0, 0});
