@@ -4,10 +4,13 @@
 #include <limits>
 #include <utility>
 
+#include <spa/param/format.h>
+#include <spa/pod/iter.h>
+
 namespace vistrel::stage {
 namespace {
 
-constexpr std::array<std::pair<std::string_view, Evil>, 11> kNames = {
+constexpr std::array<std::pair<std::string_view, Evil>, 14> kNames = {
     {{"huge-stride", Evil::HugeStride},
      {"negative-stride", Evil::NegativeStride},
      {"odd-stride", Evil::OddStride},
@@ -18,7 +21,10 @@ constexpr std::array<std::pair<std::string_view, Evil>, 11> kNames = {
      {"corrupted", Evil::Corrupted},
      {"formats", Evil::Formats},
      {"huge-formats", Evil::HugeFormats},
-     {"renegotiates", Evil::Renegotiates}}};
+     {"renegotiates", Evil::Renegotiates},
+     {"short-choice", Evil::ShortChoice},
+     {"empty-values", Evil::EmptyValues},
+     {"huge-values", Evil::HugeValues}}};
 
 }  // namespace
 
@@ -27,6 +33,15 @@ std::optional<Evil> evilFromName(std::string_view name) {
     if (known == name) return kind;
   }
   return std::nullopt;
+}
+
+void spoilOffer(Evil kind, spa_pod& offer) {
+  const spa_pod_prop* const rates = spa_pod_find_prop(&offer, nullptr, SPA_FORMAT_VIDEO_framerate);
+  if (rates == nullptr || rates->value.type != SPA_TYPE_Choice) return;
+  auto* const choice = reinterpret_cast<spa_pod_choice*>(const_cast<spa_pod*>(&rates->value));
+  if (kind == Evil::ShortChoice) choice->pod.size = sizeof(spa_pod_choice_body) / 2;
+  if (kind == Evil::EmptyValues) choice->body.child.size = 0;
+  if (kind == Evil::HugeValues) choice->body.child.size = std::numeric_limits<std::int32_t>::max();
 }
 
 void spoil(Evil kind, spa_buffer& buffer) {

@@ -52,7 +52,7 @@ void addRates(spa_pod_builder& builder, const std::vector<int>& rates) {
   spa_pod_builder_pop(&builder, &choice);
 }
 
-const spa_pod* describe(spa_pod_builder& builder, const Offer& offer) {
+spa_pod* describe(spa_pod_builder& builder, const Offer& offer) {
   spa_pod_frame object{};
   spa_pod_builder_push_object(&builder, &object, SPA_TYPE_OBJECT_Format, SPA_PARAM_EnumFormat);
   spa_pod_builder_prop(&builder, SPA_FORMAT_mediaType, 0);
@@ -66,7 +66,7 @@ const spa_pod* describe(spa_pod_builder& builder, const Offer& offer) {
   spa_pod_builder_prop(&builder, SPA_FORMAT_VIDEO_size, 0);
   spa_pod_builder_rectangle(&builder, offer.width, offer.height);
   addRates(builder, offer.rates);
-  return static_cast<const spa_pod*>(spa_pod_builder_pop(&builder, &object));
+  return static_cast<spa_pod*>(spa_pod_builder_pop(&builder, &object));
 }
 
 const spa_pod* describeMeta(spa_pod_builder& builder, spa_meta_type type, std::size_t size) {
@@ -79,7 +79,11 @@ const spa_pod* describeMeta(spa_pod_builder& builder, spa_meta_type type, std::s
 
 std::vector<const spa_pod*> describeFormats(spa_pod_builder& builder, const Options& options) {
   std::vector<const spa_pod*> formats;
-  for (const Offer& offer : options.offers) formats.push_back(describe(builder, offer));
+  for (const Offer& offer : options.offers) {
+    spa_pod* const format = describe(builder, offer);
+    if (options.evil) spoilOffer(*options.evil, *format);
+    formats.push_back(format);
+  }
   Offer lie = options.offers.front();
   for (int i = 0; options.evil == Evil::Formats && i < kManyFormats; ++i) {
     lie.width = lie.height = 2 * i + 2;

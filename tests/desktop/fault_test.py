@@ -13,7 +13,7 @@ from tests.desktop.harness import FAILED, REFRESHED, SAVING, STARTED, DesktopTes
 
 ODD_NAMES = ("", "x" * 500, "Fish & Chips", "<b>bold</b>", "two\nlines", "מצלמה קדמית", "Cafe\u0301 _under_", "Twin", "Twin")
 LIES = ("huge-stride", "negative-stride", "odd-stride", "long-size", "short-size", "no-size", "far-offset", "corrupted",
-        "formats", "huge-formats", "renegotiates")  # of the test camera, see its usage
+        "formats", "huge-formats", "renegotiates", "short-choice", "empty-values", "huge-values")  # of the test camera, see its usage
 ABOUT = 1  # in the menu, after the camera
 NEUTRAL = (0xD9, 0xDA, 0xDD)  # the glass without a picture, on a light desktop
 LOGIN_MANAGER = "org.freedesktop.login1.Manager"
@@ -64,7 +64,7 @@ class CameraFaultTest(DesktopTest):
         vistrel = self.start()
         for lie in LIES:
             with self.subTest(lie=lie):
-                self.desktop.camera(offers=["yuy2:640x480@30"], options=["--evil", lie])
+                self.desktop.camera(offers=["yuy2:640x480@30/15"], options=["--evil", lie])
                 since = len(vistrel.lines)
                 vistrel.click()
                 vistrel.process.wait_line(lambda line: line.startswith((STARTED, FAILED)), since)
