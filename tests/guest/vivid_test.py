@@ -6,13 +6,14 @@ import tempfile
 import unittest
 
 from stage.processes import NeverCame, wait_until
-from tests.desktop.harness import FAILED
 from tests.guest.harness import GuestTest
 
 WEBCAM = "input_types=0x0"  # sizes from a list
 CAPTURE_CARD = "input_types=0x3"  # HDMI, any size
 BARS = ((1, 1, 1), (1, 1, 0), (0, 1, 1), (0, 1, 0), (1, 0, 1), (1, 0, 0), (0, 0, 1), (0, 0, 0))
 LIGHT, DARK = 150, 60  # three quarters of full are 191
+FAULT = "The camera "  # with what has happened to it
+ERRORS_OF_A_STREAM = ("v4l2_buf_flag", "vidioc_qbuf", "fatal_streaming")
 LISTED_SIZE, ODD_SIZE = "640x360", "642x362"
 
 
@@ -101,20 +102,31 @@ class Cases:
     def test_errors_are_a_camera_s_fault_and_the_next_opening_is_right(self):
         self.load(WEBCAM, format="YUYV")
         self.wait_known(self.path)
-        for error in ("v4l2_buf_flag", "vidioc_qbuf", "fatal_streaming", "vidioc_streamon", "vidioc_reqbufs"):
+        for error in self.refusals:
             with self.subTest(error=error):
-                self.fail_with(error)
+                self.inject(error)
+                self.vistrel.click()
+                self.wait_fault()
+                self.wait_next_opening()
+        for error in ERRORS_OF_A_STREAM:
+            with self.subTest(error=error):
+                self.vistrel.click()
+                self.wait_bars()
+                self.inject(error)
+                if error not in self.outlived:
+                    self.wait_fault()
+                self.wait_next_opening()
+                self.assertEqual(any(FAULT in line for line in self.vistrel.lines[self.since:]),
+                                 error not in self.outlived)
 
-    def fail_with(self, error):
-        if error in ("vidioc_streamon", "vidioc_reqbufs"):
-            self.control(f"inject_{error}_error=1")
-        self.vistrel.click()
-        wait_until(self.vistrel.windows, "the window")
-        if error in ("v4l2_buf_flag", "vidioc_qbuf", "fatal_streaming"):
-            self.wait_bars()
-            self.control(f"inject_{error}_error=1")
-        if error == "fatal_streaming":
-            self.wait_said(FAILED)
+    def inject(self, error):
+        self.since = len(self.vistrel.lines)
+        self.control(f"inject_{error}_error=1")
+
+    def wait_fault(self):
+        wait_until(lambda: any(FAULT in line for line in self.vistrel.lines[self.since:]), "the camera's fault")
+
+    def wait_next_opening(self):
         self.dismiss()
         self.vistrel.click()
         self.wait_bars()
@@ -123,11 +135,16 @@ class Cases:
 
 class ThroughPipeWireTest(Cases, GuestTest):
     through = True
+    # Without vidioc_reqbufs: PipeWire 0.3.65 then keeps the device open, unusable for anybody, until it ends itself.
+    refusals = ("vidioc_streamon",)
+    outlived = ("v4l2_buf_flag", "vidioc_qbuf")  # a damaged picture; a memory less in PipeWire's hands
     shown, others, odd = ("YUYV", "NV12"), (), ("YU12",)
 
 
 class ByV4l2Test(Cases, GuestTest):
     through = False
+    refusals = ("vidioc_streamon", "vidioc_reqbufs")
+    outlived = ("v4l2_buf_flag",)  # a damaged picture
     shown = ("YUYV", "UYVY", "NV12", "YU12", "YV12", "RGB3", "BGR3")
     others = ("YVYU", "NV21", "XR24", "GREY")
     odd = ("YUYV", "NV12", "YU12", "RGB3")
