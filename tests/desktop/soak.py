@@ -1,6 +1,7 @@
 """Openings without end: ./soak [ROUNDS] [SEED]. What happens in a round is drawn by the seed, which is told first."""
 
 import random
+import re
 import sys
 import time
 
@@ -14,7 +15,8 @@ from tests.desktop.settings import ROWS
 OFFERS = {"one": ["mjpeg:1280x720@30"], "two": ["yuy2:1280x720@30"]}
 WARM_UP = 100  # until each act was there once
 REPORT = 100
-GROWTH = {"KiB": 4096, "descriptors": 0, "threads": 0, "server KiB": 16384, "server descriptors": 2, "streams": 0}
+GROWTH = {"KiB": 4096, "descriptors": 0, "threads": 0, "X resources": 0, "PipeWire objects": 0, "streams": 0,
+          "server KiB": 16384, "server descriptors": 2}
 
 
 class Soak:
@@ -105,7 +107,24 @@ class Soak:
     def measure(self):
         ours, server = in_use(self.vistrel.pid), in_use(self.desktop.server_pid)
         return {"KiB": ours["memory"], "descriptors": ours["descriptors"], "threads": ours["threads"],
-                "server KiB": server["memory"], "server descriptors": server["descriptors"], "streams": self.streams()}
+                "X resources": self.server_resources(), "PipeWire objects": self.pipewire_objects(),
+                "streams": self.streams(), "server KiB": server["memory"], "server descriptors": server["descriptors"]}
+
+    def server_resources(self):
+        """The windows, pixmaps, contexts and whatever else the X server keeps for Vistrel's windows."""
+        clients = re.split(r"^\d+ - ", self.desktop.run("xrestop", "-b", "-m", "1"), flags=re.M)[1:]
+        ours = [client for client in clients if "Vistrel" in client.splitlines()[0]]
+        assert ours, clients
+        return sum(int(count) for client in ours
+                   for count in re.findall(r"^\s*(?!res_|.* bytes)[\w ]+: (\d+)", client, re.M))
+
+    def pipewire_objects(self):
+        """What PipeWire has of Vistrel: its client, and the nodes, ports and links that belong to it."""
+        clients = [client["id"] for client in self.desktop.graph("Client")
+                   if client["info"]["props"].get("application.process.id") == self.vistrel.pid]
+        assert clients
+        return len(clients) + sum(entry["info"]["props"].get("client.id") in clients
+                                  for kind in ("Node", "Port", "Link") for entry in self.desktop.graph(kind))
 
     def close(self):
         self.portal.close()
