@@ -16,7 +16,7 @@ class TrayImage {
   /// `path` is the absolute path of an SVG file.
   explicit TrayImage(const std::string& path);
 
-  [[nodiscard]] const QIcon& icon(Look look);
+  [[nodiscard]] const QIcon& icon(Look look) const;
 
  private:
   QIcon plain_;
