@@ -28,7 +28,7 @@ bool isValidUtf8(std::string_view text) {
   const auto length = static_cast<int32_t>(text.size());
   for (int32_t i = 0; i < length;) {
     UChar32 character = 0;
-    U8_NEXT(text.data(), i, length, character);
+    U8_NEXT(text.data(), i, length, character);  // NOLINT(bugprone-inc-dec-in-conditions): the library's own
     if (character < 0) return false;
   }
   return true;
@@ -41,7 +41,7 @@ std::string onOneLine(std::string_view text) {
   const auto length = static_cast<int32_t>(text.size());
   for (int32_t i = 0, start = 0; i < length; start = i) {
     UChar32 character = 0;
-    U8_NEXT(text.data(), i, length, character);
+    U8_NEXT(text.data(), i, length, character);  // NOLINT(bugprone-inc-dec-in-conditions): the library's own
     const bool endsLine =
         character >= 0 && (U_GET_GC_MASK(character) & (U_GC_CC_MASK | U_GC_ZL_MASK | U_GC_ZP_MASK));
     line += endsLine ? std::string_view(" ") : text.substr(start, i - start);

@@ -78,26 +78,35 @@ void UserDefaults::setAside(const std::string& unreadable) const {
 
 void UserDefaults::tellSetAside(const Result<std::optional<std::string>>& path) const {
   if (!path) return warnOnce("cannot be read or written: " + path.error().message);
-  if (path.value()) warnOnce("file could not be read and was set aside as " + *path.value());
+  const auto& other = path.value();
+  if (other) warnOnce("file could not be read and was set aside as " + *other);
 }
 
-void UserDefaults::load() const {
-  stored_.emplace();
+UserDefaults::Map UserDefaults::load() const {
+  Map stored;
   const auto bytes = backend::current().userFiles().readPreferences();
-  if (!bytes) return warnOnce("cannot be read or written: " + bytes.error().message);
-  const auto members = parseFile(bytes.value());
-  if (!members) return setAside(*bytes.value());
-  for (const auto& [key, member] : *members) {
-    stored_->insert_or_assign(key, fromJson(member));
+  if (!bytes) {
+    warnOnce("cannot be read or written: " + bytes.error().message);
+    return stored;
   }
+  const auto members = parseFile(bytes.value());
+  if (!members) setAside(bytes.value().value_or(""));
+  for (const auto& [key, member] : members.value_or(json::Object())) {
+    stored.insert_or_assign(key, fromJson(member));
+  }
+  return stored;
+}
+
+UserDefaults::Map& UserDefaults::stored() const {
+  if (!stored_) stored_ = load();
+  return *stored_;
 }
 
 std::optional<Value> UserDefaults::find(const std::string& key) const {
   if (key == kInterfaceStyleKey) {
     return backend::current().session().isDark() ? std::optional<Value>("Dark") : std::nullopt;
   }
-  if (!stored_) load();
-  if (const auto found = stored_->find(key); found != stored_->end()) return found->second;
+  if (const auto found = stored().find(key); found != stored().end()) return found->second;
   if (const auto found = registered_.find(key); found != registered_.end()) return found->second;
   return std::nullopt;
 }
@@ -133,13 +142,13 @@ std::optional<std::string> UserDefaults::stringForKey(const std::string& key) co
 std::optional<Value> UserDefaults::objectForKey(const std::string& key) const { return find(key); }
 
 void UserDefaults::setObject(Value value, const std::string& key) {
-  if (!stored_) load();
+  Map& values = stored();
   const auto edit = [key, value](const std::optional<std::string>& present) -> std::optional<std::string> {
     const auto members = parseFile(present);
     return members ? std::optional(withMember(*members, key, value)) : std::nullopt;
   };
   backend::current().userFiles().editPreferences(edit, [this](const auto& path) { tellSetAside(path); });
-  stored_->insert_or_assign(key, std::move(value));
+  values.insert_or_assign(key, std::move(value));
 }
 
 }  // namespace vistrel

@@ -41,16 +41,18 @@ class UserDefaults {
   void setObject(Value value, const std::string& key);
 
  private:
+  using Map = std::map<std::string, Value>;
+
   friend class ProcessState<UserDefaults>;
   UserDefaults() = default;
   void reset();
   [[nodiscard]] std::optional<Value> find(const std::string& key) const;
-  void load() const;
+  [[nodiscard]] Map load() const;
+  [[nodiscard]] Map& stored() const;
   void setAside(const std::string& unreadable) const;
   void tellSetAside(const Result<std::optional<std::string>>& path) const;
   void warnOnce(const std::string& text) const;
 
-  using Map = std::map<std::string, Value>;
   mutable std::optional<Map> stored_;
   mutable std::string lastWarning_;
   Map registered_;
