@@ -97,17 +97,19 @@ std::unique_ptr<Desktop> Desktop::open(int& argumentCount, char** arguments, int
   files::holdStandardStreams();
   Log::setWriter(files::writeLogLine);
   auto hostMessages = std::make_unique<tray::HostMessages>();
-  auto application = awaiting("the X server", [&] { return qt::makeApplication(argumentCount, arguments); });
-  if (!application) {
-    Log::warning(application.error().message);
-    exitStatus = 1;
+  exitStatus = 1;
+  if (const auto display = awaiting("the X server", qt::findDisplay); !display) {
+    Log::warning(display.error().message);
     return nullptr;
   }
-  auto instance = awaiting("the session bus", [] { return std::make_unique<session::SingleInstance>(); });
+  // Newer Qts ask the bus already while they begin.
+  auto [application, instance] = awaiting("the session bus", [&] {
+    auto first = qt::makeApplication(argumentCount, arguments);
+    return std::pair(std::move(first), std::make_unique<session::SingleInstance>());
+  });
   exitStatus = 0;
   if (!mayGoOn(*instance, exitStatus)) return nullptr;
-  auto parts =
-      std::make_unique<Parts>(std::move(hostMessages), std::move(application).value(), std::move(instance));
+  auto parts = std::make_unique<Parts>(std::move(hostMessages), std::move(application), std::move(instance));
   return std::unique_ptr<Desktop>(new Desktop(std::move(parts)));
 }
 

@@ -11,8 +11,6 @@
 
 namespace vistrel::qt {
 
-namespace {
-
 Result<void> findDisplay() {
   auto* connection = xcb_connect(nullptr, nullptr);
   const bool isReached = xcb_connection_has_error(connection) == 0;
@@ -23,6 +21,8 @@ Result<void> findDisplay() {
   return Error{std::string("Vistrel needs an X11 display, and cannot reach \"") + display + "\""};
 }
 
+namespace {
+
 // What Qt keeps for half a minute, pixmaps and threads that painted, is thrown away by timers. Hidden,
 // nothing may wake up.
 void keepNothingForLater() {
@@ -32,8 +32,7 @@ void keepNothingForLater() {
 
 }  // namespace
 
-Result<std::unique_ptr<QApplication>> makeApplication(int& argumentCount, char** arguments) {
-  if (const auto display = findDisplay(); !display) return display.error();
+std::unique_ptr<QApplication> makeApplication(int& argumentCount, char** arguments) {
   // Tray menus, global presses and window places exist on X11 only, so a Wayland session serves by XWayland.
   qputenv("QT_QPA_PLATFORM", "xcb");
   // Some desktops' themes bring GL up for the whole process, which nothing here draws with: half of its

@@ -7,8 +7,11 @@
 
 namespace vistrel::qt {
 
-/// Makes the one application object, on X11 whatever the session is. Fails, where Qt would abort, when there
-/// is no X server. The arguments must outlive it.
-[[nodiscard]] Result<std::unique_ptr<QApplication>> makeApplication(int& argumentCount, char** arguments);
+/// Fails, where Qt would abort, when there is no X server.
+[[nodiscard]] Result<void> findDisplay();
+
+/// Makes the one application object, on X11 whatever the session is; the X server has to be there. The
+/// arguments must outlive it.
+[[nodiscard]] std::unique_ptr<QApplication> makeApplication(int& argumentCount, char** arguments);
 
 }  // namespace vistrel::qt
