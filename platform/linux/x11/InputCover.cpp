@@ -1,125 +1,76 @@
 #include "linux/x11/InputCover.h"
 
+#include <spawn.h>
 #include <sys/socket.h>
-#include <xcb/xinput.h>
+#include <sys/wait.h>
 
 #include <array>
-#include <cstdint>
-#include <utility>
+#include <csignal>
+#include <filesystem>
+#include <optional>
+#include <string>
 
-#include "linux/Threads.h"
-#include "linux/x11/RawPresses.h"
-#include "linux/x11/Requests.h"
+#include "linux/x11/CoverChannel.h"
 
 namespace vistrel::x11 {
 
 namespace {
 
-constexpr std::uint8_t kDepthWithAlpha = 32;
-constexpr unsigned kEventKindBits = 0x7F;
+namespace fs = std::filesystem;
 
-const xcb_screen_t& screenOf(xcb_connection_t* connection) {
-  return *xcb_setup_roots_iterator(xcb_get_setup(connection)).data;
+// Beside the program in the build folder, and where programs go that nobody starts by hand.
+std::string coverProgram() {
+  std::error_code error;
+  const fs::path folder = fs::read_symlink("/proc/self/exe", error).parent_path();
+  const fs::path beside = folder / "vistrel-cover";
+  if (fs::exists(beside, error)) return beside;
+  return folder.parent_path() / "libexec" / "vistrel" / "vistrel-cover";
 }
 
-xcb_visualid_t visualWithAlpha(const xcb_screen_t& screen) {
-  for (auto depth = xcb_screen_allowed_depths_iterator(&screen); depth.rem > 0; xcb_depth_next(&depth)) {
-    const auto visuals = xcb_depth_visuals_iterator(depth.data);
-    if (depth.data->depth == kDepthWithAlpha && visuals.rem > 0) return visuals.data->visual_id;
-  }
-  return XCB_NONE;
+// In a session of its own: what stops this program from its terminal must not stop the other one.
+std::optional<pid_t> start(const std::string& program, int channel) {
+  posix_spawn_file_actions_t actions;
+  posix_spawnattr_t attributes;
+  if (::posix_spawn_file_actions_init(&actions) != 0) return std::nullopt;
+  ::posix_spawnattr_init(&attributes);
+  ::posix_spawn_file_actions_adddup2(&actions, channel, kCoverChannel);
+  ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);
+  std::string name = "vistrel-cover";
+  const std::array<char*, 2> arguments = {name.data(), nullptr};
+  pid_t process = 0;
+  const int failure =
+      ::posix_spawn(&process, program.c_str(), &actions, &attributes, arguments.data(), environ);
+  ::posix_spawnattr_destroy(&attributes);
+  ::posix_spawn_file_actions_destroy(&actions);
+  return failure == 0 ? std::optional(process) : std::nullopt;
 }
 
 }  // namespace
 
-InputCover::InputCover() : connection_(xcb_connect(nullptr, nullptr)) {
-  if (xcb_connection_has_error(connection_.get()) != 0 || !findVisual() || !watchPresses()) return;
-  type_ = atomOf(connection_.get(), "_NET_WM_WINDOW_TYPE");
-  menu_ = atomOf(connection_.get(), "_NET_WM_WINDOW_TYPE_DROPDOWN_MENU");
-  auto thread = desktop::startThread([this] { waitForPress(); });
-  if (thread) thread_ = std::move(thread).value();
+InputCover::InputCover() {
+  std::array<int, 2> ends = {};
+  if (::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0) return;
+  channel_ = desktop::FileDescriptor(ends[0]);
+  const desktop::FileDescriptor other(ends[1]);
+  process_ = start(coverProgram(), other.get()).value_or(0);
 }
 
-// The thread waits for the server: what ends the connection wakes it up.
 InputCover::~InputCover() {
-  if (!thread_.joinable()) return;
-  setParts({});
-  ::shutdown(xcb_get_file_descriptor(connection_.get()), SHUT_RDWR);
-  thread_.join();
+  if (process_ == 0) return;
+  ::kill(process_, SIGKILL);
+  ::waitpid(process_, nullptr, 0);
 }
 
-bool InputCover::findVisual() {
-  auto* connection = connection_.get();
-  const auto& screen = screenOf(connection);
-  visual_ = visualWithAlpha(screen);
-  if (visual_ == XCB_NONE) return false;
-  colors_ = xcb_generate_id(connection);
-  xcb_create_colormap(connection, XCB_COLORMAP_ALLOC_NONE, colors_, screen.root, visual_);
-  return true;
+bool InputCover::isAble() {
+  char word = 0;
+  const auto length = ::recv(channel_.get(), &word, sizeof word, MSG_DONTWAIT);
+  if (length >= 0) isAble_ = length > 0;
+  return isAble_;
 }
 
-// The press that falls on the cover while a menu of ours has the pointer goes to that menu: raw presses tell
-// of it all the same. A touch is an ordinary press alone.
-bool InputCover::watchPresses() {
-  auto* connection = connection_.get();
-  const auto* data = xcb_get_extension_data(connection, &xcb_input_id);
-  if (!data || data->present == 0) return false;
-  const auto version =
-      xcb_input_xi_query_version(connection, XCB_INPUT_MAJOR_VERSION, XCB_INPUT_MINOR_VERSION);
-  const Reply<xcb_input_xi_query_version_reply_t> reply(
-      xcb_input_xi_query_version_reply(connection, version, nullptr));
-  const Reply<xcb_generic_error_t> error(
-      xcb_request_check(connection, selectRawPresses(connection, Watching::On)));
-  return reply && !error;
-}
-
-// Called a menu: other kinds of unmanaged windows some compositors put below panels.
-xcb_window_t InputCover::makeWindow(const xcb_rectangle_t& part) {
-  auto* connection = connection_.get();
-  constexpr std::uint32_t kTransparent = 0;
-  constexpr std::uint32_t kUnmanaged = 1;
-  const std::array<std::uint32_t, 5> values = {kTransparent, kTransparent, kUnmanaged,
-                                               XCB_EVENT_MASK_BUTTON_PRESS, colors_};
-  const auto window = xcb_generate_id(connection);
-  xcb_create_window(connection, kDepthWithAlpha, window, screenOf(connection).root, part.x, part.y,
-                    part.width, part.height, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, visual_,
-                    XCB_CW_BACK_PIXEL | XCB_CW_BORDER_PIXEL | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK |
-                        XCB_CW_COLORMAP,
-                    values.data());
-  xcb_change_property(connection, XCB_PROP_MODE_REPLACE, window, type_, XCB_ATOM_ATOM, 32, 1, &menu_);
-  return window;
-}
-
-// A window for each part: the server of a Wayland session does not tell the compositor of a hole in one.
+// A program that takes nothing any more covers nothing either.
 void InputCover::setParts(const std::vector<xcb_rectangle_t>& parts) {
-  if (!thread_.joinable()) return;
-  const std::lock_guard lock(mutex_);
-  for (const xcb_window_t window : windows_) xcb_destroy_window(connection_.get(), window);
-  windows_.clear();
-  for (const auto& part : parts) {
-    windows_.push_back(makeWindow(part));
-    xcb_map_window(connection_.get(), windows_.back());
-  }
-  xcb_flush(connection_.get());
-}
-
-bool InputCover::isPointerOnCover() {
-  auto* connection = connection_.get();
-  const auto cookie = xcb_query_pointer(connection, screenOf(connection).root);
-  const Reply<xcb_query_pointer_reply_t> pointer(xcb_query_pointer_reply(connection, cookie, nullptr));
-  const auto* setup = xcb_get_setup(connection);
-  return pointer && (pointer->child & ~setup->resource_id_mask) == setup->resource_id_base;
-}
-
-void InputCover::waitForPress() {
-  while (const Reply<xcb_generic_event_t> event{xcb_wait_for_event(connection_.get())}) {
-    const auto kind = event->response_type & kEventKindBits;
-    if (kind != XCB_BUTTON_PRESS && kind != XCB_GE_GENERIC) continue;
-    if (!isPointerOnCover()) continue;
-    const std::lock_guard lock(mutex_);
-    for (const xcb_window_t window : windows_) xcb_unmap_window(connection_.get(), window);
-    xcb_flush(connection_.get());
-  }
+  ::send(channel_.get(), parts.data(), parts.size() * sizeof(xcb_rectangle_t), MSG_DONTWAIT | MSG_NOSIGNAL);
 }
 
 }  // namespace vistrel::x11
