@@ -24,6 +24,7 @@ namespace vistrel::backend {
 enum class Hiding {
   Minimized,     ///< this window alone
   DesktopShown,  ///< every window, so that the desktop is seen
+  DesktopLeft,   ///< the windows of a virtual desktop, for those of another
 };
 
 /// What a window on screen reports. Called on the main thread from the main loop. The backend changes nothing

@@ -66,6 +66,23 @@ class TearingOff:
                     self.wait_closed(camera)
                 wait_until(lambda: vistrel.windows(name="Preferences"), "Preferences back")
 
+    def test_a_virtual_desktop_that_is_left_keeps_no_camera_on_and_is_left_by_its_windows(self):
+        camera = self.desktop.camera()
+        self.screen.ask("request", "_NET_NUMBER_OF_DESKTOPS", 2)
+        vistrel = self.start({"dismissPreference": 1})
+        vistrel.open_menu()
+        self.screen.click(centre(vistrel.menu_rows()[-2]))
+        wait_until(lambda: vistrel.windows(name="Preferences"), "Preferences")
+        self.open(vistrel)
+        self.screen.ask("request", "_NET_CURRENT_DESKTOP", 1)
+        self.wait_closed(camera)
+        self.open(vistrel)  # after which Preferences would have come back
+        self.assertEqual(vistrel.windows(name="Preferences"), [])
+        vistrel.click()
+        self.wait_closed(camera)
+        self.screen.ask("request", "_NET_CURRENT_DESKTOP", 0)
+        wait_until(lambda: vistrel.windows(name="Preferences"), "Preferences on their desktop")
+
     def put_aside(self, message, window):
         is_single = message == "WM_CHANGE_STATE"
         self.screen.ask("request", message, *((3, window["id"]) if is_single else (1,)))  # 3: to an icon
@@ -192,6 +209,29 @@ class MirrorTest(TearingOff, DesktopTest):
         for button in (2, 3):
             self.open(vistrel)
             self.screen.click((place[0] + place[2] // 2, place[1] + place[3] - 4), button)
+            self.wait_closed(camera)
+
+
+class ComposedDesktopsTest(DesktopTest):
+    """A manager that leaves the windows of other virtual desktops mapped, as far as its properties tell."""
+
+    stage = {"manager": None}
+
+    def number(self, window, name, value):
+        self.desktop.run("xprop", *window, "-f", name, "32c", "-set", name, str(value))
+
+    def test_a_virtual_desktop_that_is_left_is_known_by_its_number(self):
+        camera = self.desktop.camera()
+        vistrel = self.start({"dismissPreference": 1})
+        for own, is_everywhere in ((0xFFFFFFFF, True), (0, False)):
+            self.number(["-root"], "_NET_CURRENT_DESKTOP", 0)
+            self.open(vistrel)
+            window = vistrel.windows(name="Vistrel")[0]
+            self.number(["-id", str(window["id"])], "_NET_WM_DESKTOP", own)
+            self.number(["-root"], "_NET_CURRENT_DESKTOP", 1)
+            if is_everywhere:
+                self.screen.live_picture(10)
+                vistrel.click()
             self.wait_closed(camera)
 
 

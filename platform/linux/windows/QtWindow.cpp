@@ -26,7 +26,7 @@ QtWindow::QtWindow(NSWindow& window, backend::WindowClient& client, Surroundings
     : window_(window),
       client_(client),
       x11_(surroundings.x11),
-      shownDesktop_(surroundings.shownDesktop),
+      hiding_(surroundings.hiding),
       shell_(new Shell(*this)),
       tree_(shell_->content(), *this),
       attributes_(window, *shell_, x11_),
@@ -34,7 +34,7 @@ QtWindow::QtWindow(NSWindow& window, backend::WindowClient& client, Surroundings
   const CommandScope scope(*this);
   attributes_.applyFlags();
   attributesDidChange();
-  QObject::connect(&shownDesktop_, &ShownDesktop::changed, &context_, [this] { shellStateChanged(); });
+  QObject::connect(&hiding_, &HidingWatch::changed, &context_, [this] { shellStateChanged(); });
   QObject::connect(&surroundings.popups, &PopupWatch::closed, &context_, [this] { popupClosed(); });
 }
 
@@ -62,13 +62,15 @@ void QtWindow::addCloseButton() {
 void QtWindow::show() {
   const CommandScope scope(*this);
   if (!shell_->isVisible()) {
+    shell_->forgetMinimized();
     const QWindow* old = shell_->windowHandle();
     if (old && x11_.presenceOf(*old) == X11Windows::Presence::None) shell_->renew();
     attributes_.makeRoom();
     attributesDidChange();
     attributes_.applyBeforeShowing();
     x11_.noteUserAction();
-    if (shownDesktop_.isShown()) shownDesktop_.end();
+    if (hiding_.isDesktopShown()) hiding_.endShownDesktop();
+    hiding_.comeAlong(*shell_->windowHandle());
     shell_->show();
     if (attributes_.hasChrome()) x11_.standAlone(*shell_->windowHandle());
     mayBeMisplaced_ = window_.kind() == NSWindowKind::Popover && !x11_.isXWayland();
@@ -80,8 +82,8 @@ void QtWindow::show() {
 void QtWindow::hide() {
   const CommandScope scope(*this);
   if (menu_) menu_->close();
-  shell_->putAway();
-  isOffScreen_ = false;
+  shell_->hide();
+  toldHiding_.reset();
   pointer_.didLeave();
 }
 
@@ -190,11 +192,10 @@ void QtWindow::shellStateChanged() {
 
 void QtWindow::tellPresence() {
   if (!shell_->isVisible()) return;
-  const bool isDesktopShown = shownDesktop_.isShown();
-  const bool isOffScreen = shell_->isMinimized() || isDesktopShown;
-  if (std::exchange(isOffScreen_, isOffScreen) == isOffScreen) return;
-  if (!isOffScreen) return client_.didReturnToScreen();
-  client_.didLeaveScreen(isDesktopShown ? backend::Hiding::DesktopShown : backend::Hiding::Minimized);
+  const auto hiding = hiding_.hidingOf(*shell_->windowHandle());
+  if (std::exchange(toldHiding_, hiding) == hiding) return;
+  if (!hiding) return client_.didReturnToScreen();
+  client_.didLeaveScreen(*hiding);
 }
 
 void QtWindow::shellDragBegan() {

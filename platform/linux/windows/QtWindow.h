@@ -2,16 +2,17 @@
 
 #include <QPointer>
 #include <memory>
+#include <optional>
 
 #include "appkit/NSWindow.h"
 #include "backend/Windows.h"
 #include "linux/widgets/ViewTree.h"
 #include "linux/windows/ButtonMenu.h"
 #include "linux/windows/ContentPointer.h"
+#include "linux/windows/HidingWatch.h"
 #include "linux/windows/PopupWatch.h"
 #include "linux/windows/Shell.h"
 #include "linux/windows/ShellAttributes.h"
-#include "linux/windows/ShownDesktop.h"
 #include "linux/windows/X11Windows.h"
 
 namespace vistrel::windows {
@@ -19,7 +20,7 @@ namespace vistrel::windows {
 /// What all windows share.
 struct Surroundings {
   X11Windows x11;
-  ShownDesktop shownDesktop;
+  HidingWatch hiding;
   PopupWatch popups;
 };
 
@@ -83,7 +84,7 @@ class QtWindow final : public backend::NativeWindow, private ShellClient, privat
   NSWindow& window_;
   backend::WindowClient& client_;
   X11Windows& x11_;
-  ShownDesktop& shownDesktop_;
+  HidingWatch& hiding_;
   Shell* shell_;
   widgets::ViewTree tree_;
   QPointer<ButtonMenu> menu_;
@@ -92,7 +93,7 @@ class QtWindow final : public backend::NativeWindow, private ShellClient, privat
   std::shared_ptr<NSView> builtContent_;
   int commands_ = 0;
   bool mayBeMisplaced_ = false;  ///< nothing has moved it since it was shown
-  bool isOffScreen_ = false;
+  std::optional<backend::Hiding> toldHiding_;
   bool wasKeyLast_ = false;
   // Reports that wait for the main loop are dropped with the window.
   QObject context_;

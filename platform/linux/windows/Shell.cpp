@@ -23,10 +23,9 @@ Shell::Shell(ShellClient& client) : client_(&client), content_(new QWidget(this)
   content_->installEventFilter(this);
 }
 
-void Shell::putAway() {
-  hide();
+// Qt remembers it of the native window, and undoes it by showing that at once.
+void Shell::forgetMinimized() {
   if (!isMinimized()) return;
-  // Qt remembers it of the native window, and undoes it by showing that at once.
   destroy();
   setWindowState(Qt::WindowNoState);
 }

@@ -49,8 +49,8 @@ class Shell final : public QWidget {
   void setChrome(const QPainterPath& outline, const QColor& line);
   /// The native window is gone: the next showing makes another.
   void renew() { destroy(); }
-  /// Takes it off the screen. The next showing is one of a window that was never minimized.
-  void putAway();
+  /// What is shown next was never minimized. The word of that may come when it is off the screen already.
+  void forgetMinimized();
   [[nodiscard]] bool canBeTornOff() const { return client_ && client_->shellCanBeTornOff(); }
   /// As a drag of the content does, without moving it; from the main loop.
   void tearOff();

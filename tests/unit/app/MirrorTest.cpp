@@ -44,6 +44,10 @@ TEST(Mirror, OpensByEveryWayAndClosesByEveryWay) {
        [](Program& p) {
          p.desktop.windowSystem.titled("Vistrel").client().didLeaveScreen(backend::Hiding::Minimized);
        }},
+      {"leaving the virtual desktop",
+       [](Program& p) {
+         p.desktop.windowSystem.titled("Vistrel").client().didLeaveScreen(backend::Hiding::DesktopLeft);
+       }},
       {"showing the desktop",
        [](Program& p) {
          auto& window = p.desktop.windowSystem.titled("Vistrel").client();
