@@ -62,6 +62,7 @@ class InstalledTest(Installed, DesktopTest):
     def test_the_bus_and_the_entry_start_it_and_it_opens_at_the_next_start(self):
         camera = self.desktop.camera()
         self.assertNotIn(str(self.desktop.programs).encode(), self.program.read_bytes())
+        self.assertTrue(os.access(self.program.parents[1] / "libexec" / "vistrel" / "vistrel-cover", os.X_OK))
         for start in (lambda: self.ask("Activate", "(a{sv})", {}),
                       lambda: self.desktop.start(["gio", "launch", self.entry])):
             start()

@@ -8,7 +8,6 @@
 #include <csignal>
 #include <filesystem>
 #include <optional>
-#include <string>
 
 #include "linux/x11/CoverChannel.h"
 
@@ -17,15 +16,6 @@ namespace vistrel::x11 {
 namespace {
 
 namespace fs = std::filesystem;
-
-// Beside the program in the build folder, and where programs go that nobody starts by hand.
-std::string coverProgram() {
-  std::error_code error;
-  const fs::path folder = fs::read_symlink("/proc/self/exe", error).parent_path();
-  const fs::path beside = folder / "vistrel-cover";
-  if (fs::exists(beside, error)) return beside;
-  return folder.parent_path() / "libexec" / "vistrel" / "vistrel-cover";
-}
 
 // In a session of its own: what stops this program from its terminal must not stop the other one.
 std::optional<pid_t> start(const std::string& program, int channel) {
@@ -47,12 +37,21 @@ std::optional<pid_t> start(const std::string& program, int channel) {
 
 }  // namespace
 
-InputCover::InputCover() {
+// Beside the program in the build folder; installed, where programs are that nobody starts by hand.
+std::string InputCover::installedProgram() {
+  std::error_code error;
+  const fs::path folder = fs::read_symlink("/proc/self/exe", error).parent_path();
+  const fs::path beside = folder / "vistrel-cover";
+  if (fs::exists(beside, error)) return beside;
+  return folder.parent_path() / "libexec" / "vistrel" / "vistrel-cover";
+}
+
+InputCover::InputCover(const std::string& program) {
   std::array<int, 2> ends = {};
   if (::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0) return;
   channel_ = desktop::FileDescriptor(ends[0]);
   const desktop::FileDescriptor other(ends[1]);
-  process_ = start(coverProgram(), other.get()).value_or(0);
+  process_ = start(program, other.get()).value_or(0);
 }
 
 InputCover::~InputCover() {

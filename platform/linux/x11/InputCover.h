@@ -3,6 +3,7 @@
 #include <sys/types.h>
 #include <xcb/xcb.h>
 
+#include <string>
 #include <vector>
 
 #include "linux/FileDescriptor.h"
@@ -14,8 +15,8 @@ namespace vistrel::x11 {
 /// stopped, and go at once with it. Main thread only.
 class InputCover {
  public:
-  /// Covers nothing yet. Where that program cannot be started, it never will.
-  InputCover();
+  /// Covers nothing yet. Where that program, `program`, cannot be started, it never will.
+  explicit InputCover(const std::string& program = installedProgram());
   InputCover(const InputCover&) = delete;
   InputCover& operator=(const InputCover&) = delete;
   ~InputCover();
@@ -24,6 +25,9 @@ class InputCover {
   [[nodiscard]] bool isAble();
   /// Covers these parts of the desktop and no others, in pixels; again, too, after a press has ended it.
   void setParts(const std::vector<xcb_rectangle_t>& parts);
+
+  /// Where the build of this program, or its installation, puts the other one.
+  [[nodiscard]] static std::string installedProgram();
 
  private:
   desktop::FileDescriptor channel_;

@@ -1,10 +1,14 @@
+#include <chrono>
 #include <cstdlib>
+#include <functional>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "KeyboardShortcuts/KeyboardShortcuts.h"
 #include "base/KeyCodes.h"
+#include "linux/x11/InputCover.h"
 #include "linux/x11/RawPresses.h"
 #include "tests/desktop/x11/ServerFixture.h"
 
@@ -208,6 +212,35 @@ TEST(NoServerTest, RefusesWithoutADisplay) {
   EXPECT_EQ(keyboard.displayCharacter(kVK_ANSI_A), std::nullopt);
   EXPECT_FALSE(keyboard.setKeyboardCaptured(true));
   ::setenv("DISPLAY", display.c_str(), 1);
+}
+
+TEST_F(ServerTest, ACoverIsOffWithTheFirstPressOnItAndGoesWithItsOwner) {
+  const auto isCovered = [&](std::int16_t x) {
+    user.point(x, 50);
+    const auto cookie = xcb_query_pointer(user.get(), user.root());
+    const Reply<xcb_query_pointer_reply_t> reply(xcb_query_pointer_reply(user.get(), cookie, nullptr));
+    return reply && reply->child != XCB_NONE;
+  };
+  const auto wait = [&](const std::function<bool()>& isSo) {
+    for (int turns = 0; turns < 1000 && !isSo(); ++turns) reactor.turn(std::chrono::milliseconds(10));
+    return isSo();
+  };
+  auto cover = std::make_unique<InputCover>(VISTREL_COVER);
+  for (int round = 0; round < 2; ++round) {
+    cover->setParts({{0, 0, 100, 100}, {200, 0, 100, 100}});
+    ASSERT_TRUE(wait([&] { return isCovered(50) && isCovered(250); }));
+    EXPECT_TRUE(cover->isAble());
+    EXPECT_FALSE(isCovered(150));
+    user.click(1);  // beside it
+    ASSERT_TRUE(isCovered(250));
+    user.click(3);
+    EXPECT_TRUE(wait([&] { return !isCovered(50) && !isCovered(250); }));
+  }
+  cover->setParts({{0, 0, 100, 100}});
+  ASSERT_TRUE(wait([&] { return isCovered(50); }));
+  cover.reset();
+  EXPECT_TRUE(wait([&] { return !isCovered(50); }));
+  EXPECT_FALSE(InputCover("/nowhere").isAble());
 }
 
 }  // namespace
