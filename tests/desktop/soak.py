@@ -15,7 +15,8 @@ from tests.desktop.settings import ROWS
 OFFERS = {"one": ["mjpeg:1280x720@30"], "two": ["yuy2:1280x720@30"]}
 WARM_UP = 100  # until each act was there once
 REPORT = 100
-GROWTH = {"KiB": 4096, "descriptors": 0, "threads": 0, "X resources": 0, "PipeWire objects": 0, "streams": 0,
+# A library may begin to keep a thread of its pool, which has a descriptor, in any round; what leaks is lost again and again.
+GROWTH = {"KiB": 4096, "descriptors": 1, "threads": 1, "X resources": 0, "PipeWire objects": 0, "streams": 0,
           "server KiB": 16384, "server descriptors": 2}
 
 
