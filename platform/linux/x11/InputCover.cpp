@@ -5,6 +5,7 @@
 #include <sys/wait.h>
 
 #include <array>
+#include <cerrno>
 #include <csignal>
 #include <filesystem>
 #include <optional>
@@ -63,7 +64,8 @@ InputCover::~InputCover() {
 bool InputCover::isAble() {
   char word = 0;
   const auto length = ::recv(channel_.get(), &word, sizeof word, MSG_DONTWAIT);
-  if (length >= 0) isAble_ = length > 0;
+  const bool hasAnswered = length >= 0 || (errno != EAGAIN && errno != EINTR);
+  if (hasAnswered) isAble_ = length > 0;
   return isAble_;
 }
 
