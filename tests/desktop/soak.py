@@ -42,10 +42,12 @@ class Soak:
         is_inside = act in (self.nothing, self.tear_off, self.turn_dark, self.destroy_window)
         if not is_inside:
             act()
+        self.look(act if is_inside else self.nothing)
+
+    def look(self, act):
         self.vistrel.click()
         self.screen.live_picture()
-        if is_inside:
-            act()
+        act()
         if self.vistrel.windows():
             self.vistrel.click()
         self.screen.wait_no_picture()
@@ -106,6 +108,8 @@ class Soak:
         self.screen.destroy(self.vistrel.windows()[0])
 
     def measure(self):
+        """What is in use after a plain opening: with whatever else happened in the round, it may be in between."""
+        self.look(self.nothing)
         ours, server = in_use(self.vistrel.pid), in_use(self.desktop.server_pid)
         return {"KiB": ours["memory"], "descriptors": ours["descriptors"], "threads": ours["threads"],
                 "X resources": self.server_resources(), "PipeWire objects": self.pipewire_objects(),
