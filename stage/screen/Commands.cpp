@@ -4,6 +4,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include <X11/Xatom.h>
+
 #include "stage/screen/PictureWatch.h"
 #include "stage/screen/Screen.h"
 #include "stage/screen/Windows.h"
@@ -143,6 +145,13 @@ void Commands::addWindows() {
   commands_["request"] = [this](const Words& a) {  // MESSAGE VALUE [WINDOW], the root window by default
     const Window window = a.size() > 2 ? std::stoul(a[2]) : screen_.root();
     return askManager(screen_, window, a.at(0), number(a, 1)), Json::object();
+  };
+  commands_["compose"] = [this](const Words&) {  // as a window manager that composes the windows itself
+    const Window window = XCreateSimpleWindow(screen_.display(), screen_.root(), 0, 0, 1, 1, 0, 0, 0);
+    XSetSelectionOwner(screen_.display(), screen_.atom("_NET_WM_CM_S0"), window, CurrentTime);
+    XChangeProperty(screen_.display(), screen_.root(), screen_.atom("_NET_SUPPORTING_WM_CHECK"), XA_WINDOW,
+                    32, PropModeReplace, reinterpret_cast<const unsigned char*>(&window), 1);
+    return XSync(screen_.display(), False), Json::object();
   };
   commands_["property"] = [this](const Words& a) -> Json {
     return {{"value", rootProperty(screen_, a.at(0))}};

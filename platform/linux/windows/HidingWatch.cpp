@@ -26,6 +26,14 @@ Values propertyOf(xcb_window_t window, xcb_atom_t property) {
   return {first, first + reply->value_len};
 }
 
+bool isViewable(xcb_window_t window) {
+  auto* connection = qt::toolkitConnection();
+  const auto question = xcb_get_window_attributes(connection, window);
+  const x11::Reply<xcb_get_window_attributes_reply_t> reply(
+      xcb_get_window_attributes_reply(connection, question, nullptr));
+  return reply && reply->map_state == XCB_MAP_STATE_VIEWABLE;
+}
+
 xcb_window_t root() { return x11::rootOf(qt::toolkitConnection()); }
 
 }  // namespace
@@ -38,6 +46,7 @@ HidingWatch::HidingWatch() {
   desktop_ = x11::atomOf(connection, "_NET_WM_DESKTOP");
   state_ = x11::atomOf(connection, "_NET_WM_STATE");
   hidden_ = x11::atomOf(connection, "_NET_WM_STATE_HIDDEN");
+  manager_ = x11::atomOf(connection, "_NET_SUPPORTING_WM_CHECK");
   qApp->installNativeEventFilter(this);
 }
 
@@ -55,7 +64,18 @@ std::optional<backend::Hiding> HidingWatch::hidingOf(const QWindow& window) cons
   return isHidden ? backend::Hiding::Minimized : backend::Hiding::DesktopLeft;
 }
 
+// One that composes the windows itself. With any other the numbers alone say less: where each monitor has a
+// desktop of its own, or several are shown together, the current one is that of the focus.
+bool HidingWatch::leavesWindowsMapped() const {
+  auto* connection = qt::toolkitConnection();
+  const xcb_window_t composer = x11::ownerOf(connection, "_NET_WM_CM_S0");
+  const Values manager = propertyOf(root(), manager_);
+  const std::uint32_t client = ~xcb_get_setup(connection)->resource_id_mask;
+  return composer != XCB_NONE && !manager.empty() && (composer & client) == (manager.front() & client);
+}
+
 bool HidingWatch::isOnOtherDesktop(const QWindow& window) const {
+  if (isViewable(static_cast<xcb_window_t>(window.winId())) && !leavesWindowsMapped()) return false;
   const Values own = propertyOf(static_cast<xcb_window_t>(window.winId()), desktop_);
   if (own.empty() || own.front() == kOnAllDesktops) return false;
   const Values current = propertyOf(root(), currentDesktop_);
@@ -82,9 +102,11 @@ void HidingWatch::comeAlong(const QWindow& window) const {
                       XCB_ATOM_CARDINAL, 32, 1, current.data());
 }
 
-bool HidingWatch::nativeEventFilter(const QByteArray& /*type*/, void* message, qintptr* /*result*/) {
+bool HidingWatch::nativeEventFilter(const QByteArray& /*kind*/, void* message, qintptr* /*result*/) {
   const auto& event = *static_cast<xcb_generic_event_t*>(message);
-  if ((event.response_type & 0x7f) != XCB_PROPERTY_NOTIFY) return false;
+  const auto type = event.response_type & 0x7f;
+  if (type == XCB_UNMAP_NOTIFY || type == XCB_MAP_NOTIFY) emit changed();
+  if (type != XCB_PROPERTY_NOTIFY) return false;
   const xcb_atom_t atom = reinterpret_cast<const xcb_property_notify_event_t&>(event).atom;
   if (atom == desktopShown_ || atom == currentDesktop_ || atom == desktop_ || atom == state_) emit changed();
   return false;

@@ -35,6 +35,7 @@ class HidingWatch final : public QObject, private QAbstractNativeEventFilter {
 
  private:
   bool nativeEventFilter(const QByteArray& type, void* message, qintptr* result) override;
+  [[nodiscard]] bool leavesWindowsMapped() const;
   [[nodiscard]] bool isOnOtherDesktop(const QWindow& window) const;
 
   xcb_atom_t desktopShown_ = 0;
@@ -42,6 +43,7 @@ class HidingWatch final : public QObject, private QAbstractNativeEventFilter {
   xcb_atom_t desktop_ = 0;
   xcb_atom_t state_ = 0;
   xcb_atom_t hidden_ = 0;
+  xcb_atom_t manager_ = 0;
 };
 
 }  // namespace vistrel::windows

@@ -193,6 +193,8 @@ void QtWindow::shellStateChanged() {
 void QtWindow::tellPresence() {
   if (!shell_->isVisible()) return;
   const auto hiding = hiding_.hidingOf(*shell_->windowHandle());
+  // Some managers hide the windows to show the desktop, and bring them back some time after its end.
+  if (hiding && toldHiding_ == backend::Hiding::DesktopShown) return;
   if (std::exchange(toldHiding_, hiding) == hiding) return;
   if (!hiding) return client_.didReturnToScreen();
   client_.didLeaveScreen(*hiding);

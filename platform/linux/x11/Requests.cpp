@@ -24,11 +24,15 @@ xcb_window_t focusedWindow(xcb_connection_t* connection) {
   return reply ? reply->focus : xcb_window_t{XCB_INPUT_FOCUS_NONE};
 }
 
-bool isOwned(xcb_connection_t* connection, const char* selection) {
+xcb_window_t ownerOf(xcb_connection_t* connection, const char* selection) {
   const auto cookie = xcb_get_selection_owner(connection, atomOf(connection, selection));
   const Reply<xcb_get_selection_owner_reply_t> reply(
       xcb_get_selection_owner_reply(connection, cookie, nullptr));
-  return reply && reply->owner != XCB_NONE;
+  return reply ? reply->owner : XCB_NONE;
+}
+
+bool isOwned(xcb_connection_t* connection, const char* selection) {
+  return ownerOf(connection, selection) != XCB_NONE;
 }
 
 // The extension is there from version 23.1 on.

@@ -24,7 +24,9 @@ using Reply = std::unique_ptr<T, Free>;
 /// The window with the input focus as the core protocol tells it: `XCB_INPUT_FOCUS_NONE` or
 /// `XCB_INPUT_FOCUS_POINTER_ROOT` where no window has it.
 [[nodiscard]] xcb_window_t focusedWindow(xcb_connection_t* connection);
-/// Whether somebody holds the selection of that name, as a service of the desktop does while it is there.
+/// The window that holds the selection of that name, as a service of the desktop does while it is there;
+/// `XCB_NONE` without one.
+[[nodiscard]] xcb_window_t ownerOf(xcb_connection_t* connection, const char* selection);
 [[nodiscard]] bool isOwned(xcb_connection_t* connection, const char* selection);
 /// Whether the server is one for X11 programs in a Wayland session (XWayland), which knows where the pointer
 /// is and what is pressed only while it is over a window of such a program.
