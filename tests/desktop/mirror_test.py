@@ -56,9 +56,8 @@ class TearingOff:
                 since = states.wait_line(NORMAL)
                 self.put_aside(message, window)
                 if message == "WM_CHANGE_STATE":
-                    # Put aside and brought back: told twice, though the first may be read only after the second.
-                    aside = states.wait_line(lambda line: "window state: " in line, since + 1)
-                    states.wait_line(NORMAL, aside + 1)
+                    # Told anew, and so put aside, though the word of that may be read when the window is back.
+                    states.wait_line(NORMAL, since + 1)
                 else:
                     wait_until(lambda: not vistrel.windows(name="Preferences"), "the desktop")
                     self.screen.move((100, 850))  # off the picture, so that no control covers its clock
