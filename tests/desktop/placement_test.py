@@ -180,6 +180,7 @@ class BarTest(DesktopTest):
         self.wait_closed(camera)
         x, y, _width, _height = self.open(vistrel)["place"]
         self.screen.ask("drag", x + 60, y + 100, x - 140, y - 100)
+        vistrel.wait_line("Detached")  # before the focus follows the pointer to the other application
         self.screen.move((5, 5))
         self.assertEqual(self.screen.live_picture()["place"][:2], [x - 200, y - 200])
 
