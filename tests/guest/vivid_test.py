@@ -15,6 +15,8 @@ LIGHT, DARK = 150, 60  # three quarters of full are 191
 FAULT = "The camera "  # with what has happened to it
 ERRORS_OF_A_STREAM = ("v4l2_buf_flag", "vidioc_qbuf", "fatal_streaming")
 LISTED_SIZE, ODD_SIZE = "640x360", "642x362"
+# The driver rounds a quarter of a planar picture's line down for each chroma component as it adds up its bytes.
+WHOLE_PADDING, SHORT_PADDING = 66, 64
 
 
 def kind(pixel):
@@ -91,7 +93,14 @@ class Cases:
 
     def test_odd_widths_and_longer_lines_are_not_sheared(self):
         for format in self.odd:
-            self.show(CAPTURE_CARD, format=format, size=ODD_SIZE, padding=64)
+            self.show(CAPTURE_CARD, format=format, size=ODD_SIZE, padding=WHOLE_PADDING)
+
+    def test_a_picture_that_is_told_too_short_is_said(self):
+        self.load(CAPTURE_CARD, format="YU12", size=ODD_SIZE, padding=SHORT_PADDING)
+        self.wait_known(self.path)
+        self.vistrel.click()
+        self.wait_fault()
+        self.assertNotEqual(self.bars(), list(reversed(BARS)))
 
     def test_planes_in_memories_of_their_own_are_right_or_not_offered(self):
         self.show(WEBCAM, "multiplanar=2", format="NM12", is_wanted=False)

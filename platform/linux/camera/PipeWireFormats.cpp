@@ -99,6 +99,9 @@ void readRates(const spa_pod* offer, VideoMode& mode) {
   }
 }
 
+// PipeWire's V4L2 plugin gives the largest size in the place of the step.
+PixelSize stepWithin(PixelSize largest, PixelSize step) { return step == largest ? PixelSize{1, 1} : step; }
+
 void appendSizes(const spa_pod* offer, const VideoMode& pattern, std::vector<VideoMode>& modes) {
   const Values sizes = valuesOf(offer, SPA_FORMAT_VIDEO_size, SPA_TYPE_Rectangle, sizeof(spa_rectangle));
   VideoMode mode = pattern;
@@ -108,8 +111,9 @@ void appendSizes(const spa_pod* offer, const VideoMode& pattern, std::vector<Vid
     if (modes.size() < kMostModes && mode.limitToPossible()) modes.push_back(mode);
   };
   if (isRange(sizes)) {
-    if (sizes.count >= 3) mode.step = sizeOf(sizes.at<spa_rectangle>(2));
-    return append(sizeOf(sizes.at<spa_rectangle>(0)), sizeOf(sizes.at<spa_rectangle>(1)));
+    const PixelSize largest = sizeOf(sizes.at<spa_rectangle>(1));
+    if (sizes.count >= 3) mode.step = stepWithin(largest, sizeOf(sizes.at<spa_rectangle>(2)));
+    return append(sizeOf(sizes.at<spa_rectangle>(0)), largest);
   }
   for (std::uint32_t i = 0; i < sizes.count; ++i) {
     const PixelSize size = sizeOf(sizes.at<spa_rectangle>(i));

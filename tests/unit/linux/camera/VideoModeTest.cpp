@@ -193,6 +193,13 @@ TEST(PipeWireFormats, ReadsRangesAndHidesGreySensors) {
   EXPECT_TRUE(jpeg[0].rates.empty());
   EXPECT_TRUE(jpeg[0].reaches({1280, 720}));
   EXPECT_FALSE(jpeg[0].reaches({1281, 720}));
+  const auto addLargestAsStep = [](auto* b) {
+    for (unsigned w : {16U, 16U, 1920U, 1920U}) spa_pod_builder_rectangle(b, w, w);
+  };
+  const auto card =
+      Offer(SPA_MEDIA_SUBTYPE_mjpg).choice(SPA_FORMAT_VIDEO_size, SPA_CHOICE_Step, addLargestAsStep).modes();
+  ASSERT_EQ(card.size(), 1U);
+  EXPECT_TRUE(card[0].reaches({1280, 720}));
   const auto addGrey = [](auto* b) { spa_pod_builder_id(b, SPA_VIDEO_FORMAT_GRAY8); };
   EXPECT_TRUE(Offer(SPA_MEDIA_SUBTYPE_raw)
                   .choice(SPA_FORMAT_VIDEO_format, SPA_CHOICE_None, addGrey)
