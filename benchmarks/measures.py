@@ -8,7 +8,7 @@ from gi.repository import GLib
 from benchmarks import processes
 from benchmarks.cases import FRAMES
 from benchmarks.viewers import appear, disappear
-from stage.desktop import WATCHER
+from stage.bus import WATCHER
 
 MENU = "com.canonical.dbusmenu"
 

@@ -15,49 +15,16 @@ import sys
 import tempfile
 import uuid
 
-import gi
-
-gi.require_version("Gio", "2.0")
-from gi.repository import Gio, GLib  # noqa: E402
-
-from stage.testcam import Camera  # noqa: E402
-from stage.processes import MARK, PATIENCE, Process, adopt_orphans, end_marked, wait_until  # noqa: E402
-from stage.screen import Screen  # noqa: E402
+from stage.bus import WATCHER, Bus, write_bus_settings
+from stage.processes import MARK, PATIENCE, Process, adopt_orphans, end_marked, wait_until
+from stage.screen import Screen
+from stage.testcam import Camera
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 CONFIGURATION = ROOT / "stage" / "config"
-WATCHER = "org.kde.StatusNotifierWatcher"
 SESSION_MANAGER = "org.xfce.SessionManager"
 TRAY = "_NET_SYSTEM_TRAY_S0"
 PANEL_MODES = {"top": (0, 6), "bottom": (0, 10), "left": (1, 6), "right": (1, 2)}  # upright or not, and its snapping
-
-
-class Bus:
-    """A connection to the session bus of a private desktop."""
-
-    def __init__(self, address):
-        flags = Gio.DBusConnectionFlags
-        self._connection = Gio.DBusConnection.new_for_address_sync(
-            address, flags.AUTHENTICATION_CLIENT | flags.MESSAGE_BUS_CONNECTION, None, None)
-        self._connection.set_exit_on_close(False)
-
-    def call(self, name, path, interface, method, signature="()", *arguments):
-        return self._connection.call_sync(
-            name, path, interface, method, GLib.Variant(signature, arguments), None, 0, 5000, None).unpack()
-
-    def send(self, name, path, interface, method, signature="()", *arguments):
-        """A call whose answer nobody waits for."""
-        self._connection.call(name, path, interface, method, GLib.Variant(signature, arguments), None, 0, 5000, None)
-
-    def property(self, name, path, interface, key):
-        return self.call(name, path, "org.freedesktop.DBus.Properties", "Get", "(ss)", interface, key)[0]
-
-    def has_owner(self, name):
-        bus = "org.freedesktop.DBus"
-        return self.call(bus, "/org/freedesktop/DBus", bus, "NameHasOwner", "(s)", name)[0]
-
-    def close(self):
-        self._connection.close_sync(None)
 
 
 def write_wireplumber_settings(config):
@@ -68,31 +35,6 @@ def write_wireplumber_settings(config):
         place = config / "wireplumber" / file
         place.parent.mkdir(parents=True)
         place.write_text(text)
-
-
-# What tray host, accessibility and settings are started by. Nothing else that the machine has: its portal would answer
-# in place of the tests' own.
-SERVICES = ("ca.desrt.dconf", "org.a11y.Bus", "org.xfce.Xfconf")
-BUS = """<busconfig>
-  <type>session</type>
-  <listen>{address}</listen>
-  <auth>EXTERNAL</auth>
-  <servicedir>{services}</servicedir>
-  <policy context="default">
-    <allow send_destination="*" eavesdrop="true"/>
-    <allow eavesdrop="true"/>
-    <allow own="*"/>
-  </policy>
-</busconfig>
-"""
-
-
-def write_bus_settings(file, services, address):
-    """A session bus that starts only what stands in the folder `services`, which is made."""
-    services.mkdir(parents=True)
-    for name in SERVICES:
-        shutil.copy(f"/usr/share/dbus-1/services/{name}.service", services)
-    file.write_text(BUS.format(address=address, services=services))
 
 
 class Desktop:
@@ -288,20 +230,22 @@ class Desktop:
         """PipeWire's session manager's process."""
         return self._pipewire[1]
 
-    def graph(self, kind):
-        """The objects of that kind on the PipeWire graph: "Node", "Link", "Client"."""
+    def graph(self, *kinds):
+        """The objects of those kinds on the PipeWire graph: "Node", "Link", "Client"."""
         text, objects = self.run("pw-dump").strip(), {}
         while text:  # what changes while it is being told follows in a list of its own
             entries, end = json.JSONDecoder().raw_decode(text)
             objects.update((entry["id"], entry) for entry in entries)
             text = text[end:].lstrip()
         return [entry for entry in objects.values()
-                if entry.get("type") == f"PipeWire:Interface:{kind}" and entry.get("info")]
+                if entry.get("type", "").rpartition(":")[2] in kinds and entry.get("info")]
 
-    def readers(self, camera):
-        """How many streams take pictures from the camera."""
-        nodes = [entry["id"] for entry in self.graph("Node") if entry["info"]["props"].get("node.name") == camera.node]
-        return sum(entry["info"]["output-node-id"] in nodes for entry in self.graph("Link"))
+    def readers(self, *cameras):
+        """How many streams take pictures from the cameras."""
+        graph = [entry["info"] | {"id": entry["id"]} for entry in self.graph("Node", "Link")]
+        names = [camera.node for camera in cameras]
+        nodes = [info["id"] for info in graph if info["props"].get("node.name") in names]
+        return sum(info.get("output-node-id") in nodes for info in graph)
 
     def camera(self, **options):
         camera = Camera(self, **options)

@@ -3,7 +3,7 @@
 import json
 import signal
 
-from stage.desktop import WATCHER
+from stage.bus import WATCHER
 from stage.processes import wait_until
 
 IDENTIFIER = "org.vistrel.Vistrel"

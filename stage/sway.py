@@ -4,7 +4,8 @@ import json
 import os
 import subprocess
 
-from stage.desktop import WATCHER, Desktop
+from stage.bus import WATCHER
+from stage.desktop import Desktop
 from stage.processes import PATIENCE, NeverCame, wait_until
 from stage.screen import Screen
 from stage.seat import Seat

@@ -5,7 +5,7 @@ import shlex
 import signal
 import unittest
 
-from stage.desktop import WATCHER
+from stage.bus import WATCHER
 from stage.processes import wait_until
 from stage.program import IDENTIFIER
 from tests.desktop.harness import DesktopTest

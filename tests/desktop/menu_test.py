@@ -3,7 +3,7 @@
 import signal
 import unittest
 
-from stage.desktop import WATCHER, GLib
+from stage.bus import WATCHER, GLib
 from stage.processes import wait_until
 from tests.desktop.harness import CHECKING, REFRESHED, SAVING, STARTED, DesktopTest, plain
 

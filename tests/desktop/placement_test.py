@@ -3,7 +3,7 @@ when these change."""
 
 import unittest
 
-from stage.desktop import WATCHER, GLib
+from stage.bus import WATCHER, GLib
 from stage.processes import wait_until
 from stage.program import centre, inside
 from tests.desktop.harness import SIZES, DesktopTest

@@ -54,7 +54,7 @@ class Soak:
         wait_until(lambda: self.streams() == 0, "the end of the stream")
 
     def streams(self):
-        return sum(self.desktop.readers(camera) for camera in self.cameras)
+        return self.desktop.readers(*self.cameras)
 
     def nothing(self):
         pass
@@ -129,7 +129,7 @@ class Soak:
                    if client["info"]["props"].get("application.process.id") == self.vistrel.pid]
         assert clients
         return len(clients) + sum(entry["info"]["props"].get("client.id") in clients
-                                  for kind in ("Node", "Port", "Link") for entry in self.desktop.graph(kind))
+                                  for entry in self.desktop.graph("Node", "Port", "Link"))
 
     def close(self):
         self.portal.close()
