@@ -123,6 +123,28 @@ class MirrorTest(TearingOff, DesktopTest):
                     self.wait_closed(camera)
                 self.desktop.unplug_all()
 
+    def test_a_press_that_the_window_manager_holds_back_is_still_one_on_the_mirror(self):
+        self.desktop.camera()
+        vistrel = self.start()
+        x, y, width, height = self.open(vistrel)["place"]
+        middle, across = (x + width // 2, y + height // 2), (x, y + height // 2, width, 1)
+        self.screen.move(middle)
+        self.addCleanup(self.screen.ask, "release", 1)
+        self.addCleanup(self.desktop.manager.signal, signal.SIGCONT)
+        self.desktop.manager.signal(signal.SIGSTOP)
+        self.screen.ask("press", 1)
+        for _ in range(3):
+            self.wait_next_frame(across)
+        self.desktop.manager.signal(signal.SIGCONT)
+        for step in range(1, 17):
+            self.screen.move((middle[0] - 20 * step, middle[1] + 10 * step))
+        vistrel.wait_line("Detached")
+
+    def wait_next_frame(self, place):
+        """Also where the pointer and the button are in the way of the clock."""
+        before = self.screen.ask("pixels", *place)
+        wait_until(lambda: self.screen.ask("pixels", *place) != before, "another frame")
+
     def test_the_lines_of_two_showings(self):
         camera = self.desktop.camera()
         vistrel = self.start()

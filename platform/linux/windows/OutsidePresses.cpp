@@ -16,12 +16,22 @@ namespace vistrel::windows {
 namespace {
 
 // The word of a press comes on two connections, and on Qt's by way of a thread. This long the one waits for
-// the other; a person sees no delay in it.
+// the other; a person sees no delay in it. Where the pointer was over a window of ours it may be that a busy
+// machine, or the window manager, still holds the press back; should that window lie under another, the
+// popover closes so much later.
 constexpr std::chrono::milliseconds kPatience(30);
-constexpr std::size_t kRemembered = 8;
+constexpr std::chrono::milliseconds kPatienceOnOurs(500);
+constexpr std::size_t kRemembered = 32;  // more than a hand makes in that time
 
 // Where the tray host embeds the icon in a window of ours, that window is a part of the panel all the same.
 bool isTrayIcon(const QWindow& window) { return window.objectName() == u"QSystemTrayIconSysWindow"; }
+
+bool isOverOurs(QPoint place) {
+  const auto windows = QGuiApplication::topLevelWindows();
+  return std::any_of(windows.begin(), windows.end(), [place](const QWindow* window) {
+    return window->isExposed() && !isTrayIcon(*window) && window->geometry().contains(place);
+  });
+}
 
 // Server time runs over after seven weeks.
 bool isLater(xcb_timestamp_t a, xcb_timestamp_t b) { return static_cast<std::int32_t>(a - b) > 0; }
@@ -57,17 +67,19 @@ bool OutsidePresses::eventFilter(QObject* object, QEvent* event) {
 // An open menu gets the presses beside it too.
 void OutsidePresses::note(const QWindow& window, const QMouseEvent& press) {
   if (isTrayIcon(window) || !window.geometry().contains(press.globalPosition().toPoint())) return;
-  ownPresses_.push_back(static_cast<xcb_timestamp_t>(press.timestamp()));
+  const auto time = static_cast<xcb_timestamp_t>(press.timestamp());
+  if (!ownPresses_.empty() && ownPresses_.back() == time) return;  // a double click is told as a press, too
+  ownPresses_.push_back(time);
   if (ownPresses_.size() > kRemembered) ownPresses_.pop_front();
 }
 
-// Where the pointer is by now tells nothing: a quick hand has moved on, and a menu may have closed.
+// Where the pointer is by now does not decide: a quick hand has moved on, and a menu may have closed.
 void OutsidePresses::pressed(const x11::RawPress& press) {
   if (!isLater(press.time, watchedSince_)) return;  // it may be what opened the popover
   client_->pressBegan();
   if (!client_) return;
   const QPoint place = qt::fromPixels({press.x, press.y});
-  QTimer::singleShot(kPatience, this,
+  QTimer::singleShot(isOverOurs(place) ? kPatienceOnOurs : kPatience, this,
                      [this, watch = watch_, time = press.time, place, isCovered = cover_.isUp()] {
                        if (watch == watch_) judge(time, place, isCovered);
                      });
