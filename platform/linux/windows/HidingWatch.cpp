@@ -26,14 +26,6 @@ Values propertyOf(xcb_window_t window, xcb_atom_t property) {
   return {first, first + reply->value_len};
 }
 
-bool isViewable(xcb_window_t window) {
-  auto* connection = qt::toolkitConnection();
-  const auto question = xcb_get_window_attributes(connection, window);
-  const x11::Reply<xcb_get_window_attributes_reply_t> reply(
-      xcb_get_window_attributes_reply(connection, question, nullptr));
-  return reply && reply->map_state == XCB_MAP_STATE_VIEWABLE;
-}
-
 xcb_window_t root() { return x11::rootOf(qt::toolkitConnection()); }
 
 }  // namespace
@@ -75,8 +67,10 @@ bool HidingWatch::leavesWindowsMapped() const {
 }
 
 bool HidingWatch::isOnOtherDesktop(const QWindow& window) const {
-  if (isViewable(static_cast<xcb_window_t>(window.winId())) && !leavesWindowsMapped()) return false;
-  const Values own = propertyOf(static_cast<xcb_window_t>(window.winId()), desktop_);
+  const auto id = static_cast<xcb_window_t>(window.winId());
+  const bool isViewable = x11::mapStateOf(qt::toolkitConnection(), id) == XCB_MAP_STATE_VIEWABLE;
+  if (isViewable && !leavesWindowsMapped()) return false;
+  const Values own = propertyOf(id, desktop_);
   if (own.empty() || own.front() == kOnAllDesktops) return false;
   const Values current = propertyOf(root(), currentDesktop_);
   return !current.empty() && current.front() != own.front();

@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/Log.h"
 #include "linux/qt/Geometry.h"
 #include "linux/qt/X11Toolkit.h"
 #include "linux/x11/Requests.h"
@@ -81,6 +82,14 @@ bool PressCover::isWanted() const {
          std::any_of(windows.begin(), windows.end(), isAttachedPopover);
 }
 
+void PressCover::start() {
+  cover_ = std::make_unique<x11::InputCover>();
+  if (!cover_->failure() || std::exchange(isFailureSaid_, true)) return;
+  Log::warning(
+      "vistrel: not every press beside the mirror closes it, since what hears of them cannot be started: " +
+      cover_->failure()->message);
+}
+
 // Where nobody composes the windows, as in a nested server, a transparent one would hide the desktop.
 void PressCover::update() {
   isUpdateDue_ = false;
@@ -90,7 +99,7 @@ void PressCover::update() {
   }
   const auto icon = iconFrame_();
   const QRegion spared = icon ? QRegion(qt::toPixels(qt::toQt(*icon))) : QRegion();
-  if (!cover_) cover_ = std::make_unique<x11::InputCover>();
+  if (!cover_) start();
   cover_->setParts(rectanglesOf(desktopInPixels() - ownWindowsInPixels() - spared));
 }
 

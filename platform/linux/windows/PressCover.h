@@ -29,12 +29,14 @@ class PressCover final : public QObject {
 
  private:
   void update();
+  void start();
   [[nodiscard]] bool isWanted() const;
 
   IconFrame iconFrame_;
   bool isXWayland_ = false;
   bool isAwaited_ = false;
   bool isUpdateDue_ = false;
+  bool isFailureSaid_ = false;
   std::unique_ptr<x11::InputCover> cover_;
 };
 

@@ -108,13 +108,9 @@ bool X11Windows::hasFocus(const QWindow& window) const {
 
 X11Windows::Presence X11Windows::presenceOf(const QWindow& window) const {
   if (!connection_) return Presence::Viewable;
-  const auto cookie = xcb_get_window_attributes(connection_, idOf(window));
-  xcb_generic_error_t* failure = nullptr;
-  const x11::Reply<xcb_get_window_attributes_reply_t> reply(
-      xcb_get_window_attributes_reply(connection_, cookie, &failure));
-  const x11::Reply<xcb_generic_error_t> error(failure);
-  if (!reply) return Presence::None;
-  return reply->map_state == XCB_MAP_STATE_VIEWABLE ? Presence::Viewable : Presence::Unviewable;
+  const auto state = x11::mapStateOf(connection_, idOf(window));
+  if (!state) return Presence::None;
+  return *state == XCB_MAP_STATE_VIEWABLE ? Presence::Viewable : Presence::Unviewable;
 }
 
 }  // namespace vistrel::windows

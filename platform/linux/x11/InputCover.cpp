@@ -7,8 +7,8 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <cstring>
 #include <filesystem>
-#include <optional>
 
 #include "linux/x11/CoverChannel.h"
 
@@ -19,10 +19,10 @@ namespace {
 namespace fs = std::filesystem;
 
 // In a session of its own: what stops this program from its terminal must not stop the other one.
-std::optional<pid_t> start(const std::string& program, int channel) {
+Result<pid_t> start(const std::string& program, int channel) {
   posix_spawn_file_actions_t actions;
   posix_spawnattr_t attributes;
-  if (::posix_spawn_file_actions_init(&actions) != 0) return std::nullopt;
+  ::posix_spawn_file_actions_init(&actions);
   ::posix_spawnattr_init(&attributes);
   ::posix_spawn_file_actions_adddup2(&actions, channel, kCoverChannel);
   ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);
@@ -33,7 +33,8 @@ std::optional<pid_t> start(const std::string& program, int channel) {
       ::posix_spawn(&process, program.c_str(), &actions, &attributes, arguments.data(), environ);
   ::posix_spawnattr_destroy(&attributes);
   ::posix_spawn_file_actions_destroy(&actions);
-  return failure == 0 ? std::optional(process) : std::nullopt;
+  if (failure != 0) return Error{program + ": " + std::strerror(failure)};
+  return process;
 }
 
 }  // namespace
@@ -49,10 +50,18 @@ std::string InputCover::installedProgram() {
 
 InputCover::InputCover(const std::string& program) {
   std::array<int, 2> ends = {};
-  if (::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0) return;
+  if (::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0) {
+    failure_ = Error{program + ": " + std::strerror(errno)};
+    return;
+  }
   channel_ = desktop::FileDescriptor(ends[0]);
   const desktop::FileDescriptor other(ends[1]);
-  process_ = start(program, other.get()).value_or(0);
+  const auto started = start(program, other.get());
+  if (started) {
+    process_ = started.value();
+  } else {
+    failure_ = started.error();
+  }
 }
 
 InputCover::~InputCover() {

@@ -3,9 +3,11 @@
 #include <sys/types.h>
 #include <xcb/xcb.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "base/Result.h"
 #include "linux/FileDescriptor.h"
 
 namespace vistrel::x11 {
@@ -15,12 +17,14 @@ namespace vistrel::x11 {
 /// stopped, and go at once with it. Main thread only.
 class InputCover {
  public:
-  /// Covers nothing yet. Where that program, `program`, cannot be started, it never will.
+  /// Covers nothing yet. Where that program, `program`, cannot be started, it never will: see `failure`.
   explicit InputCover(const std::string& program = installedProgram());
   InputCover(const InputCover&) = delete;
   InputCover& operator=(const InputCover&) = delete;
   ~InputCover();
 
+  /// Why the other program could not be started.
+  [[nodiscard]] const std::optional<Error>& failure() const { return failure_; }
   /// Whether the other program has said that it can cover something.
   [[nodiscard]] bool isAble();
   /// Covers these parts of the desktop and no others, in pixels; again, too, after a press has ended it.
@@ -33,6 +37,7 @@ class InputCover {
   desktop::FileDescriptor channel_;
   pid_t process_ = 0;
   bool isAble_ = false;
+  std::optional<Error> failure_;
 };
 
 }  // namespace vistrel::x11

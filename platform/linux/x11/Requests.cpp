@@ -35,6 +35,13 @@ bool isOwned(xcb_connection_t* connection, const char* selection) {
   return ownerOf(connection, selection) != XCB_NONE;
 }
 
+std::optional<std::uint8_t> mapStateOf(xcb_connection_t* connection, xcb_window_t window) {
+  const auto cookie = xcb_get_window_attributes(connection, window);
+  const Reply<xcb_get_window_attributes_reply_t> reply(
+      xcb_get_window_attributes_reply(connection, cookie, nullptr));
+  return reply ? std::optional(reply->map_state) : std::nullopt;
+}
+
 // The extension is there from version 23.1 on.
 bool isXWayland(xcb_connection_t* connection) {
   constexpr std::string_view kExtension = "XWAYLAND";

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
+#include <optional>
 
 namespace vistrel::x11 {
 
@@ -28,6 +29,9 @@ using Reply = std::unique_ptr<T, Free>;
 /// `XCB_NONE` without one.
 [[nodiscard]] xcb_window_t ownerOf(xcb_connection_t* connection, const char* selection);
 [[nodiscard]] bool isOwned(xcb_connection_t* connection, const char* selection);
+/// `XCB_MAP_STATE_UNMAPPED`, `XCB_MAP_STATE_UNVIEWABLE` or `XCB_MAP_STATE_VIEWABLE`; none without such a
+/// window.
+[[nodiscard]] std::optional<std::uint8_t> mapStateOf(xcb_connection_t* connection, xcb_window_t window);
 /// Whether the server is one for X11 programs in a Wayland session (XWayland), which knows where the pointer
 /// is and what is pressed only while it is over a window of such a program.
 [[nodiscard]] bool isXWayland(xcb_connection_t* connection);

@@ -1,4 +1,8 @@
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <functional>
 #include <memory>
@@ -236,11 +240,27 @@ TEST_F(ServerTest, ACoverIsOffWithTheFirstPressOnItAndGoesWithItsOwner) {
     user.click(3);
     EXPECT_TRUE(wait([&] { return !isCovered(50) && !isCovered(250); }));
   }
+  EXPECT_FALSE(cover->failure());
   cover->setParts({{0, 0, 100, 100}});
   ASSERT_TRUE(wait([&] { return isCovered(50); }));
   cover.reset();
   EXPECT_TRUE(wait([&] { return !isCovered(50); }));
-  EXPECT_FALSE(InputCover("/nowhere").isAble());
+  InputCover missing("/nowhere");
+  EXPECT_FALSE(missing.isAble());
+  EXPECT_TRUE(missing.failure());
+
+  const pid_t owner = ::fork();
+  if (owner == 0) {  // ends without a word
+    InputCover orphan(VISTREL_COVER);
+    orphan.setParts({{0, 0, 100, 100}});
+    ::pause();
+    ::_exit(1);
+  }
+  ASSERT_GT(owner, 0);
+  EXPECT_TRUE(wait([&] { return isCovered(50); }));
+  ::kill(owner, SIGKILL);
+  ::waitpid(owner, nullptr, 0);
+  EXPECT_TRUE(wait([&] { return !isCovered(50); }));
 }
 
 }  // namespace
