@@ -9,10 +9,10 @@ from stage.desktop import Desktop
 from stage.portal import Portal
 from stage.processes import wait_until
 from stage.program import Program, centre
-from tests.desktop.harness import in_use
+from tests.desktop.harness import REFRESHED, in_use
 from tests.desktop.settings import ROWS
 
-OFFERS = {"one": ["mjpeg:1280x720@30"], "two": ["yuy2:1280x720@30"]}
+OFFERS = {"one": ["mjpeg:1280x720@60"], "two": ["yuy2:640x480@60"]}  # quick, as the rounds are to be
 WARM_UP = 100  # until each act was there once
 REPORT = 100
 # A library may begin to keep a thread of its pool, which has a descriptor, in any round; what leaks is lost again and again.
@@ -29,6 +29,7 @@ class Soak:
         self.portal = Portal(self.desktop, self.scheme)
         self.plug()
         self.vistrel = Program(self.desktop, {})
+        self.icon = centre(self.vistrel.icon())
         self.acts = {self.nothing: 60, self.tear_off: 12, self.switch_camera: 10, self.turn_dark: 6, self.open_preferences: 5,
                      self.restart_panel: 3, self.restart_pipewire: 2, self.destroy_window: 2}
         self.counts = dict.fromkeys((act.__name__ for act in self.acts), 0)
@@ -45,11 +46,11 @@ class Soak:
         self.look(act if is_inside else self.nothing)
 
     def look(self, act):
-        self.vistrel.click()
+        self.screen.click(self.icon)
         self.screen.live_picture()
         act()
-        if self.vistrel.windows():
-            self.vistrel.click()
+        if act != self.destroy_window:
+            self.screen.click(self.icon)
         self.screen.wait_no_picture()
         wait_until(lambda: self.streams() == 0, "the end of the stream")
 
@@ -95,7 +96,7 @@ class Soak:
         self.desktop.stop_host()
         calls = len(self.desktop.menu_calls.lines)
         self.desktop.start_host()
-        self.vistrel.icon()
+        self.icon = centre(self.vistrel.icon())
         self.vistrel.wait_menu_known(calls)
 
     def restart_pipewire(self):
@@ -103,6 +104,17 @@ class Soak:
         self.desktop.stop_pipewire()
         self.desktop.start_pipewire()
         self.plug()
+        wait_until(self.finds_both, "both cameras in the program's list")
+
+    def finds_both(self):
+        """An opening lists them, and one that is too early has no picture."""
+        since = len(self.vistrel.lines)
+        self.screen.click(self.icon)
+        listed = self.vistrel.lines[self.vistrel.wait_line(REFRESHED, since)]
+        wait_until(self.vistrel.windows, "the window")
+        self.screen.click(self.icon)
+        wait_until(lambda: not self.vistrel.windows(), "the end of the window")
+        return all(f": {name} [" in listed for name in OFFERS)
 
     def destroy_window(self):
         self.screen.destroy(self.vistrel.windows()[0])
