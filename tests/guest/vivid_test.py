@@ -144,7 +144,7 @@ class Cases:
 
 class ThroughPipeWireTest(Cases, GuestTest):
     through = True
-    # Without vidioc_reqbufs: after it no opening shows a picture behind PipeWire 0.3.65, and the driver stays in use.
+    # Without vidioc_reqbufs: after it no reader at all gets a picture behind PipeWire 0.3.65, which keeps the device.
     refusals = ("vidioc_streamon",)
     outlived = ("v4l2_buf_flag", "vidioc_qbuf")  # a damaged picture; a memory less in PipeWire's hands
     shown, others, odd = ("YUYV", "NV12"), (), ("YU12",)
