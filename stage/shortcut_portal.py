@@ -26,7 +26,8 @@ SESSION_XML = f"""<node><interface name="{SESSION}"><method name="Close"/></inte
 
 class ShortcutPortal:
     """`answer` is what the user says to a new shortcut: "yes", "no", "failed" (bound, and a desktop that answers that
-    it is not), "later" (bound, and told without an answer)."""
+    it is not), "later" (bound, and told without an answer), "denied" (no, and a desktop that calls it a failure, as it
+    does with programs that it does not know)."""
 
     def __init__(self, desktop, answer="yes", knows_programs=True):
         self._desktop, self._answer, self._knows_programs = desktop, answer, knows_programs
@@ -113,7 +114,8 @@ class _Service:
 
     def CreateSession(self, sender, options):
         path = f"{PATH}/session/{sender[1:].replace('.', '_')}/{options['session_handle_token']}"
-        if sender not in self.names or path in self.sessions:
+        is_served = sender in self.names or self.answer == "denied"
+        if not is_served or path in self.sessions:
             raise PermissionError("session")
         self.sessions[path] = {"owner": sender, "object": self._export(path, SESSION_XML), "ids": None}
         return self._respond(sender, options, 0, {"session_handle": GLib.Variant("s", path)})
@@ -129,8 +131,9 @@ class _Service:
         session["ids"] = []
         new = {name: facts["preferred_trigger"] for name, facts in shortcuts if name not in self.triggers}
         print("asked", *new, "for", *new.values(), "over", parent.split(":")[0] or "nothing", flush=True)
-        if self.answer == "no" and new:
-            return self._respond(sender, options, 1, {})
+        refusals = {"no": 1, "denied": 2}
+        if self.answer in refusals and new:
+            return self._respond(sender, options, refusals[self.answer], {})
         self.triggers |= new
         self._save()
         session["ids"] = [name for name, _facts in shortcuts]

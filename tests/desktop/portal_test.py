@@ -10,6 +10,7 @@ from tests.desktop.shortcut_test import ALT, CONTROL, Z, Z_KEY, stored
 
 TRIGGER = "CTRL+ALT+z"
 ID = f"toggleShortcutMode.{TRIGGER}"
+F6_ID = "toggleShortcutMode.CTRL+SHIFT+F6"
 CONTROL_AND_ALT = 0xC  # as X11 has them
 BOUND = f"bound {ID}"
 
@@ -144,6 +145,27 @@ class PortalTest(SettingsTest):
                          [f"asked {ID} for {TRIGGER} over x11"])
         self.expect_served(portal)
 
+    def record_f6(self, portal):
+        vistrel = self.start({**stored(Z_KEY, 0x1800), "dismissPreference": 1})
+        portal.wait("asked")
+        self.open_window(vistrel, "Preferences")
+        self.record(vistrel)
+        self.combination("Control_L", "Shift_L", "F6")
+        portal.wait(f"asked {F6_ID}")
+        return vistrel.file.parent / "denied-shortcuts"
+
+    def test_a_failure_is_a_no_to_what_was_just_recorded(self):
+        denied = self.record_f6(self.portal(answer="denied"))
+        self.addCleanup(denied.unlink)
+        wait_until(lambda: denied.exists() and denied.read_text() == f"{F6_ID}\n", "the denial of that one alone")
+
+    def test_a_failure_is_no_denial_where_the_program_is_not_known(self):
+        portal = self.portal(answer="denied", knows_programs=False)
+        self.record_f6(portal)
+        portal.answer("denied")  # and what it answered is on its way
+        portal.close()
+        self.portal().wait(f"bound {F6_ID}")
+
     def test_a_new_recording_is_a_new_session_and_a_cleared_one_ends_it(self):
         portal = self.portal()
         vistrel = self.start({**stored(Z_KEY, 0x1800), "dismissPreference": 1})
@@ -152,7 +174,7 @@ class PortalTest(SettingsTest):
         self.record(vistrel)
         self.combination("Control_L", "Shift_L", "F6")
         self.wait_says(vistrel, "Record Shortcut", "⌃⇧F6")
-        portal.wait("bound toggleShortcutMode.CTRL+SHIFT+F6", portal.wait("closed"))
+        portal.wait(f"bound {F6_ID}", portal.wait("closed"))
         self.expect_toggle(lambda: portal.toggle("CTRL+SHIFT+F6"))
         self.record(vistrel)
         ended = len(portal.lines)

@@ -25,6 +25,7 @@ constexpr const char* kRegistry = "org.freedesktop.host.portal.Registry";
 // A portal that learns no application id from us stores the shortcuts under this word, so it never changes.
 constexpr const char* kSessionToken = "vistrel";
 constexpr uint kCancelledByUser = 1;
+constexpr uint kFailed = 2;
 
 struct Described {
   QString id;
@@ -121,7 +122,7 @@ void ShortcutPortal::reset() {
   ++portals_;
   session_.clear();
   request_.clear();
-  isIdentified_ = false;
+  isKnown_.reset();
   step_ = Step::None;
   serveNow({});
 }
@@ -132,7 +133,7 @@ void ShortcutPortal::startOver() {
   step_ = Step::None;
   if (wanted_.isEmpty()) return;
   if (askable().isEmpty()) return handlers_.didRefuse();
-  if (!isIdentified_) return identify();
+  if (!isKnown_) return identify();
   createSession();
 }
 
@@ -145,7 +146,7 @@ void ShortcutPortal::identify() {
 }
 
 void ShortcutPortal::identified(const QDBusMessage& reply) {
-  isIdentified_ = true;
+  isKnown_ = reply.type() == QDBusMessage::ReplyMessage;
   if (isWithoutAnswer(reply)) handlers_.didRefuse();
   startOver();
 }
@@ -192,16 +193,19 @@ void ShortcutPortal::bind() {
   call(Step::Binding, message, &ShortcutPortal::requested);
 }
 
-// Some desktops answer "failed" to what they have bound: what counts is whether our ids are among the
-// results.
+// What counts is whether our ids are among the results: some desktops answer "failed" to what they bound.
 void ShortcutPortal::bound(uint response, const QVariantMap& results) {
   step_ = Step::Settled;
   const bool isEarlierWord = idsIn(results.value("shortcuts")).isEmpty() && !served_.isEmpty();
   if (!isEarlierWord) settle(results.value("shortcuts"));
-  if (response != kCancelledByUser) return;
-  for (const auto& shortcut : wanted_) {
-    if (!served_.contains(shortcut.id)) denied_.insert(shortcut.id.toStdString());
+  for (const auto& [id, trigger] : wanted_) {
+    if (!served_.contains(id) && isDenial(response, id)) denied_.insert(id.toStdString());
   }
+}
+
+bool ShortcutPortal::isDenial(uint response, const QString& id) const {
+  const bool isOfThisRun = isKnown_ == true && recorded_.contains(id);
+  return response == kCancelledByUser || (response == kFailed && isOfThisRun);
 }
 
 void ShortcutPortal::settle(const QVariant& shortcuts) {

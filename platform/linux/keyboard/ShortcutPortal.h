@@ -43,7 +43,10 @@ class ShortcutPortal final : public QObject {
   /// Asks for these and no others; an empty list gives the earlier ones back.
   void serve(QList<PortalShortcut> shortcuts);
   /// The user has recorded this one: what was denied once is asked for again only after this.
-  void recorded(const QString& id) { denied_.remove(id.toStdString()); }
+  void recorded(const QString& id) {
+    denied_.remove(id.toStdString());
+    recorded_.insert(id);
+  }
 
  private slots:
   void responded(const QDBusMessage& message);
@@ -72,6 +75,9 @@ class ShortcutPortal final : public QObject {
   void settle(const QVariant& shortcuts);
   void serveNow(const QSet<QString>& ids);
   void call(Step step, const QDBusMessage& message, Answer answer);
+  // GNOME calls the user's "no" a failure too. It may be another one where the program is not installed, or
+  // at a login; hardly while the user is at the question.
+  [[nodiscard]] bool isDenial(uint response, const QString& id) const;
   [[nodiscard]] QVariantMap requestOptions();
   [[nodiscard]] QList<PortalShortcut> askable() const;
   [[nodiscard]] std::optional<QString> servedId(const QDBusMessage& message) const;
@@ -83,10 +89,11 @@ class ShortcutPortal final : public QObject {
   QSet<QString> served_;
   DeniedShortcuts denied_;
   Step step_ = Step::None;
-  bool isIdentified_ = false;
-  int portals_ = 0;   ///< that were there so far: the answer of an earlier one counts for nothing
-  int requests_ = 0;  ///< made so far
-  QString request_;   ///< the object of the one whose response is awaited
+  QSet<QString> recorded_;       ///< by the user, while this program runs
+  std::optional<bool> isKnown_;  ///< to the portal; none before it was asked
+  int portals_ = 0;              ///< that were there so far: the answer of an earlier one counts for nothing
+  int requests_ = 0;             ///< made so far
+  QString request_;              ///< the object of the one whose response is awaited
   QString session_;
 };
 
