@@ -58,7 +58,7 @@ struct Desktop::Parts {
   keyboard::DesktopHotKeys hotKeys{grabs, keyboard, x11};
   keyboard::PopupKeys popupKeys{grabs, keyboard};
   x11::RawPresses presses{x11};
-  windows::QtWindowSystem windows{presses, [this] { return statusArea.iconFrame(); }};
+  windows::QtWindowSystem windows{presses, [this] { return statusArea.toldIconFrame(); }};
   session::QtSession session{reactor, x11, *instance};
   tray::QtStatusArea statusArea{session, x11, *hostMessages};
   session::Lid lid;

@@ -112,13 +112,17 @@ void QtStatusArea::popUpMenu(std::shared_ptr<NSMenu> menu) {
 
 void QtStatusArea::dismissMenu() { popUp_.reset(); }
 
+std::optional<Rect> QtStatusArea::toldIconFrame() const {
+  if (!isShown_ || !icon_) return std::nullopt;
+  const QRect told = icon_->geometry();
+  return told.isEmpty() ? guessedFrame_ : qt::fromQt(told);
+}
+
 std::optional<Rect> QtStatusArea::iconFrame() {
-  if (!isShown_) return std::nullopt;
-  const QRect told = icon_ ? icon_->geometry() : QRect();
-  if (!told.isEmpty()) return qt::fromQt(told);
+  const auto told = toldIconFrame();
   // Elsewhere the pointer, which the user has in hand, tells more than the end of a panel.
-  if (!guessedFrame_ && isPointerStale_) return iconFrameAtPanelEnd(session_.screens());
-  return icon_ ? guessedFrame_ : std::nullopt;
+  const bool isAtPanelEnd = isShown_ && !told && !guessedFrame_ && isPointerStale_;
+  return isAtPanelEnd ? iconFrameAtPanelEnd(session_.screens()) : told;
 }
 
 void QtStatusArea::pressed(QSystemTrayIcon::ActivationReason reason) {

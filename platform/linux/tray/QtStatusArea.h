@@ -35,6 +35,8 @@ class QtStatusArea final : public backend::StatusArea {
   void popUpMenu(std::shared_ptr<NSMenu> menu) override;
   void dismissMenu() override;
   [[nodiscard]] std::optional<Rect> iconFrame() override;
+  /// Where the icon is as its host or a press has told, not as it may be guessed without a word.
+  [[nodiscard]] std::optional<Rect> toldIconFrame() const;
   [[nodiscard]] bool tellsOfReleases() override { return hosts_.known() == TrayHost::Bus; }
   [[nodiscard]] bool hasTray() override { return icon_ != nullptr; }
 
