@@ -242,10 +242,10 @@ class Desktop:
 
     def readers(self, *cameras):
         """How many streams take pictures from the cameras."""
-        graph = [entry["info"] | {"id": entry["id"]} for entry in self.graph("Node", "Link")]
+        graph = self.graph("Node", "Link")
         names = [camera.node for camera in cameras]
-        nodes = [info["id"] for info in graph if info["props"].get("node.name") in names]
-        return sum(info.get("output-node-id") in nodes for info in graph)
+        nodes = [entry["id"] for entry in graph if entry["info"]["props"].get("node.name") in names]
+        return sum(entry["info"].get("output-node-id") in nodes for entry in graph)
 
     def camera(self, **options):
         camera = Camera(self, **options)

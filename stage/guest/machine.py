@@ -19,7 +19,7 @@ BUILD = ROOT / "build" / "guest"
 KERNEL = BUILD / "kernel"
 PICTURES = ROOT / "build" / "desktop"
 MEMORY = 2048  # MiB
-PATIENCE = 3600.0  # seconds for a whole run, which takes a quarter of that on a machine with nothing beside
+PATIENCE = 3600.0  # seconds, twice what a whole run takes on a busy machine
 # On a busy machine the kernel would take the late timer of an emulated one for a broken one; a camera that is suspended
 # would, as it wakes, have the other one plugged in anew.
 BOOT = ("console=ttyS0 quiet panic=-1 mitigations=off nokaslr random.trust_cpu=on tsc=nowatchdog no_timer_check "
