@@ -52,12 +52,12 @@ class TearingOff:
                 self.screen.click(centre(vistrel.menu_rows()[-2]))
                 window = wait_until(lambda: vistrel.windows(name="Preferences"), "Preferences")[0]
                 wait_until(lambda: self.screen.focus()["id"] == window["id"], "the focus on it")
-                states = self.desktop.start(["xprop", "-spy", "-id", str(window["id"]), "WM_STATE"])
-                since = states.wait_line(NORMAL)
+                states = self.watch_states(window)
+                since = len(states.lines)
                 self.put_aside(message, window)
                 if message == "WM_CHANGE_STATE":
                     # Told anew, and so put aside, though the word of that may be read when the window is back.
-                    states.wait_line(NORMAL, since + 1)
+                    states.wait_line(NORMAL, since)
                 else:
                     wait_until(lambda: not vistrel.windows(name="Preferences"), "the desktop")
                     self.screen.move((100, 850))  # off the picture, so that no control covers its clock
@@ -87,6 +87,19 @@ class TearingOff:
     def put_aside(self, message, window):
         is_single = message == "WM_CHANGE_STATE"
         self.screen.ask("request", message, *((3, window["id"]) if is_single else (1,)))  # 3: to an icon
+
+    def watch_states(self, window):
+        """Says each state that it is told of; the first one before the server knows that it listens."""
+        window = ["-id", window["id"], "-f", "_HEARD", "8s"]
+        watch = self.desktop.start(["xprop", "-spy", *window, "WM_STATE", "_HEARD"])
+        watch.wait_line("_HEARD")
+
+        def hears():
+            self.desktop.run("xprop", *window, "-set", "_HEARD", "yes")
+            return any("yes" in line for line in watch.lines)
+
+        wait_until(hears, "a change of the window that is heard")
+        return watch
 
     def states(self, vistrel):
         return set(self.window(vistrel)["states"])
