@@ -109,6 +109,11 @@ class Program:
         name, _, path = self._items()[0].partition("/")
         return self.desktop.bus.property(name, "/" + path, "org.kde.StatusNotifierItem", "ToolTip")[2]
 
+    def call_item(self, method, x, y):
+        """What a tray host calls when its icon is pressed at that place."""
+        name, _, path = self._items()[0].partition("/")
+        self.desktop.bus.call(name, "/" + path, "org.kde.StatusNotifierItem", method, "(ii)", x, y)
+
     def _items(self):
         items = self.desktop.bus.property(WATCHER, "/StatusNotifierWatcher", WATCHER, "RegisteredStatusNotifierItems")
         return [item for item in items if self._process_of(item.split("/")[0]) == self.pid]

@@ -83,6 +83,10 @@ class SwayScreen:
     def wait_no_picture(self):
         wait_until(lambda: self.picture() is None, "the end of the picture")
 
+    def x11_pointer(self):
+        """Where it is as programs of X11 see it."""
+        return self._x11.ask("pointer")["place"]
+
     def x11_windows(self, **facts):
         """As programs of X11 see each other."""
         return self._x11.windows(**facts)

@@ -53,7 +53,8 @@ class StatusArea {
   /// Where the icon is, or most likely is: from the host if it tells, else from the last press on it, else
   /// none.
   [[nodiscard]] virtual std::optional<Rect> iconFrame() = 0;
-  /// Whether the tray host tells of a click when the button comes up, and not when it goes down.
+  /// Whether the tray host gets the press that closes the popover or a menu, too, and tells of its click when
+  /// the button comes up.
   [[nodiscard]] virtual bool tellsOfReleases() = 0;
   /// Whether the desktop has had a place for icons since the program started.
   [[nodiscard]] virtual bool hasTray() = 0;

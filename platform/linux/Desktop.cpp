@@ -58,7 +58,8 @@ struct Desktop::Parts {
   keyboard::DesktopHotKeys hotKeys{grabs, keyboard, x11};
   keyboard::PopupKeys popupKeys{grabs, keyboard};
   x11::RawPresses presses{x11};
-  windows::QtWindowSystem windows{presses, [this] { return statusArea.toldIconFrame(); }};
+  windows::QtWindowSystem windows{
+      presses, [this](int button, Point place) { return statusArea.pressIcon(button, place); }};
   session::QtSession session{reactor, x11, *instance};
   tray::QtStatusArea statusArea{session, x11, *hostMessages};
   session::Lid lid;

@@ -105,7 +105,10 @@ void Commands::addSight() {
   commands_["pixels"] = [this](const Words& a) -> Json {  // X Y WIDTH HEIGHT, 0xRRGGBB row by row
     return {{"pixels", screen_.capture(rectangleFrom(a, 0)).pixels}};
   };
-  commands_["pointer"] = [this](const Words&) -> Json { return {{"pixels", screen_.pointer()}}; };
+  commands_["pointer"] = [this](const Words&) -> Json {
+    const Pointer pointer = screen_.pointer();
+    return {{"place", Json::array({pointer.x, pointer.y})}, {"pixels", pointer.pixels}};
+  };
   commands_["find"] = [this](const Words&) -> Json {
     const auto place = findPicture(screen_.capture(screen_.whole()));
     return {{"place", place ? toJson(*place) : Json()}};

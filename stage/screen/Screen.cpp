@@ -61,14 +61,14 @@ Image Screen::capture(Rectangle part) const {
   return image;
 }
 
-std::vector<std::uint32_t> Screen::pointer() const {
+Pointer Screen::pointer() const {
   XFixesCursorImage* const image = XFixesGetCursorImage(display_);
   if (image == nullptr) return {};
   const std::size_t count = std::size_t(image->width) * image->height;
-  std::vector<std::uint32_t> pixels(count);
-  std::copy_n(image->pixels, count, pixels.begin());
+  Pointer pointer{image->x, image->y, std::vector<std::uint32_t>(count)};
+  std::copy_n(image->pixels, count, pointer.pixels.begin());
   XFree(image);
-  return pixels;
+  return pointer;
 }
 
 Image readPng(const std::string& path) {

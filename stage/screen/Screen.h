@@ -27,6 +27,13 @@ struct Image {
   }
 };
 
+/// The pointer on the screen: where it is, and its picture, 0xAARRGGBB row by row.
+struct Pointer {
+  int x = 0;
+  int y = 0;
+  std::vector<std::uint32_t> pixels;
+};
+
 /// A connection to the X server that DISPLAY names. Stops the program when there is none.
 class Screen {
  public:
@@ -41,8 +48,8 @@ class Screen {
   [[nodiscard]] Atom atom(const std::string& name) const;
   /// What the root window shows there, with everything that covers it; the part off the screen is left out.
   [[nodiscard]] Image capture(Rectangle part) const;
-  /// The picture of the pointer, 0xAARRGGBB row by row.
-  [[nodiscard]] std::vector<std::uint32_t> pointer() const;
+  /// What the server knows of it: in a Wayland session where it last was over a window of X11.
+  [[nodiscard]] Pointer pointer() const;
 
  private:
   Display* display_;

@@ -124,12 +124,33 @@ class SwayTest(DesktopTest):
         self.screen.click(NATIVE_CORNER)
         self.screen.live_picture(10)
 
-    def test_a_press_elsewhere_closes_a_menu_of_ours(self):
+    def test_a_press_elsewhere_closes_a_menu_of_ours_and_one_on_the_icon_is_the_last_for_that(self):
         vistrel = self.start()
-        self.screen.click(centre(self.icon), 3)  # this bar draws no menus
+        for place in (NATIVE_CORNER, centre(self.icon)):
+            self.screen.click(centre(self.icon), 3)  # this bar draws no menus
+            wait_until(lambda: self.menus(vistrel), "the menu")
+            self.wait_covered()
+            self.screen.click(place)
+            wait_until(lambda: not self.menus(vistrel), "the end of the menu")
+        self.open()
+
+    def test_a_press_where_the_icon_was_pressed_is_one_on_it_wherever_it_is_by_now(self):
+        vistrel = self.start()
+        for button in (1, 3):
+            vistrel.call_item("Activate", *EMPTY_BAR)
+            self.look()
+            self.screen.click(EMPTY_BAR, button)
+            self.wait_closed(self.camera)
         wait_until(lambda: self.menus(vistrel), "the menu")
-        # Again, since the compositor may not have drawn the cover yet.
-        wait_until(lambda: self.screen.click(NATIVE_CORNER) or not self.menus(vistrel), "the end of the menu")
+        wait_until(lambda: self.native_window()["focused"], "the focus off the mirror, which closes no menu of the icon")
+        self.wait_covered()
+        self.screen.click(NATIVE_CORNER)
+        wait_until(lambda: not self.menus(vistrel), "the end of the menu")
+
+    def wait_covered(self):
+        """Until the X server hears of the pointer where it is over no window of X11."""
+        for x in (40, 20):
+            wait_until(lambda: self.screen.move((x, 20)) or self.screen.x11_pointer() == [x, 20], "the pointer")
 
     def mirror(self, vistrel):
         return self.screen.windows(pid=vistrel.pid)[0]["place"]

@@ -2,6 +2,7 @@
 
 #include <qpa/qplatformnativeinterface.h>
 #include <qpa/qplatformscreen.h>
+#include <qpa/qwindowsysteminterface.h>
 
 #include <QGuiApplication>
 #include <QScreen>
@@ -49,6 +50,17 @@ bool isInputFocusOurs() {
   const auto windows = QGuiApplication::allWindows();
   return std::any_of(windows.begin(), windows.end(),
                      [&](QWindow* window) { return window->handle() && window->winId() == focus; });
+}
+
+void endFocusOfHidden() {
+  const QWindow* const focused = QGuiApplication::focusWindow();
+  if (!focused || focused->isVisible()) return;
+  using System = QWindowSystemInterface;
+#if QT_VERSION >= QT_VERSION_CHECK(6, 7, 0)
+  System::handleFocusWindowChanged<System::SynchronousDelivery>(nullptr);
+#else
+  System::handleWindowActivated<System::SynchronousDelivery>(nullptr);
+#endif
 }
 
 }  // namespace vistrel::qt

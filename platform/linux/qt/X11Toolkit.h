@@ -24,4 +24,8 @@ namespace vistrel::qt {
 /// any client looks to it as if the focus had left.
 [[nodiscard]] bool isInputFocusOurs();
 
+/// Where the window that had the focus is off the screen, has Qt know at once that none has it. By itself it
+/// waits 0.4 s for another one to get it, and then closes the menu that is open by then.
+void endFocusOfHidden();
+
 }  // namespace vistrel::qt

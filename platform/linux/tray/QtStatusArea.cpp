@@ -29,6 +29,11 @@ std::uint64_t heldModifiers() {
   return flags;
 }
 
+backend::PointerButton buttonOf(int number) {
+  if (number == 1) return backend::PointerButton::Left;
+  return number == 3 ? backend::PointerButton::Right : backend::PointerButton::Middle;
+}
+
 // KDE's panel speaks of pixels of the X server, all others of points.
 bool tellsPixels() {
   return qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(':').contains(QLatin1String("KDE"));
@@ -107,6 +112,8 @@ void QtStatusArea::popUpMenu(std::shared_ptr<NSMenu> menu) {
   popUp_ = std::make_unique<IconMenu>(
       *menu, IconMenu::Handlers{.didClose = [this] { tellClosed(); },
                                 .chosen = [this](auto item) { tellChosen(std::move(item)); }});
+  // A window of Wayland's own gets the focus that the popover had: then Qt would close this menu, too.
+  if (isPointerStale_) qt::endFocusOfHidden();
   popUp_->show(qt::toQt(iconFrame().value_or(Rect{})));
 }
 
@@ -129,12 +136,12 @@ void QtStatusArea::pressed(QSystemTrayIcon::ActivationReason reason) {
   switch (reason) {
     case QSystemTrayIcon::Trigger:
     case QSystemTrayIcon::DoubleClick:
-      return report(backend::PointerButton::Left);
+      return clicked(backend::PointerButton::Left);
     case QSystemTrayIcon::MiddleClick:
-      return report(backend::PointerButton::Middle);
+      return clicked(backend::PointerButton::Middle);
     case QSystemTrayIcon::Context:
       // Where the menu is on screen this is the press that opened it, and that was told already.
-      if (!icon_->menu().native().isVisible()) report(backend::PointerButton::Right);
+      if (!icon_->menu().native().isVisible()) clicked(backend::PointerButton::Right);
       return;
     case QSystemTrayIcon::Unknown:
       return;
@@ -143,14 +150,24 @@ void QtStatusArea::pressed(QSystemTrayIcon::ActivationReason reason) {
 
 // The host has told of the click on the bus; the X server has told of its press before, but the word may lie
 // unread.
-void QtStatusArea::report(backend::PointerButton button) {
+void QtStatusArea::clicked(backend::PointerButton button) {
   if (x11_.isOpen()) {
     x11_.readEvents();
     x11_.deliver();
   }
-  const Point location = rememberPress();
+  report(button, rememberPress());
+}
+
+void QtStatusArea::report(backend::PointerButton button, Point location) {
   icon_->menu().endShowing();
   if (client_) client_->statusIconPressed(button, heldModifiers(), location);
+}
+
+bool QtStatusArea::pressIcon(int button, Point place) {
+  const auto frame = toldIconFrame();
+  if (!frame || !frame->contains(place)) return false;
+  report(buttonOf(button), place);
+  return true;
 }
 
 void QtStatusArea::hostWillOpenMenu() {

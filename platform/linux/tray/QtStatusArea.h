@@ -35,10 +35,15 @@ class QtStatusArea final : public backend::StatusArea {
   void popUpMenu(std::shared_ptr<NSMenu> menu) override;
   void dismissMenu() override;
   [[nodiscard]] std::optional<Rect> iconFrame() override;
-  /// Where the icon is as its host or a press has told, not as it may be guessed without a word.
-  [[nodiscard]] std::optional<Rect> toldIconFrame() const;
-  [[nodiscard]] bool tellsOfReleases() override { return hosts_.known() == TrayHost::Bus; }
+  /// In a Wayland session no host gets a press that closes a menu of ours.
+  [[nodiscard]] bool tellsOfReleases() override {
+    return hosts_.known() == TrayHost::Bus && !isPointerStale_;
+  }
   [[nodiscard]] bool hasTray() override { return icon_ != nullptr; }
+
+  /// A press that the host does not get (1 left, 2 middle, 3 right). Whether it was on the icon, as far as
+  /// its place was told; then it counts as one of the host's.
+  bool pressIcon(int button, Point place);
 
   /// The desktop's screens changed: where the icon was last pressed tells nothing any more.
   void forgetIconFrame() { guessedFrame_.reset(); }
@@ -49,7 +54,10 @@ class QtStatusArea final : public backend::StatusArea {
   void tellClosed();
   void tellChosen(std::shared_ptr<NSMenuItem> item);
   void pressed(QSystemTrayIcon::ActivationReason reason);
-  void report(backend::PointerButton button);
+  void clicked(backend::PointerButton button);
+  void report(backend::PointerButton button, Point location);
+  /// Where the icon is as its host or a press has told, not as it may be guessed without a word.
+  [[nodiscard]] std::optional<Rect> toldIconFrame() const;
   void hostWillOpenMenu();
   Point rememberPress();
   [[nodiscard]] std::optional<Rect> framePressed();

@@ -80,16 +80,23 @@ void OutsidePresses::pressed(const x11::RawPress& press) {
   if (!client_) return;
   const QPoint place = qt::fromPixels({press.x, press.y});
   QTimer::singleShot(isOverOurs(place) ? kPatienceOnOurs : kPatience, this,
-                     [this, watch = watch_, time = press.time, place, isCovered = cover_.isUp()] {
-                       if (watch == watch_) judge(time, place, isCovered);
+                     [this, watch = watch_, press, place, isCovered = cover_.isUp()] {
+                       if (watch == watch_) judge(press, place, isCovered);
                      });
 }
 
-void OutsidePresses::judge(xcb_timestamp_t time, QPoint place, bool isCovered) {
-  const bool isOurs = std::find(ownPresses_.begin(), ownPresses_.end(), time) != ownPresses_.end();
+void OutsidePresses::judge(const x11::RawPress& press, QPoint place, bool isCovered) {
+  const bool isOurs = std::find(ownPresses_.begin(), ownPresses_.end(), press.time) != ownPresses_.end();
   if (isOurs || !client_) return;
-  using Press = backend::OutsidePressClient::Press;
-  client_->pressedOutside(qt::fromQt(place), isCovered ? Press::Swallowed : Press::HandedOn);
+  if (isCovered) return coverPressed(press, place);
+  client_->pressedOutside(qt::fromQt(place), backend::OutsidePressClient::Press::HandedOn);
+}
+
+void OutsidePresses::coverPressed(const x11::RawPress& press, QPoint place) {
+  cover_.pressed({press.x, press.y});
+  const Point point = qt::fromQt(place);
+  if (cover_.isBesidePopover() && pressIcon_(press.button, point)) return;
+  client_->pressedOutside(point, backend::OutsidePressClient::Press::Swallowed);
 }
 
 }  // namespace vistrel::windows

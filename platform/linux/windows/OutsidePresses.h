@@ -3,9 +3,11 @@
 #include <QObject>
 #include <QPoint>
 #include <deque>
+#include <functional>
 #include <utility>
 
 #include "backend/Windows.h"
+#include "base/Geometry.h"
 #include "linux/windows/PressCover.h"
 #include "linux/x11/RawPresses.h"
 
@@ -15,11 +17,13 @@ class QWindow;
 namespace vistrel::windows {
 
 /// Tells the presses that go to none of the program's windows and menus. Watches only while there is a
-/// client.
+/// client. One that the cover takes beside an attached popover is offered to the icon in the tray first.
 class OutsidePresses : public QObject {
  public:
-  OutsidePresses(x11::RawPresses& presses, PressCover::IconFrame iconFrame)
-      : presses_(presses), cover_(std::move(iconFrame)) {}
+  /// Whether the icon was there; then it is pressed.
+  using IconPress = std::function<bool(int button, Point place)>;
+  OutsidePresses(x11::RawPresses& presses, IconPress pressIcon)
+      : presses_(presses), pressIcon_(std::move(pressIcon)) {}
   ~OutsidePresses() override;
 
   void setClient(backend::OutsidePressClient* client);
@@ -30,9 +34,11 @@ class OutsidePresses : public QObject {
  private:
   void pressed(const x11::RawPress& press);
   void note(const QWindow& window, const QMouseEvent& press);
-  void judge(xcb_timestamp_t time, QPoint place, bool isCovered);
+  void judge(const x11::RawPress& press, QPoint place, bool isCovered);
+  void coverPressed(const x11::RawPress& press, QPoint place);
 
   x11::RawPresses& presses_;
+  IconPress pressIcon_;
   backend::OutsidePressClient* client_ = nullptr;
   // Counts the watches, so that a press is not judged in another one than its own.
   int watch_ = 0;

@@ -7,6 +7,7 @@
 #include <QEvent>
 #include <QRegion>
 #include <QScreen>
+#include <QStyleHints>
 #include <QWindow>
 #include <algorithm>
 #include <utility>
@@ -42,6 +43,16 @@ QRegion ownWindowsInPixels() {
   return region;
 }
 
+QRegion aroundInPixels(QPoint place) {
+  const int reach = QGuiApplication::styleHints()->startDragDistance();
+  return QRect(place.x() - reach, place.y() - reach, 2 * reach + 1, 2 * reach + 1);
+}
+
+// GNOME opens the menu by a single click.
+bool wantsDoubleClicks() {
+  return qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(':').contains(QLatin1String("GNOME"));
+}
+
 std::vector<xcb_rectangle_t> rectanglesOf(const QRegion& region) {
   std::vector<xcb_rectangle_t> rectangles;
   for (const QRect& r : region) {
@@ -53,7 +64,9 @@ std::vector<xcb_rectangle_t> rectanglesOf(const QRegion& region) {
 
 }  // namespace
 
-PressCover::PressCover(IconFrame iconFrame) : iconFrame_(std::move(iconFrame)) {
+PressCover::PressCover() {
+  doubleClick_.setSingleShot(true);
+  connect(&doubleClick_, &QTimer::timeout, this, &PressCover::update);
   auto* connection = qt::toolkitConnection();
   isXWayland_ = connection && x11::isXWayland(connection);
   if (isXWayland_) qApp->installEventFilter(this);
@@ -75,11 +88,19 @@ bool PressCover::eventFilter(QObject* object, QEvent* event) {
   return false;
 }
 
-bool PressCover::isWanted() const {
-  if (QApplication::activePopupWidget()) return true;
+bool PressCover::isBesidePopover() const {
   const auto windows = QGuiApplication::topLevelWindows();
   return isAwaited_ && !QApplication::activeModalWidget() &&
          std::any_of(windows.begin(), windows.end(), isAttachedPopover);
+}
+
+bool PressCover::isWanted() const { return QApplication::activePopupWidget() || isBesidePopover(); }
+
+// The icon's menu would open by the second press.
+void PressCover::pressed(QPoint place) {
+  if (!wantsDoubleClicks()) return;
+  doubleClick_.start(QGuiApplication::styleHints()->mouseDoubleClickInterval());
+  cover(aroundInPixels(place));
 }
 
 void PressCover::start() {
@@ -90,17 +111,19 @@ void PressCover::start() {
       cover_->failure()->message);
 }
 
+void PressCover::cover(const QRegion& region) {
+  if (!cover_) start();
+  cover_->setParts(rectanglesOf(region));
+}
+
 // Where nobody composes the windows, as in a nested server, a transparent one would hide the desktop.
 void PressCover::update() {
   isUpdateDue_ = false;
-  if (!isWanted() || !x11::isOwned(qt::toolkitConnection(), "_NET_WM_CM_S0")) {
+  if (isWanted() && x11::isOwned(qt::toolkitConnection(), "_NET_WM_CM_S0")) {
+    cover(desktopInPixels() - ownWindowsInPixels());
+  } else if (!doubleClick_.isActive()) {
     cover_.reset();
-    return;
   }
-  const auto icon = iconFrame_();
-  const QRegion spared = icon ? QRegion(qt::toPixels(qt::toQt(*icon))) : QRegion();
-  if (!cover_) start();
-  cover_->setParts(rectanglesOf(desktopInPixels() - ownWindowsInPixels() - spared));
 }
 
 }  // namespace vistrel::windows

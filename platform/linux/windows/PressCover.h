@@ -1,28 +1,32 @@
 #pragma once
 
 #include <QObject>
-#include <functional>
+#include <QPoint>
+#include <QTimer>
 #include <memory>
-#include <optional>
 
-#include "base/Geometry.h"
 #include "linux/x11/InputCover.h"
+
+class QRegion;
 
 namespace vistrel::windows {
 
 /// In a Wayland session the X server hears of presses on windows of X11 alone. So while an attached popover
 /// waits for a press elsewhere, or a menu of ours is open, the desktop beside our windows is covered: such a
-/// press is heard of wherever it is, and goes to nobody else. The icon stays free, whose host tells of its
-/// presses.
+/// press is heard of wherever it is, and goes to nobody else.
 class PressCover final : public QObject {
  public:
-  using IconFrame = std::function<std::optional<Rect>()>;
-  explicit PressCover(IconFrame iconFrame);
+  PressCover();
   ~PressCover() override;
 
   /// Whether somebody waits for presses outside.
   void setAwaited(bool isAwaited);
   [[nodiscard]] bool isUp() const { return cover_ && cover_->isAble(); }
+  /// Whether it stands beside an attached popover that waits for presses, not beside a menu alone.
+  [[nodiscard]] bool isBesidePopover() const;
+  /// A press at `place`, in pixels, fell on it. Where the icon of the tray wants a double click, the second
+  /// press of one falls on it, too.
+  void pressed(QPoint place);
 
  protected:
   bool eventFilter(QObject* object, QEvent* event) override;
@@ -30,13 +34,14 @@ class PressCover final : public QObject {
  private:
   void update();
   void start();
+  void cover(const QRegion& region);
   [[nodiscard]] bool isWanted() const;
 
-  IconFrame iconFrame_;
   bool isXWayland_ = false;
   bool isAwaited_ = false;
   bool isUpdateDue_ = false;
   bool isFailureSaid_ = false;
+  QTimer doubleClick_;
   std::unique_ptr<x11::InputCover> cover_;
 };
 

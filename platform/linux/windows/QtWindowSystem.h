@@ -12,9 +12,9 @@ namespace vistrel::windows {
 /// Windows and menus by way of Qt on X11.
 class QtWindowSystem final : public backend::WindowSystem {
  public:
-  /// `iconFrame` tells where the icon in the tray is.
-  QtWindowSystem(x11::RawPresses& presses, PressCover::IconFrame iconFrame)
-      : outsidePresses_(presses, std::move(iconFrame)) {}
+  /// `pressIcon` presses the icon in the tray if it is there.
+  QtWindowSystem(x11::RawPresses& presses, OutsidePresses::IconPress pressIcon)
+      : outsidePresses_(presses, std::move(pressIcon)) {}
 
   std::unique_ptr<backend::NativeWindow> makeWindow(NSWindow& window, backend::WindowClient& client) override;
   void flush() override { surroundings_.x11.flush(); }
