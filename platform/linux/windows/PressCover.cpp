@@ -10,6 +10,7 @@
 #include <QStyleHints>
 #include <QWindow>
 #include <algorithm>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -103,17 +104,24 @@ void PressCover::pressed(QPoint place) {
   cover(aroundInPixels(place));
 }
 
-void PressCover::start() {
-  cover_ = std::make_unique<x11::InputCover>();
+void PressCover::sayFailure() {
   if (!cover_->failure() || std::exchange(isFailureSaid_, true)) return;
   Log::warning(
-      "vistrel: not every press beside the mirror closes it, since what hears of them cannot be started: " +
+      "vistrel: not every press beside the mirror closes it, since what hears of them does not run: " +
       cover_->failure()->message);
 }
 
 void PressCover::cover(const QRegion& region) {
-  if (!cover_) start();
+  if (!cover_) cover_ = std::make_unique<x11::InputCover>();
   cover_->setParts(rectanglesOf(region));
+  sayFailure();
+}
+
+void PressCover::uncover() {
+  if (!cover_) return;
+  std::ignore = cover_->isAble();  // it may have ended since
+  sayFailure();
+  cover_.reset();
 }
 
 // Where nobody composes the windows, as in a nested server, a transparent one would hide the desktop.
@@ -122,7 +130,7 @@ void PressCover::update() {
   if (isWanted() && x11::isOwned(qt::toolkitConnection(), "_NET_WM_CM_S0")) {
     cover(desktopInPixels() - ownWindowsInPixels());
   } else if (!doubleClick_.isActive()) {
-    cover_.reset();
+    uncover();
   }
 }
 

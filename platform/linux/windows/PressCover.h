@@ -33,8 +33,9 @@ class PressCover final : public QObject {
 
  private:
   void update();
-  void start();
   void cover(const QRegion& region);
+  void uncover();
+  void sayFailure();
   [[nodiscard]] bool isWanted() const;
 
   bool isXWayland_ = false;

@@ -9,6 +9,7 @@
 #include <csignal>
 #include <cstring>
 #include <filesystem>
+#include <utility>
 
 #include "linux/x11/CoverChannel.h"
 
@@ -48,15 +49,15 @@ std::string InputCover::installedProgram() {
   return folder.parent_path() / "libexec" / "vistrel" / "vistrel-cover";
 }
 
-InputCover::InputCover(const std::string& program) {
+InputCover::InputCover(std::string program) : program_(std::move(program)) {
   std::array<int, 2> ends = {};
   if (::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0) {
-    failure_ = Error{program + ": " + std::strerror(errno)};
+    failure_ = Error{program_ + ": " + std::strerror(errno)};
     return;
   }
   channel_ = desktop::FileDescriptor(ends[0]);
   const desktop::FileDescriptor other(ends[1]);
-  const auto started = start(program, other.get());
+  const auto started = start(program_, other.get());
   if (started) {
     process_ = started.value();
   } else {
@@ -75,6 +76,7 @@ bool InputCover::isAble() {
   const auto length = ::recv(channel_.get(), &word, sizeof word, MSG_DONTWAIT);
   const bool hasAnswered = length >= 0 || (errno != EAGAIN && errno != EINTR);
   if (hasAnswered) isAble_ = length > 0;
+  if (hasAnswered && !isAble_ && !failure_) failure_ = Error{program_ + " has ended"};
   return isAble_;
 }
 

@@ -18,14 +18,14 @@ namespace vistrel::x11 {
 class InputCover {
  public:
   /// Covers nothing yet. Where that program, `program`, cannot be started, it never will: see `failure`.
-  explicit InputCover(const std::string& program = installedProgram());
+  explicit InputCover(std::string program = installedProgram());
   InputCover(const InputCover&) = delete;
   InputCover& operator=(const InputCover&) = delete;
   ~InputCover();
 
-  /// Why the other program could not be started.
+  /// Why the other program could not be started, or that it has ended, as far as `isAble` has seen.
   [[nodiscard]] const std::optional<Error>& failure() const { return failure_; }
-  /// Whether the other program has said that it can cover something.
+  /// Whether the other program has said that it can cover something, and has not ended.
   [[nodiscard]] bool isAble();
   /// Covers these parts of the desktop and no others, in pixels; again, too, after a press has ended it.
   void setParts(const std::vector<xcb_rectangle_t>& parts);
@@ -34,6 +34,7 @@ class InputCover {
   [[nodiscard]] static std::string installedProgram();
 
  private:
+  std::string program_;
   desktop::FileDescriptor channel_;
   pid_t process_ = 0;
   bool isAble_ = false;
