@@ -59,7 +59,7 @@ struct Desktop::Parts {
   keyboard::PopupKeys popupKeys{grabs, keyboard};
   x11::RawPresses presses{x11};
   windows::QtWindowSystem windows{
-      presses, [this](int button, Point place) { return statusArea.pressIcon(button, place); }};
+      presses, [this](auto button, Point place) { return statusArea.pressIcon(button, place); }};
   session::QtSession session{reactor, x11, *instance};
   tray::QtStatusArea statusArea{session, x11, *hostMessages};
   session::Lid lid;

@@ -1,11 +1,9 @@
 #include "linux/keyboard/DesktopShortcuts.h"
 
 #include <array>
-#include <cstdlib>
-#include <sstream>
-#include <string_view>
 
 #include "base/KeyCodes.h"
+#include "linux/DesktopName.h"
 #include "linux/keyboard/SessionBus.h"
 
 namespace vistrel::keyboard {
@@ -31,20 +29,9 @@ constexpr std::array<DesktopKind, 9> kDesktops = {{
     {"MATE", "org.mate.SettingsDaemon", readMateShortcuts, false},
 }};
 
-/// The names in a list with colons between, as XDG_CURRENT_DESKTOP holds them.
-bool isNamed(const std::string& list, std::string_view name) {
-  std::istringstream names(list);
-  for (std::string each; std::getline(names, each, ':');) {
-    if (each == name) return true;
-  }
-  return false;
-}
-
 const DesktopKind* presentDesktop() {
-  const char* value = std::getenv("XDG_CURRENT_DESKTOP");
-  const std::string names = value ? value : "";
   for (const auto& desktop : kDesktops) {
-    if (isNamed(names, desktop.name)) return &desktop;
+    if (desktop::isDesktop(desktop.name)) return &desktop;
   }
   const SessionBus bus;
   for (const auto& desktop : kDesktops) {

@@ -6,6 +6,7 @@
 #include "appkit/NSEvent.h"
 #include "appkit/NSMenu.h"
 #include "backend/Session.h"
+#include "linux/DesktopName.h"
 #include "linux/qt/Geometry.h"
 #include "linux/qt/X11Toolkit.h"
 #include "linux/tray/IconAnchor.h"
@@ -27,16 +28,6 @@ std::uint64_t heldModifiers() {
   if (held & Qt::AltModifier) flags |= Flags::kOption;
   if (held & Qt::MetaModifier) flags |= Flags::kCommand;
   return flags;
-}
-
-backend::PointerButton buttonOf(int number) {
-  if (number == 1) return backend::PointerButton::Left;
-  return number == 3 ? backend::PointerButton::Right : backend::PointerButton::Middle;
-}
-
-// KDE's panel speaks of pixels of the X server, all others of points.
-bool tellsPixels() {
-  return qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(':').contains(QLatin1String("KDE"));
 }
 
 }  // namespace
@@ -163,11 +154,17 @@ void QtStatusArea::report(backend::PointerButton button, Point location) {
   if (client_) client_->statusIconPressed(button, heldModifiers(), location);
 }
 
-bool QtStatusArea::pressIcon(int button, Point place) {
+bool QtStatusArea::pressIcon(backend::PointerButton button, Point place) {
   const auto frame = toldIconFrame();
   if (!frame || !frame->contains(place)) return false;
-  report(buttonOf(button), place);
+  report(button, place);
   return true;
+}
+
+// Where a cover takes the presses beside a menu of ours, the host gets none of them.
+bool QtStatusArea::tellsOfReleases() {
+  const bool isCovered = isPointerStale_ && x11::isOwned(x11_.get(), "_NET_WM_CM_S0");
+  return hosts_.known() == TrayHost::Bus && !isCovered;
 }
 
 void QtStatusArea::hostWillOpenMenu() {
@@ -183,7 +180,8 @@ std::optional<Rect> QtStatusArea::framePressed() {
   if (!told) return std::nullopt;
   const auto inPixels = guessIconFrame(qt::fromQt(qt::fromPixels(*told)), screens);
   const auto inPoints = guessIconFrame(qt::fromQt(*told), screens);
-  if (tellsPixels()) return inPixels ? inPixels : inPoints;
+  // KDE's panel speaks of pixels of the X server, all others of points.
+  if (desktop::isDesktop("KDE")) return inPixels ? inPixels : inPoints;
   return inPoints ? inPoints : inPixels;
 }
 

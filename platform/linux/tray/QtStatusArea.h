@@ -35,15 +35,12 @@ class QtStatusArea final : public backend::StatusArea {
   void popUpMenu(std::shared_ptr<NSMenu> menu) override;
   void dismissMenu() override;
   [[nodiscard]] std::optional<Rect> iconFrame() override;
-  /// In a Wayland session no host gets a press that closes a menu of ours.
-  [[nodiscard]] bool tellsOfReleases() override {
-    return hosts_.known() == TrayHost::Bus && !isPointerStale_;
-  }
+  [[nodiscard]] bool tellsOfReleases() override;
   [[nodiscard]] bool hasTray() override { return icon_ != nullptr; }
 
-  /// A press that the host does not get (1 left, 2 middle, 3 right). Whether it was on the icon, as far as
-  /// its place was told; then it counts as one of the host's.
-  bool pressIcon(int button, Point place);
+  /// A press that the host does not get. Whether it was on the icon, as far as its place was told; then it
+  /// counts as one that the host told of.
+  bool pressIcon(backend::PointerButton button, Point place);
 
   /// The desktop's screens changed: where the icon was last pressed tells nothing any more.
   void forgetIconFrame() { guessedFrame_.reset(); }

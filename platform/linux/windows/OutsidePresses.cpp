@@ -21,6 +21,8 @@ namespace {
 // popover closes so much later.
 constexpr std::chrono::milliseconds kPatience(30);
 constexpr std::chrono::milliseconds kPatienceOnOurs(500);
+constexpr int kLeft = 1;
+constexpr int kRight = 3;
 constexpr std::size_t kRemembered = 32;  // more than a hand makes in that time
 
 // Where the tray host embeds the icon in a window of ours, that window is a part of the panel all the same.
@@ -79,8 +81,11 @@ void OutsidePresses::pressed(const x11::RawPress& press) {
   client_->pressBegan();
   if (!client_) return;
   const QPoint place = qt::fromPixels({press.x, press.y});
-  QTimer::singleShot(isOverOurs(place) ? kPatienceOnOurs : kPatience, this,
-                     [this, watch = watch_, press, place, isCovered = cover_.isUp()] {
+  const bool isOnOurs = isOverOurs(place);
+  const bool isCovered = cover_.isUp();
+  if (isCovered && !isOnOurs && press.button == kLeft) cover_.pressed(place);
+  QTimer::singleShot(isOnOurs ? kPatienceOnOurs : kPatience, this,
+                     [this, watch = watch_, press, place, isCovered] {
                        if (watch == watch_) judge(press, place, isCovered);
                      });
 }
@@ -88,15 +93,15 @@ void OutsidePresses::pressed(const x11::RawPress& press) {
 void OutsidePresses::judge(const x11::RawPress& press, QPoint place, bool isCovered) {
   const bool isOurs = std::find(ownPresses_.begin(), ownPresses_.end(), press.time) != ownPresses_.end();
   if (isOurs || !client_) return;
-  if (isCovered) return coverPressed(press, place);
+  if (isCovered) return coverPressed(press.button, qt::fromQt(place));
   client_->pressedOutside(qt::fromQt(place), backend::OutsidePressClient::Press::HandedOn);
 }
 
-void OutsidePresses::coverPressed(const x11::RawPress& press, QPoint place) {
-  cover_.pressed({press.x, press.y});
-  const Point point = qt::fromQt(place);
-  if (cover_.isBesidePopover() && pressIcon_(press.button, point)) return;
-  client_->pressedOutside(point, backend::OutsidePressClient::Press::Swallowed);
+void OutsidePresses::coverPressed(int button, Point place) {
+  using Button = backend::PointerButton;
+  const bool mayBeForIcon = cover_.isBesidePopover() && (button == kLeft || button == kRight);
+  if (mayBeForIcon && pressIcon_(button == kLeft ? Button::Left : Button::Right, place)) return;
+  client_->pressedOutside(place, backend::OutsidePressClient::Press::Swallowed);
 }
 
 }  // namespace vistrel::windows

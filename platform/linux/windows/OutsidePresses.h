@@ -6,6 +6,7 @@
 #include <functional>
 #include <utility>
 
+#include "backend/StatusArea.h"
 #include "backend/Windows.h"
 #include "base/Geometry.h"
 #include "linux/windows/PressCover.h"
@@ -21,7 +22,7 @@ namespace vistrel::windows {
 class OutsidePresses : public QObject {
  public:
   /// Whether the icon was there; then it is pressed.
-  using IconPress = std::function<bool(int button, Point place)>;
+  using IconPress = std::function<bool(backend::PointerButton button, Point place)>;
   OutsidePresses(x11::RawPresses& presses, IconPress pressIcon)
       : presses_(presses), pressIcon_(std::move(pressIcon)) {}
   ~OutsidePresses() override;
@@ -35,7 +36,7 @@ class OutsidePresses : public QObject {
   void pressed(const x11::RawPress& press);
   void note(const QWindow& window, const QMouseEvent& press);
   void judge(const x11::RawPress& press, QPoint place, bool isCovered);
-  void coverPressed(const x11::RawPress& press, QPoint place);
+  void coverPressed(int button, Point place);
 
   x11::RawPresses& presses_;
   IconPress pressIcon_;

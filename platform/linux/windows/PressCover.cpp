@@ -15,13 +15,15 @@
 #include <vector>
 
 #include "base/Log.h"
-#include "linux/qt/Geometry.h"
+#include "linux/DesktopName.h"
 #include "linux/qt/X11Toolkit.h"
 #include "linux/x11/Requests.h"
 
 namespace vistrel::windows {
 
 namespace {
+
+constexpr int kThickestPanel = 64;  // points
 
 bool isAttachedPopover(const QWindow* window) { return window->isVisible() && window->type() == Qt::Tool; }
 
@@ -45,13 +47,14 @@ QRegion ownWindowsInPixels() {
 }
 
 QRegion aroundInPixels(QPoint place) {
-  const int reach = QGuiApplication::styleHints()->startDragDistance();
-  return QRect(place.x() - reach, place.y() - reach, 2 * reach + 1, 2 * reach + 1);
+  const int reach = QGuiApplication::styleHints()->mouseDoubleClickDistance();
+  return qt::toPixels(QRect(place, place).adjusted(-reach, -reach, reach, reach));
 }
 
-// GNOME opens the menu by a single click.
-bool wantsDoubleClicks() {
-  return qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(':').contains(QLatin1String("GNOME"));
+bool mayBeInPanel(QPoint place) {
+  const QScreen* screen = QGuiApplication::screenAt(place);
+  const int most = kThickestPanel;
+  return screen && !screen->geometry().adjusted(most, most, -most, -most).contains(place);
 }
 
 std::vector<xcb_rectangle_t> rectanglesOf(const QRegion& region) {
@@ -67,7 +70,9 @@ std::vector<xcb_rectangle_t> rectanglesOf(const QRegion& region) {
 
 PressCover::PressCover() {
   doubleClick_.setSingleShot(true);
-  connect(&doubleClick_, &QTimer::timeout, this, &PressCover::update);
+  connect(&doubleClick_, &QTimer::timeout, this, [this] {
+    if (!isWanted()) uncover();
+  });
   auto* connection = qt::toolkitConnection();
   isXWayland_ = connection && x11::isXWayland(connection);
   if (isXWayland_) qApp->installEventFilter(this);
@@ -97,9 +102,10 @@ bool PressCover::isBesidePopover() const {
 
 bool PressCover::isWanted() const { return QApplication::activePopupWidget() || isBesidePopover(); }
 
-// The icon's menu would open by the second press.
+// GNOME opens the icon's menu by a single click: by the second press, were that handed on.
 void PressCover::pressed(QPoint place) {
-  if (!wantsDoubleClicks()) return;
+  if (!desktop::isDesktop("GNOME") || !mayBeInPanel(place)) return;
+  firstPress_ = place;
   doubleClick_.start(QGuiApplication::styleHints()->mouseDoubleClickInterval());
   cover(aroundInPixels(place));
 }
@@ -129,7 +135,9 @@ void PressCover::update() {
   isUpdateDue_ = false;
   if (isWanted() && x11::isOwned(qt::toolkitConnection(), "_NET_WM_CM_S0")) {
     cover(desktopInPixels() - ownWindowsInPixels());
-  } else if (!doubleClick_.isActive()) {
+  } else if (doubleClick_.isActive()) {
+    cover(aroundInPixels(firstPress_));
+  } else {
     uncover();
   }
 }

@@ -24,8 +24,8 @@ class PressCover final : public QObject {
   [[nodiscard]] bool isUp() const { return cover_ && cover_->isAble(); }
   /// Whether it stands beside an attached popover that waits for presses, not beside a menu alone.
   [[nodiscard]] bool isBesidePopover() const;
-  /// A press at `place`, in pixels, fell on it. Where the icon of the tray wants a double click, the second
-  /// press of one falls on it, too.
+  /// A left press at `place`, in points, fell on it. Where the icon of the tray wants a double click, the
+  /// second press of one falls on it, too.
   void pressed(QPoint place);
 
  protected:
@@ -43,6 +43,7 @@ class PressCover final : public QObject {
   bool isUpdateDue_ = false;
   bool isFailureSaid_ = false;
   QTimer doubleClick_;
+  QPoint firstPress_;
   std::unique_ptr<x11::InputCover> cover_;
 };
 

@@ -15,6 +15,16 @@ namespace {
 constexpr std::uint8_t kDepthWithAlpha = 32;
 constexpr unsigned kEventKindBits = 0x7F;
 
+// A turn of the wheel is none, and closes nothing.
+bool isPress(const xcb_generic_event_t& event) {
+  const auto kind = event.response_type & kEventKindBits;
+  if (kind == XCB_BUTTON_PRESS) {
+    return !isWheel(reinterpret_cast<const xcb_button_press_event_t&>(event).detail);
+  }
+  return kind == XCB_GE_GENERIC &&
+         !isWheel(reinterpret_cast<const xcb_input_raw_button_press_event_t&>(event).detail);
+}
+
 const xcb_screen_t& screenOf(xcb_connection_t* connection) {
   return *xcb_setup_roots_iterator(xcb_get_setup(connection)).data;
 }
@@ -100,9 +110,7 @@ bool CoverWindows::isPointerOnCover() {
 bool CoverWindows::hearPresses() {
   auto* connection = connection_.get();
   while (const Reply<xcb_generic_event_t> event{xcb_poll_for_event(connection)}) {
-    const auto kind = event->response_type & kEventKindBits;
-    const bool isPress = kind == XCB_BUTTON_PRESS || kind == XCB_GE_GENERIC;
-    if (!isPress || !isPointerOnCover()) continue;
+    if (!isPress(*event) || !isPointerOnCover()) continue;
     for (const xcb_window_t window : windows_) xcb_unmap_window(connection, window);
     xcb_flush(connection);
   }

@@ -9,8 +9,6 @@ namespace vistrel::x11 {
 
 namespace {
 
-constexpr std::uint32_t kFirstWheelButton = 4;
-constexpr std::uint32_t kLastWheelButton = 7;
 // From this version on raw events come although somebody grabs the pointer.
 constexpr std::uint16_t kMajorVersion = 2;
 constexpr std::uint16_t kMinorVersion = 2;
@@ -59,7 +57,7 @@ void RawPresses::eventCame(const xcb_generic_event_t& event) {
   if (generic.event_type != XCB_INPUT_RAW_BUTTON_PRESS) return;
   const auto& press = reinterpret_cast<const xcb_input_raw_button_press_event_t&>(event);
   const auto button = press.detail;
-  if (button >= kFirstWheelButton && button <= kLastWheelButton) return;
+  if (isWheel(button)) return;
   const auto handler = handler_;
   if (handler) handler(locate(static_cast<int>(button), press.time));
 }

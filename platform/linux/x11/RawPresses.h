@@ -18,6 +18,9 @@ struct RawPress {
   int y = 0;
 };
 
+/// Whether a button that the server tells of is a turn of the wheel, which is no press.
+[[nodiscard]] constexpr bool isWheel(std::uint32_t button) { return button >= 4 && button <= 7; }
+
 /// Has the server tell `connection` of the presses of all pointers (XI_RawButtonPress), or of none any more.
 /// XInput 2.2 or later was asked for on it before.
 enum class Watching { Off, On };

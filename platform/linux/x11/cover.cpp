@@ -14,8 +14,10 @@ namespace {
 using vistrel::x11::CoverWindows;
 using vistrel::x11::kCoverChannel;
 
-// An empty packet looks like the end of the channel, but is not told as a hang-up.
+// An empty packet looks like the end of the channel, but is not told as a hang-up. A command may answer a
+// press that is heard of here later, and must not be undone by it.
 bool obey(CoverWindows& windows) {
+  if (!windows.hearPresses()) return false;
   std::vector<xcb_rectangle_t> parts(vistrel::x11::kMostCoverParts);
   const auto length = ::recv(kCoverChannel, parts.data(), parts.size() * sizeof(xcb_rectangle_t), 0);
   if (length < 0) return false;
