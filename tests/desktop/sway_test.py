@@ -114,6 +114,15 @@ class SwayTest(DesktopTest):
                 if end:
                     end(vistrel)
 
+    def test_beside_its_tip_is_what_is_below(self):
+        vistrel = self.start()
+        self.open()
+        x, y, width, height = self.mirror(vistrel)
+        below = self.screen.colors(x - 3, y - 3, 1, 1)
+        corners = [(left, top) for left in (x, x + width - 1) for top in (y, y + height - 1)]
+        seen = [self.screen.colors(*corner, 1, 1) for corner in corners]
+        self.assertEqual(seen.count(below), 2, seen)  # the other two are rounded, and so in between
+
     def test_a_torn_off_mirror_follows_the_pointer_and_stays(self):
         vistrel = self.start({"dismissPreference": 1})
         self.open()

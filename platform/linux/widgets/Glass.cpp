@@ -25,12 +25,14 @@ bool isEmpty(const PixelRect& rect) { return rect.size.width <= 0 || rect.size.h
 QRect toQRect(const PixelRect& rect) { return {rect.x, rect.y, rect.size.width, rect.size.height}; }
 
 // The pixels that the window's content is kept in, where they are plain memory of the camera's pixel format.
+// A picture is opaque, so that it does not matter whether the window is.
 QImage* backingImage(const QWidget& widget) {
   const QBackingStore* store = widget.backingStore();
   QPaintDevice* device = store ? const_cast<QBackingStore*>(store)->paintDevice() : nullptr;
   if (!device || device->devType() != QInternal::Image) return nullptr;
   auto* image = static_cast<QImage*>(device);
-  return image->format() == QImage::Format_RGB32 ? image : nullptr;
+  const auto format = image->format();
+  return format == QImage::Format_RGB32 || format == QImage::Format_ARGB32_Premultiplied ? image : nullptr;
 }
 
 }  // namespace

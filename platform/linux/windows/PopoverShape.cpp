@@ -14,6 +14,7 @@ using Side = PopoverTip::Side;
 
 constexpr int kLine = 1;
 constexpr double kCornerRadius = 5;
+constexpr double kPaintedCornerRadius = 2.5;  // with a larger one, and a line of 1, square corners stand out
 constexpr double kTipHalfWidth = 9;
 
 // The tip leaves room for the rounded corners, however near to a corner the icon is.
@@ -50,10 +51,11 @@ QPolygonF tipOf(const QRectF& box, Side side, QPointF at) {
 
 }  // namespace
 
-PopoverShape::PopoverShape(const QRectF& content, const std::optional<PopoverTip>& tip,
-                           QPointF windowOrigin) {
+PopoverShape::PopoverShape(const QRectF& content, const std::optional<PopoverTip>& tip, QPointF windowOrigin,
+                           Edge edge) {
   const QRectF box = content.adjusted(-kLine, -kLine, kLine, kLine);
-  outline_.addRoundedRect(box, kCornerRadius, kCornerRadius);
+  const double radius = edge == Edge::Cut ? kCornerRadius : kPaintedCornerRadius;
+  outline_.addRoundedRect(box, radius, radius);
   if (!tip) return;
   QPainterPath triangle;
   triangle.addPolygon(tipOf(box, tip->side, QPointF(tip->location.x, tip->location.y) - windowOrigin));

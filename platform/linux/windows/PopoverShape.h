@@ -14,8 +14,11 @@ namespace vistrel::windows {
 /// in the coordinates of the native window.
 class PopoverShape {
  public:
+  /// Whether the window is cut along the outline, its content with it, or the outline is painted around the
+  /// content, whose corners it leaves as they are.
+  enum class Edge { Cut, Painted };
   /// No tip: the shape of a torn-off window.
-  PopoverShape(const QRectF& content, const std::optional<PopoverTip>& tip, QPointF windowOrigin);
+  PopoverShape(const QRectF& content, const std::optional<PopoverTip>& tip, QPointF windowOrigin, Edge edge);
 
   /// Room that a native window needs around its content.
   [[nodiscard]] static QMargins margins(const std::optional<PopoverTip>& tip);

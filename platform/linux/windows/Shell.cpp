@@ -15,6 +15,10 @@ namespace {
 // Room that a rounded corner takes.
 constexpr int kCornerSize = 8;
 
+void fill(QPainter& painter, const QRegion& region, const QColor& color) {
+  for (const QRect& part : region) painter.fillRect(part, color);
+}
+
 }  // namespace
 
 Shell::Shell(ShellClient& client) : client_(&client), content_(new QWidget(this)) {
@@ -67,20 +71,33 @@ void Shell::showEvent(QShowEvent* /*event*/) {
   });
 }
 
+// Where the window is blended with what is below it, what lies outside of the outline stays clear.
 void Shell::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
-  painter.fillRect(rect(), palette().color(QPalette::Window));
+  const QColor ground = palette().color(QPalette::Window);
+  const bool isBlended = testAttribute(Qt::WA_TranslucentBackground);
+  if (!isBlended) painter.fillRect(rect(), ground);
   if (outline_.isEmpty()) return;
   const QRect inner = content_->geometry();
-  const QRect box = inner.adjusted(-1, -1, 1, 1);
-  for (const QRect& line : QRegion(box) - inner) painter.fillRect(line, line_);
-  // The rest of the path is straight: painting all of it would wake Qt's threads for nothing.
-  painter.setClipRegion(QRegion(rect()) - inner.adjusted(0, kCornerSize, 0, -kCornerSize) -
-                        inner.adjusted(kCornerSize, 0, -kCornerSize, 0));
+  // All but the corners is straight: painting it by its path would wake Qt's threads for nothing.
+  const QRegion straight = QRegion(inner.adjusted(0, kCornerSize, 0, -kCornerSize)) +
+                           inner.adjusted(kCornerSize, 0, -kCornerSize, 0);
+  if (isBlended) fill(painter, straight, ground);
+  painter.setClipRegion(QRegion(rect()) - straight);
+  if (isBlended) fillOutline(painter, ground);
+  fill(painter, QRegion(inner.adjusted(-1, -1, 1, 1)) - inner, line_);
   painter.setRenderHint(QPainter::Antialiasing);
   // Twice as wide as is seen: the window is cut along the middle of the line.
   painter.setPen(QPen(line_, 2));
   painter.drawPath(outline_);
+}
+
+// What is painted over it later stays inside of it.
+void Shell::fillOutline(QPainter& painter, const QColor& color) {
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.fillPath(outline_, color);
+  painter.setRenderHint(QPainter::Antialiasing, false);
+  painter.setCompositionMode(QPainter::CompositionMode_SourceAtop);
 }
 
 void Shell::mousePressEvent(QMouseEvent* event) {

@@ -69,6 +69,7 @@ class Shell final : public QWidget {
   bool eventFilter(QObject* object, QEvent* event) override;
 
  private:
+  void fillOutline(QPainter& painter, const QColor& color);
   bool filterWindow(QEvent& event);
   void endPress(const QMouseEvent& release);
   void filterContent(const QEvent& event);

@@ -26,7 +26,10 @@ Rect ShellAttributes::contentOnDesktop() const {
   return qt::fromQt(shell_.geometry().marginsRemoved(margins_));
 }
 
-void ShellAttributes::applyFlags() { shell_.setWindowFlags(hasChrome() ? kPopoverFlags : kTitledFlags); }
+void ShellAttributes::applyFlags() {
+  shell_.setAttribute(Qt::WA_TranslucentBackground, hasChrome() && x11_.areWindowsBlended());
+  shell_.setWindowFlags(hasChrome() ? kPopoverFlags : kTitledFlags);
+}
 
 void ShellAttributes::makeRoom() {
   margins_ = hasChrome() ? PopoverShape::margins(window_.tip()) : QMargins();
@@ -66,10 +69,13 @@ void ShellAttributes::applyWhileShown() {
 void ShellAttributes::applyChrome() {
   if (!hasChrome()) return;
   const auto tip = window_.kind() == NSWindowKind::Popover ? window_.tip() : std::nullopt;
-  const PopoverShape shape(shell_.content().geometry(), tip, shell_.geometry().topLeft());
+  const bool isBlended = shell_.testAttribute(Qt::WA_TranslucentBackground);
+  const PopoverShape shape(shell_.content().geometry(), tip, shell_.geometry().topLeft(),
+                           isBlended ? PopoverShape::Edge::Painted : PopoverShape::Edge::Cut);
   shell_.setChrome(shape.outline(), qt::chromeLine(window_.effectiveAppearance()));
-  x11_.setShape(*shell_.windowHandle(), shape.region(shell_.devicePixelRatioF()));
-  x11_.setBackground(*shell_.windowHandle(), qt::neutralGlass(window_.effectiveAppearance()));
+  const QColor glass = qt::neutralGlass(window_.effectiveAppearance());
+  if (!isBlended) x11_.setShape(*shell_.windowHandle(), shape.region(shell_.devicePixelRatioF()));
+  x11_.setBackground(*shell_.windowHandle(), isBlended ? Qt::transparent : glass);
 }
 
 // The flags of the native window change in place. QWidget::setWindowFlags would hide the window first, and

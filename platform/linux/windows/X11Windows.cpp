@@ -35,6 +35,10 @@ X11Windows::X11Windows() {
   skipPager_ = x11::atomOf(connection_, "_NET_WM_STATE_SKIP_PAGER");
 }
 
+bool X11Windows::areWindowsBlended() const {
+  return isXWayland_ && x11::isOwned(connection_, "_NET_WM_CM_S0");
+}
+
 void X11Windows::setListed(const QWindow& window, ListedAs listed) {
   if (!connection_) return;
   if (window.isVisible()) {
@@ -82,7 +86,7 @@ void X11Windows::setShape(const QWindow& window, const QRegion& shape) {
 
 void X11Windows::setBackground(const QWindow& window, const QColor& color) {
   if (!connection_) return;
-  const std::uint32_t pixel = color.rgb();
+  const std::uint32_t pixel = color.rgba();
   xcb_change_window_attributes(connection_, idOf(window), XCB_CW_BACK_PIXEL, &pixel);
 }
 

@@ -21,6 +21,10 @@ class X11Windows {
   /// group whenever another program is active.
   void standAlone(const QWindow& window);
 
+  /// Whether windows are blended with what is below them, so that one may have clear parts. Not every
+  /// compositor of a Wayland session cuts windows.
+  [[nodiscard]] bool areWindowsBlended() const;
+
   /// Cuts the window to `shape`, in physical pixels.
   void setShape(const QWindow& window, const QRegion& shape);
 

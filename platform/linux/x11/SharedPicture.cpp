@@ -29,13 +29,14 @@ bool sharesMemoryByFile(xcb_connection_t* connection) {
 }
 
 // The kind of pixels that every screen of today has.
-bool hasCommonPixels(const xcb_setup_t& setup, const xcb_screen_t& screen) {
+bool hasCommonPixels(const xcb_setup_t& setup, xcb_visualid_t wanted) {
   if (setup.image_byte_order != XCB_IMAGE_ORDER_LSB_FIRST || std::endian::native != std::endian::little)
     return false;
+  const auto& screen = *xcb_setup_roots_iterator(&setup).data;
   for (auto depth = xcb_screen_allowed_depths_iterator(&screen); depth.rem; xcb_depth_next(&depth))
     for (auto visual = xcb_depth_visuals_iterator(depth.data); visual.rem; xcb_visualtype_next(&visual)) {
       const auto& kind = *visual.data;
-      if (kind.visual_id == screen.root_visual)
+      if (kind.visual_id == wanted)
         return kind.red_mask == kRed && kind.green_mask == kGreen && kind.blue_mask == kBlue;
     }
   return false;
@@ -60,12 +61,14 @@ bool SharedPicture::isUsable() {
   auto* connection = connection_.get();
   if (xcb_connection_has_error(connection) != 0 || !sharesMemoryByFile(connection)) return false;
   const auto& setup = *xcb_get_setup(connection);
-  const auto& screen = *xcb_setup_roots_iterator(&setup).data;
-  const Reply<xcb_get_geometry_reply_t> geometry(
-      xcb_get_geometry_reply(connection, xcb_get_geometry(connection, window_), nullptr));
-  if (!geometry || geometry->depth != screen.root_depth) return false;
+  const auto geometryAsked = xcb_get_geometry(connection, window_);
+  const auto attributesAsked = xcb_get_window_attributes(connection, window_);
+  const Reply<xcb_get_geometry_reply_t> geometry(xcb_get_geometry_reply(connection, geometryAsked, nullptr));
+  const Reply<xcb_get_window_attributes_reply_t> attributes(
+      xcb_get_window_attributes_reply(connection, attributesAsked, nullptr));
+  if (!geometry || !attributes) return false;
   depth_ = geometry->depth;
-  if (!hasCommonPixels(setup, screen) || !isPadded(setup, depth_)) return false;
+  if (!hasCommonPixels(setup, attributes->visual) || !isPadded(setup, depth_)) return false;
   context_ = xcb_generate_id(connection);
   const std::uint32_t noExposures = 0;
   xcb_create_gc(connection, context_, window_, XCB_GC_GRAPHICS_EXPOSURES, &noExposures);

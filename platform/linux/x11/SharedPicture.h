@@ -17,7 +17,7 @@ namespace vistrel::x11 {
 class SharedPicture {
  public:
   /// Null where the server shares no memory with us, or where the pixels of `window` are not 32 bits of B, G,
-  /// R and X in memory.
+  /// R and X, or A, in memory.
   [[nodiscard]] static std::unique_ptr<SharedPicture> create(xcb_window_t window);
   SharedPicture(const SharedPicture&) = delete;
   SharedPicture& operator=(const SharedPicture&) = delete;
