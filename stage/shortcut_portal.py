@@ -1,6 +1,7 @@
 """A desktop's portal for global shortcuts. It refuses whom it does not know, a second binding in a session and a
-session that is there already, and keeps what it has for an id whatever is asked for. Runs as a program of its own,
-which tells what it is asked, a line each; `ShortcutPortal` speaks with it."""
+session that is there already, keeps what it has for an id whatever is asked for, and, as KDE's, still has the sessions
+of one before it that died. It is KDE's keeper of keys too. Runs as a program of its own, which tells what it is asked,
+a line each; `ShortcutPortal` speaks with it."""
 
 import json
 import pathlib
@@ -12,6 +13,7 @@ PATH = "/org/freedesktop/portal/desktop"
 SHORTCUTS = "org.freedesktop.portal.GlobalShortcuts"
 REGISTRY = "org.freedesktop.host.portal.Registry"
 SESSION = "org.freedesktop.portal.Session"
+KEYS = "org.kde.KGlobalAccel"
 APPLICATION = "org.vistrel.Vistrel"
 REGISTRY_XML = f"""<node><interface name="{REGISTRY}">
   <method name="Register"><arg type="s" direction="in"/><arg type="a{{sv}}" direction="in"/></method>
@@ -20,6 +22,9 @@ SHORTCUTS_XML = f"""<node><interface name="{SHORTCUTS}">
   <method name="CreateSession"><arg type="a{{sv}}" direction="in"/><arg type="o" direction="out"/></method>
   <method name="BindShortcuts"><arg type="o" direction="in"/><arg type="a(sa{{sv}})" direction="in"/>
     <arg type="s" direction="in"/><arg type="a{{sv}}" direction="in"/><arg type="o" direction="out"/></method>
+</interface></node>"""
+KEYS_XML = f"""<node><interface name="{KEYS}">
+  <method name="unregister"><arg type="s" direction="in"/><arg type="s" direction="in"/></method>
 </interface></node>"""
 SESSION_XML = f"""<node><interface name="{SESSION}"><method name="Close"/></interface></node>"""
 
@@ -74,24 +79,27 @@ class ShortcutPortal:
 class _Service:
     def __init__(self, answer, knows_programs, store):
         self.answer, self.store = answer, store
-        self.triggers = json.loads(store.read_text()) if store.exists() else {}  # by id
+        kept = json.loads(store.read_text()) if store.exists() else {"triggers": {}, "sessions": []}
+        self.triggers, self.left = kept["triggers"], kept["sessions"]  # by id; of one before it
         self.names, self.callers, self.sessions = {}, set(), {}
         self.bus = Gio.bus_get_sync(Gio.BusType.SESSION)
         self._export(PATH, SHORTCUTS_XML)
         if knows_programs:
             self._export(PATH, REGISTRY_XML)
+        self._export("/kglobalaccel", KEYS_XML)
 
     def _export(self, path, xml):
         return self.bus.register_object(path, Gio.DBusNodeInfo.new_for_xml(xml).interfaces[0], self._called, None, None)
 
-    def _called(self, _bus, sender, path, _interface, method, arguments, invocation):
+    def _called(self, _bus, sender, path, interface, method, arguments, invocation):
         try:
             result = getattr(self, method)(sender, *arguments.unpack(), **({"path": path} if method == "Close" else {}))
             invocation.return_value(GLib.Variant("(o)", (result,)) if result else None)
         except PermissionError as error:
             print("refused", error, flush=True)
             invocation.return_dbus_error("org.freedesktop.portal.Error.NotAllowed", str(error))
-        self.callers.add(sender)
+        if interface != KEYS:
+            self.callers.add(sender)
 
     def _signal(self, to, path, interface, name, signature, *values):
         self.bus.emit_signal(to, path, interface, name, GLib.Variant(signature, values))
@@ -118,11 +126,22 @@ class _Service:
         if not is_served or path in self.sessions:
             raise PermissionError("session")
         self.sessions[path] = {"owner": sender, "object": self._export(path, SESSION_XML), "ids": None}
+        self._save()
+        if path in self.left:
+            GLib.idle_add(self._end, path)  # once it has answered
         return self._respond(sender, options, 0, {"session_handle": GLib.Variant("s", path)})
 
     def Close(self, _sender, path):
         self.bus.unregister_object(self.sessions.pop(path)["object"])
+        self._save()
         print("closed", flush=True)
+
+    def _end(self, path):
+        self._signal(self.sessions[path]["owner"], path, SESSION, "Closed", "(a{sv})", {})
+        self.Close(None, path)
+
+    def unregister(self, _sender, component, name):
+        print("forgot", component, name, flush=True)
 
     def BindShortcuts(self, sender, path, shortcuts, parent, options):
         session = self.sessions.get(path)
@@ -145,7 +164,7 @@ class _Service:
         return self._respond(sender, options, response, {"shortcuts": GLib.Variant("a(sa{sv})", bound)})
 
     def _save(self):
-        self.store.write_text(json.dumps(self.triggers))
+        self.store.write_text(json.dumps({"triggers": self.triggers, "sessions": list(self.sessions)}))
 
     def _strike(self, signal_name, trigger):
         for path, session in self.sessions.items():
@@ -163,9 +182,8 @@ class _Service:
                              for name, trigger in self.triggers.items()}
             self._save()
         elif command == "end":
-            for path, session in list(self.sessions.items()):
-                self._signal(session["owner"], path, SESSION, "Closed", "(a{sv})", {})
-                self.Close(None, path)
+            for path in list(self.sessions):
+                self._end(path)
         self.bus.flush_sync(None)
         print("done", flush=True)
 
@@ -183,6 +201,7 @@ def _serve(answer, knows_programs, store):
         return bool(line)
 
     GLib.io_add_watch(sys.stdin.fileno(), GLib.PRIORITY_DEFAULT, GLib.IO_IN | GLib.IO_HUP, told)
+    Gio.bus_own_name_on_connection(service.bus, "org.kde.kglobalaccel", 0, None, None)
     Gio.bus_own_name_on_connection(service.bus, NAME, 0, lambda *_: print("ready", flush=True), None)
     loop.run()
 

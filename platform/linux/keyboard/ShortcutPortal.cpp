@@ -2,7 +2,6 @@
 
 #include <QDBusArgument>
 #include <QDBusError>
-#include <QDBusMetaType>
 #include <QDBusObjectPath>
 #include <QDBusPendingCallWatcher>
 #include <QGuiApplication>
@@ -11,6 +10,7 @@
 #include <utility>
 
 #include "base/Program.h"
+#include "linux/keyboard/DescribedShortcut.h"
 
 namespace vistrel::keyboard {
 
@@ -22,29 +22,9 @@ constexpr const char* kShortcuts = "org.freedesktop.portal.GlobalShortcuts";
 constexpr const char* kRequest = "org.freedesktop.portal.Request";
 constexpr const char* kSession = "org.freedesktop.portal.Session";
 constexpr const char* kRegistry = "org.freedesktop.host.portal.Registry";
-// A portal that learns no application id from us stores the shortcuts under this word, so it never changes.
 constexpr const char* kSessionToken = "vistrel";
 constexpr uint kCancelledByUser = 1;
 constexpr uint kFailed = 2;
-
-struct Described {
-  QString id;
-  QVariantMap facts;
-};
-
-QDBusArgument& operator<<(QDBusArgument& to, const Described& shortcut) {
-  to.beginStructure();
-  to << shortcut.id << shortcut.facts;
-  to.endStructure();
-  return to;
-}
-
-const QDBusArgument& operator>>(const QDBusArgument& from, Described& shortcut) {
-  from.beginStructure();
-  from >> shortcut.id >> shortcut.facts;
-  from.endStructure();
-  return from;
-}
 
 QDBusMessage callOf(const QString& path, const char* interface, const char* method) {
   return QDBusMessage::createMethodCall(kService, path, interface, method);
@@ -52,15 +32,6 @@ QDBusMessage callOf(const QString& path, const char* interface, const char* meth
 
 QString sessionOf(const QDBusMessage& message) {
   return message.arguments().value(0).value<QDBusObjectPath>().path();
-}
-
-QSet<QString> idsIn(const QVariant& shortcuts) {
-  QSet<QString> ids;
-  if (shortcuts.userType() != qMetaTypeId<QDBusArgument>()) return ids;
-  const auto list = shortcuts.value<QDBusArgument>();
-  if (list.currentSignature() != "a(sa{sv})") return ids;
-  for (const auto& shortcut : qdbus_cast<QList<Described>>(list)) ids.insert(shortcut.id);
-  return ids;
 }
 
 /// The window that the desktop's question belongs to, if the user is at one.
@@ -76,8 +47,7 @@ bool isWithoutAnswer(const QDBusMessage& reply) {
 }  // namespace
 
 ShortcutPortal::ShortcutPortal(Handlers handlers) : handlers_(std::move(handlers)) {
-  qDBusRegisterMetaType<Described>();
-  qDBusRegisterMetaType<QList<Described>>();
+  DescribedShortcut::registerTypes();
 }
 
 void ShortcutPortal::serve(QList<PortalShortcut> shortcuts) {
@@ -162,9 +132,17 @@ void ShortcutPortal::sessionLeft(const QDBusMessage& /*reply*/) {
   startOver();
 }
 
+// A portal that learns no application id from us stores the shortcuts under this word, so it never changes
+// there. Where it knows us each portal gets a word of its own: KDE's part of it outlives one that died, still
+// has that one's session, and ends the next of the same name.
+QString ShortcutPortal::sessionToken() const {
+  const QString token = kSessionToken;
+  return isKnown_ == true && portals_ > 0 ? token + QString::number(portals_) : token;
+}
+
 void ShortcutPortal::createSession() {
   auto options = requestOptions();
-  options["session_handle_token"] = kSessionToken;
+  options["session_handle_token"] = sessionToken();
   auto message = callOf(kPath, kShortcuts, "CreateSession");
   message << options;
   call(Step::Creating, message, &ShortcutPortal::requested);
@@ -181,7 +159,7 @@ void ShortcutPortal::created(const QVariantMap& results) {
 }
 
 void ShortcutPortal::bind() {
-  QList<Described> list;
+  QList<DescribedShortcut> list;
   for (const auto& shortcut : askable()) {
     const QVariantMap facts = {{"description", "Open or close the mirror"},
                                {"preferred_trigger", shortcut.trigger}};

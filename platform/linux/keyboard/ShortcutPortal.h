@@ -78,6 +78,7 @@ class ShortcutPortal final : public QObject {
   // GNOME calls the user's "no" a failure too. It may be another one where the program is not installed, or
   // at a login; hardly while the user is at the question.
   [[nodiscard]] bool isDenial(uint response, const QString& id) const;
+  [[nodiscard]] QString sessionToken() const;
   [[nodiscard]] QVariantMap requestOptions();
   [[nodiscard]] QList<PortalShortcut> askable() const;
   [[nodiscard]] std::optional<QString> servedId(const QDBusMessage& message) const;
