@@ -3,6 +3,7 @@
 import unittest
 
 from stage.processes import wait_until
+from stage.program import IDENTIFIER
 from stage.shortcut_portal import ShortcutPortal
 from tests.desktop import recorder_test
 from tests.desktop.settings import SettingsTest
@@ -78,6 +79,7 @@ class PortalTest(SettingsTest):
         self.start(stored(Z_KEY, 0x1800))
         portal.wait(BOUND, asked)
         self.expect_served(portal, "LOGO+F9")
+        self.assertFalse([line for line in portal.lines if line.startswith("forgot")])
 
     def test_it_changes_hands_as_the_portal_comes_and_goes(self):
         self.start(stored(Z_KEY, 0x1800))
@@ -166,7 +168,7 @@ class PortalTest(SettingsTest):
         portal.close()
         self.portal().wait(f"bound {F6_ID}")
 
-    def test_a_new_recording_is_a_new_session_and_a_cleared_one_ends_it(self):
+    def test_a_new_recording_is_a_new_session_and_a_cleared_one_frees_its_key(self):
         portal = self.portal()
         vistrel = self.start({**stored(Z_KEY, 0x1800), "dismissPreference": 1})
         portal.wait(BOUND)
@@ -182,6 +184,8 @@ class PortalTest(SettingsTest):
         self.wait_says(vistrel, "Press Shortcut", "")
         self.stored(vistrel, recorder_test.SHORTCUT, False)
         portal.wait("closed", ended)
+        portal.wait(f"forgot {IDENTIFIER} {F6_ID}", ended)
+        self.assertFalse([line for line in portal.lines[:ended] if line.startswith("forgot")])
 
 
 if __name__ == "__main__":

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <sstream>
@@ -5,9 +6,9 @@
 #include <string_view>
 #include <vector>
 
-#include "base/Program.h"
 #include "linux/files/FileTools.h"
 #include "linux/keyboard/DesktopShortcuts.h"
+#include "linux/keyboard/KdeComponents.h"
 #include "linux/keyboard/SessionBus.h"
 
 namespace vistrel::keyboard {
@@ -43,10 +44,9 @@ void appendLine(std::string_view line, Accelerators& to) {
   }
 }
 
-// What the portal has bound for Vistrel is no one else's; without an application id KDE files it under the
-// portal's session.
+// What the portal has bound for Vistrel is no one else's.
 bool isOurs(std::string_view component) {
-  return component == program::kIdentifier || component == "token_vistrel";
+  return std::find(kOurKdeComponents.begin(), kOurKdeComponents.end(), component) != kOurKdeComponents.end();
 }
 
 bool opensOurs(std::string_view line) {

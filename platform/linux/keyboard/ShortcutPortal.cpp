@@ -11,6 +11,7 @@
 
 #include "base/Program.h"
 #include "linux/keyboard/DescribedShortcut.h"
+#include "linux/keyboard/KeptShortcuts.h"
 
 namespace vistrel::keyboard {
 
@@ -51,7 +52,8 @@ ShortcutPortal::ShortcutPortal(Handlers handlers) : handlers_(std::move(handlers
 }
 
 void ShortcutPortal::serve(QList<PortalShortcut> shortcuts) {
-  wanted_ = std::move(shortcuts);
+  const auto earlier = std::exchange(wanted_, std::move(shortcuts));
+  removed_ = wanted_.isEmpty() ? earlier : QList<PortalShortcut>();
   if (!bus_ && wanted_.isEmpty()) return;
   if (!bus_ && !open()) return handlers_.didRefuse();
   // The steps before the binding look at what is wanted when they are done.
@@ -101,10 +103,15 @@ void ShortcutPortal::startOver() {
   serveNow({});
   if (!session_.isEmpty()) return closeSession();
   step_ = Step::None;
-  if (wanted_.isEmpty()) return;
+  if (wanted_.isEmpty()) return forget();
   if (askable().isEmpty()) return handlers_.didRefuse();
   if (!isKnown_) return identify();
   createSession();
+}
+
+// An empty list of shortcuts would say it too, but ends xdg-desktop-portal 1.20 for everybody.
+void ShortcutPortal::forget() {
+  for (const auto& shortcut : std::exchange(removed_, {})) letKdeForget(shortcut.id, *bus_);
 }
 
 // What it answers does not matter: older portals know no such call, and one that does not know our desktop

@@ -63,6 +63,7 @@ class ShortcutPortal final : public QObject {
   void ownerChanged(const QString& oldOwner, const QString& newOwner);
   void reset();
   void startOver();
+  void forget();
   void identify();
   void identified(const QDBusMessage& reply);
   void closeSession();
@@ -87,6 +88,7 @@ class ShortcutPortal final : public QObject {
   std::optional<QDBusConnection> bus_;
   std::unique_ptr<QDBusServiceWatcher> owner_;
   QList<PortalShortcut> wanted_;
+  QList<PortalShortcut> removed_;  ///< by the user, who has none now
   QSet<QString> served_;
   DeniedShortcuts denied_;
   Step step_ = Step::None;
