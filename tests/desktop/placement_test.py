@@ -126,6 +126,19 @@ class StalePointerTest(DesktopTest):
                         self.press(since, told)
                         self.screen.wait_no_picture()
 
+    def test_a_work_area_at_the_scale_before_is_understood(self):
+        """As KWin 6 tells it once the scale was doubled: the panel has 80 pixels."""
+        self.desktop.camera()
+        self.screen.move((5, 795))  # off the picture, so that no control covers its clock
+        for name, value in (("_NET_DESKTOP_GEOMETRY", "640,400"), ("_NET_WORKAREA", "0,0,640,360")):
+            self.desktop.run("xprop", "-root", "-f", name, "32c", "-set", name, value)
+            self.addCleanup(self.desktop.run, "xprop", "-root", "-remove", name)
+        environment = {"QT_SCALE_FACTOR": "2", "WAYLAND_DISPLAY": "none", "XDG_CURRENT_DESKTOP": "KDE"}
+        since = len(self.watcher.lines)
+        with self.start({"dismissPreference": 1}, environment=environment, awaits_icon=False):
+            self.press(since, (900, 760))
+            self.check_beside(self.screen.live_picture()["place"], "bottom", (900, 760), 2, 80)
+
     def test_without_a_press_it_opens_where_the_icon_was_last_or_would_be(self):
         self.camera = self.desktop.camera()
         self.screen.move((5, 400))

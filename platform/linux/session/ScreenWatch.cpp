@@ -40,6 +40,17 @@ Rect withoutPanels(const QScreen& screen, const std::vector<x11::Strut>& struts)
   return {free.x(), free.y(), free.width(), free.height()};
 }
 
+bool isKnownToQt(const Rect& workArea, const QScreen& screen) {
+  return qt::fromQt(screen.handle()->availableGeometry()) ==
+         workArea.intersection(qt::fromQt(screen.handle()->geometry()));
+}
+
+Rect inPoints(const Rect& pixels, const QScreen& screen) {
+  const double ratio = screen.devicePixelRatio();
+  const Rect points{pixels.x / ratio, pixels.y / ratio, pixels.width / ratio, pixels.height / ratio};
+  return points.intersection(qt::fromQt(screen.geometry()));
+}
+
 }  // namespace
 
 ScreenWatch::ScreenWatch(x11::X11Connection& x11, std::function<void()> handler)
@@ -58,7 +69,10 @@ std::vector<backend::Screen> ScreenWatch::screens() {
   const auto all = QGuiApplication::screens();
   for (const QScreen* screen : all) result.push_back(describe(*screen));
   // Qt leaves panels out of account as soon as there are two screens.
-  if (all.size() == 1 && x11::isWorkAreaTold(x11_)) return result;
+  if (const auto area = x11::workArea(x11_); area && all.size() == 1) {
+    if (!isKnownToQt(*area, *all[0])) result[0].visibleFrame = inPoints(*area, *all[0]);
+    return result;
+  }
   const auto struts = x11::panelStruts(x11_);
   for (qsizetype i = 0; i < all.size(); ++i) result[i].visibleFrame = withoutPanels(*all[i], struts);
   return result;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <optional>
 
 namespace vistrel::x11 {
 
@@ -35,6 +34,17 @@ std::vector<xcb_window_t> managedWindows(X11Connection& connection) {
 std::span<const std::uint32_t> valuesIn(const xcb_get_property_reply_t* reply) {
   if (!reply || reply->format != 32) return {};
   return {static_cast<const std::uint32_t*>(xcb_get_property_value(reply)), reply->value_len};
+}
+
+// All of them or none.
+std::vector<std::uint32_t> numbersOfRoot(X11Connection& connection, const char* name, std::uint32_t count) {
+  const auto atom = connection.atom(name);
+  const auto cookie =
+      xcb_get_property(connection.get(), 0, connection.root(), atom, XCB_ATOM_CARDINAL, 0, count);
+  const auto reply = connection.wait(xcb_get_property_reply, cookie);
+  const auto values = valuesIn(reply.get());
+  if (values.size() < count) return {};
+  return {values.begin(), values.end()};
 }
 
 // The older property has no ends: its strips are as long as the desktop.
@@ -147,19 +157,29 @@ std::vector<Strut> strutsIn(std::span<const std::uint32_t> values, PixelSize des
   return struts;
 }
 
-bool isWorkAreaTold(X11Connection& connection) {
-  if (!connection.isOpen()) return false;
-  const auto area = connection.atom("_NET_WORKAREA");
-  const auto cookie = xcb_get_property(connection.get(), 0, connection.root(), area, XCB_ATOM_CARDINAL, 0, 4);
-  const auto reply = connection.wait(xcb_get_property_reply, cookie);
-  return reply && reply->value_len == 4;
+Rect workAreaIn(PixelSize root, const Rect& told, PixelSize toldDesktop) {
+  const auto isToldOf = [&](PixelSize desktop) {
+    return told.maxX() == desktop.width || told.maxY() == desktop.height;
+  };
+  if (isToldOf(root) || !isToldOf(toldDesktop) || toldDesktop.width == 0) return told;
+  const double factor = static_cast<double>(root.width) / toldDesktop.width;
+  return {told.x * factor, told.y * factor, told.width * factor, told.height * factor};
+}
+
+std::optional<Rect> workArea(X11Connection& connection) {
+  if (!connection.isOpen()) return std::nullopt;
+  const auto area = numbersOfRoot(connection, "_NET_WORKAREA", 4);
+  if (area.empty()) return std::nullopt;
+  const auto size = numbersOfRoot(connection, "_NET_DESKTOP_GEOMETRY", 2);
+  const Rect told{1.0 * area[0], 1.0 * area[1], 1.0 * area[2], 1.0 * area[3]};
+  if (size.empty()) return told;
+  return workAreaIn(desktopOf(connection), told, {static_cast<int>(size[0]), static_cast<int>(size[1])});
 }
 
 std::vector<Strut> panelStruts(X11Connection& connection) {
   if (!connection.isOpen()) return {};
   // Where no work area is told the list of windows may leave out the panels, too.
-  const auto windows =
-      isWorkAreaTold(connection) ? managedWindows(connection) : windowsInTwoLayers(connection);
+  const auto windows = workArea(connection) ? managedWindows(connection) : windowsInTwoLayers(connection);
   std::vector<Question> questions;
   const auto atoms = Atoms::of(connection);
   questions.reserve(windows.size());

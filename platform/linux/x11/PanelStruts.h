@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -28,8 +29,13 @@ struct Strut {
 /// windows, and those that docks cover without keeping any. Asks the server; main thread only.
 [[nodiscard]] std::vector<Strut> panelStruts(X11Connection& connection);
 
-/// Whether the window manager tells what room panels leave (EWMH, _NET_WORKAREA); some do not, and neither do
-/// most Wayland compositors.
-[[nodiscard]] bool isWorkAreaTold(X11Connection& connection);
+/// The room that panels leave (EWMH, _NET_WORKAREA), in pixels of the root window, as the window manager
+/// tells it; some tell none, and neither do most Wayland compositors. Asks the server; main thread only.
+[[nodiscard]] std::optional<Rect> workArea(X11Connection& connection);
+
+/// The same from what is told of it, with the size that the desktop is said to have. When the scale of
+/// programs of X11 changes, KWin 6 tells both as they are at the scale before, and a later change of the room
+/// rightly.
+[[nodiscard]] Rect workAreaIn(PixelSize root, const Rect& told, PixelSize toldDesktop);
 
 }  // namespace vistrel::x11

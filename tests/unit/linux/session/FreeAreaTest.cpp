@@ -40,5 +40,26 @@ TEST(FreeArea, APanelTakesRoomOnItsOwnScreenAlone) {
       QMargins(0, 40, 2, 0));
 }
 
+TEST(FreeArea, AWorkAreaToldAtAnotherScaleIsFoundInPixels) {
+  struct Case {
+    Rect told;
+    PixelSize desktop;
+    Rect expected;
+  };
+  const Case cases[] = {
+      {{0, 0, 1920, 1140}, {1920, 1200}, {0, 0, 1920, 1140}},
+      {{0, 0, 1280, 760}, {1280, 800}, {0, 0, 1920, 1140}},    // the scale was raised
+      {{40, 0, 1240, 800}, {1280, 800}, {60, 0, 1860, 1200}},  // with the panel on the left
+      {{0, 0, 2560, 1520}, {2560, 1600}, {0, 0, 1920, 1140}},  // lowered
+      {{0, 0, 1920, 1100}, {1440, 900}, {0, 0, 1920, 1100}},   // and the panel was changed after that
+      {{0, 0, 1920, 1140}, {5760, 1200}, {0, 0, 1920, 1140}},  // a desktop that is seen in parts
+      {{30, 0, 1860, 1160}, {0, 0}, {30, 0, 1860, 1160}},
+  };
+  for (const auto& [told, desktop, expected] : cases) {
+    SCOPED_TRACE(told.width);
+    EXPECT_EQ(x11::workAreaIn({1920, 1200}, told, desktop), expected);
+  }
+}
+
 }  // namespace
 }  // namespace vistrel::session
