@@ -25,13 +25,14 @@ constexpr int kLeft = 1;
 constexpr int kRight = 3;
 constexpr std::size_t kRemembered = 32;  // more than a hand makes in that time
 
-// Where the tray host embeds the icon in a window of ours, that window is a part of the panel all the same.
+// Where the tray host embeds the icon in a window of ours, that window is a part of the panel all the same;
+// but its press, which may be late as any other, closes the popover by itself.
 bool isTrayIcon(const QWindow& window) { return window.objectName() == u"QSystemTrayIconSysWindow"; }
 
 bool isOverOurs(QPoint place) {
   const auto windows = QGuiApplication::topLevelWindows();
   return std::any_of(windows.begin(), windows.end(), [place](const QWindow* window) {
-    return window->isExposed() && !isTrayIcon(*window) && window->geometry().contains(place);
+    return window->isExposed() && window->geometry().contains(place);
   });
 }
 
